@@ -1,0 +1,28 @@
+#ifndef QAL_TOOLS_COMMON_ERROR_H_
+#define QAL_TOOLS_COMMON_ERROR_H_
+
+#include <stdexcept>
+
+namespace qal::tools {
+
+// Exit statuses of every command.
+constexpr int kDone = 0;
+constexpr int kFailed = 1;    // asked rightly, but there is no answer, or a check found something
+constexpr int kBadUsage = 2;  // arguments, input files or output files are not as they have to be
+
+/// The work was asked for rightly and has no answer: one line, exit status 1.
+class Failure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Arguments or files are not as they have to be. The text is one line that says what, where and
+/// what was expected; exit status 2.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_COMMON_ERROR_H_

@@ -1,0 +1,83 @@
+#include "files.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "error.h"
+
+namespace qal::tools {
+
+namespace {
+
+[[noreturn]] void Fail(std::string_view action, const std::string& path, int error) {
+  throw UsageError(fmt::format("cannot {} {}: {}", action, path, std::strerror(error)));
+}
+
+// 0, or the error that stopped it. Closes the descriptor either way.
+int WriteAndClose(int descriptor, std::string_view content) {
+  int error = 0;
+  while (!content.empty() && error == 0) {
+    const ssize_t written = ::write(descriptor, content.data(), content.size());
+    if (written >= 0) {
+      content.remove_prefix(static_cast<size_t>(written));
+    } else if (errno != EINTR) {
+      error = errno;
+    }
+  }
+  if (::close(descriptor) != 0 && error == 0) error = errno;
+  return error;
+}
+
+}  // namespace
+
+std::string ReadFile(const std::string& path) {
+  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) Fail("read", path, errno);
+  std::string content;
+  std::string block(1 << 16, '\0');
+  for (;;) {
+    const ssize_t count = ::read(descriptor, block.data(), block.size());
+    if (count > 0) {
+      content.append(block, 0, static_cast<size_t>(count));
+    } else if (count == 0) {
+      break;
+    } else if (errno != EINTR) {
+      const int error = errno;
+      (void)::close(descriptor);
+      Fail("read", path, error);
+    }
+  }
+  (void)::close(descriptor);
+  return content;
+}
+
+void WriteFile(const std::string& path, std::string_view content) {
+  struct stat status;
+  const bool exists = ::stat(path.c_str(), &status) == 0;
+  if (exists && !S_ISREG(status.st_mode)) {
+    const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    if (descriptor < 0) Fail("write", path, errno);
+    if (const int error = WriteAndClose(descriptor, content)) Fail("write", path, error);
+    return;
+  }
+  std::string beside = path + ".XXXXXX";
+  const int descriptor = ::mkostemp(beside.data(), O_CLOEXEC);
+  if (descriptor < 0) Fail("write", path, errno);
+  // As an ordinary new file would be, or as the one it replaces: mkostemp gives 0600.
+  const mode_t mask = ::umask(0);
+  (void)::umask(mask);
+  (void)::fchmod(descriptor, exists ? status.st_mode & 07777 : 0666 & ~mask);
+  int error = WriteAndClose(descriptor, content);
+  if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0) error = errno;
+  if (error != 0) {
+    (void)::unlink(beside.c_str());
+    Fail("write", path, error);
+  }
+}
+
+}  // namespace qal::tools

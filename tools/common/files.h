@@ -1,0 +1,21 @@
+#ifndef QAL_TOOLS_COMMON_FILES_H_
+#define QAL_TOOLS_COMMON_FILES_H_
+
+#include <string>
+#include <string_view>
+
+namespace qal::tools {
+
+/// The content of a file.
+/// @throw UsageError "cannot read PATH: REASON"; a folder is no file
+std::string ReadFile(const std::string& path);
+
+/// Writes a file as a whole: beside it first, then renamed, so that a failure leaves what stood
+/// there before and nothing half written. What is no regular file (a device, a pipe) is written in
+/// place.
+/// @throw UsageError "cannot write PATH: REASON"
+void WriteFile(const std::string& path, std::string_view content);
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_COMMON_FILES_H_

@@ -1,0 +1,19 @@
+#ifndef QAL_TOOLS_COMMON_NUMBERS_H_
+#define QAL_TOOLS_COMMON_NUMBERS_H_
+
+#include <string>
+#include <string_view>
+
+namespace qal::tools {
+
+/// The whole of `text` as a finite decimal number, whatever the locale.
+/// @param where what stands before the message, such as "--joints, value 3" or "file.csv, line 7"
+/// @throw UsageError "WHERE: 'TEXT' is not a number" (or "not a finite number")
+double ParseNumber(std::string_view text, const std::string& where);
+
+/// The shortest decimal text that reads back to the same double.
+std::string FormatNumber(double value);
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_COMMON_NUMBERS_H_
