@@ -2,6 +2,8 @@
 
 #include <cstdio>
 #include <iostream>
+#include <locale>
+#include <sstream>
 #include <string>
 
 namespace qal {
@@ -17,6 +19,13 @@ void WriteLine(std::string_view text, int number) {
   // One insertion, formatted apart: the host's settings of std::cout don't reach the number, and
   // lines of two threads don't mix inside.
   WriteLine(std::string(text) + std::to_string(number));
+}
+
+void WriteLine(std::string_view text, double number) {
+  std::ostringstream line;
+  line.imbue(std::locale::classic());
+  line << text << number;
+  WriteLine(line.str());
 }
 
 }  // namespace qal

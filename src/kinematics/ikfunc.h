@@ -214,6 +214,113 @@ class QAL_API Ikfunc {
   static bool CountLineToBuffer(RoadPoint s_point, RoadPoint e_point,
                                 std::vector<RoadPoint>* point_road, int speed);
 
+  // ---- Straight line, S-curve -------------------------------------------------------------------
+
+  /// Starts a straight line on a jerk-limited time law: the first phase, sampled every 5 ms.
+  ///
+  /// Position and orientation (the straight way between the Euler triples, never wrapped) go along
+  /// by the same fraction jerk * t^3 / (6 * length) until the phase time (length / (2 *
+  /// jerk))^(1/3), cut to whole cycles; that is at most a twelfth of the line. The rest of the
+  /// profile is not part of this operation, and `e_point` is not appended. 0.01 m with a jerk of 10
+  /// has a phase of 79 ms and so 15 points.
+  ///
+  /// Each point is solved within 0.518 rad of the one before (one that has no solution keeps its
+  /// joints, with `ArmJointIk`'s message), and no joint may need more than twice `max_joint`.
+  /// @param s_point    start, joints known. One out of reach is replaced as by
+  /// @param e_point    end              ... `ArmCheckAndCountSimilarIk`; the caller's stay.
+  /// @param point_road out, by case:
+  ///                   - a line no longer than 2 * max_jerk * (0.02 s)^3: cleared, then the two end
+  ///                     points, after "Smin distance is" and "length distance is" with both
+  ///                     lengths on standard output;
+  ///                   - a line longer than 2 * max_jerk * T^3, T the acceleration's build-up time
+  ///                     in ms: untouched;
+  ///                   - otherwise the first phase is appended to what is there, after "can't go to
+  ///                     mast ver!\n" on standard error.
+  /// @param max_v      velocity limit; has no effect
+  /// @param max_acc    acceleration limit [m/s^2], above 0 and finite
+  /// @param max_jerk   jerk limit [m/s^3], above 0 and finite
+  /// @param max_joint  motor speed limit [rpm] for `CheckRobotJointStep`: as it is between the two
+  ///                   end points of a short line, doubled between points of the first phase
+  /// @return 1 when done, in all three cases;
+  ///         -1: an end point can't be reached: "s_point and e_point Ik error!\n" on standard
+  ///         error, `point_road` untouched; or a joint step is too large: the check's lines, then
+  ///         "Check Robot Joint Step Error!\n" on standard error, `point_road` untouched for a
+  ///         short line and cleared in the first phase; -2, `point_road` untouched: the
+  ///         acceleration is built up within 20 ms: "max_acc is too small can't reach!\n" on
+  ///         standard error. Also -2, silently, where that doesn't apply but a limit is not above 0
+  ///         and finite, or the phase time doesn't fit an `int` (a length that is not a number).
+  static int CountSRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
+                                         std::vector<RoadPoint>* point_road, float max_v,
+                                         float max_acc, float max_jerk, int max_joint);
+
+  // ---- Joint moves, all joints in proportion ----------------------------------------------------
+  //
+  // Take care: CountCurveLineToBuffer fills an array, CountCurvelLineToBuffer (with an l) a vector,
+  // and CountCurvelLineSize (with an l) counts for the array. A waypoint's pose is the forward
+  // kinematics of its joints; where that fails (message on standard error) it keeps the pose of the
+  // waypoint before, in the array the pose that the element had.
+
+  /// How many waypoints a fixed-step joint move needs, start and end included.
+  ///
+  /// The leading joint advances by speed * 0.0001745329 rad, held in single precision; travels are
+  /// between angles cut to six decimals (`SectionNum`). 0.5 rad at speed 100 gives 29.
+  /// @param speed hundredths of a degree per waypoint, at least 1
+  /// @return the count, at least 1; 0 for a speed below 1 or a count that doesn't fit an `int`
+  static int CountCurvelLineSize(RoadPoint s_point, RoadPoint e_point, int speed);
+
+  /// Fills an array with a fixed-step joint move; companion of `CountCurvelLineSize`.
+  ///
+  /// Waypoint i has the joints at fraction i / `step_count`; the last is `e_point` as given, so the
+  /// last interval is two steps long. `ik_flag` of the elements before it stays as it was.
+  /// @param step_count  number of elements to write, at least 1
+  /// @param point_array out: `step_count` elements
+  /// @return true; false, with nothing written, for a `step_count` below 1
+  static bool CountCurveLineToBuffer(RoadPoint s_point, RoadPoint e_point, int step_count,
+                                     RoadPoint* point_array);
+
+  /// Plans a joint move whose leading joint speeds up by 0.0001745329 rad per cycle each cycle,
+  /// cruises, and slows down; the other joints keep the proportions of their travels.
+  ///
+  /// With n = speed / 2: a ramp of 0, 1, ... n units, whole cruise steps of n units or a little
+  /// more, and n, ... 2 units, 2 n + cruise + 1 waypoints in all; `e_point` as given closes the
+  /// ramp. A travel too short for n takes the largest n that fits, without a cruise; one below two
+  /// units just `s_point` and `e_point` as they are. Waypoints carry `s_point`'s `ik_flag`.
+  /// @param point_road out: cleared and refilled
+  /// @param speed      twice the top speed in units per cycle, at least 2
+  /// @return true; false, with `point_road` untouched, for a speed below 2 or a count that doesn't
+  ///         fit an `int`
+  static bool CountCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
+                                      std::vector<RoadPoint>* point_road, int speed);
+
+  // ---- Joint moves, synchronised trapezoids -----------------------------------------------------
+  //
+  // Each joint ramps up, cruises and ramps down by itself; all take the cycles of the slowest. A
+  // joint that is to move no more than its dead band (4.22584e-06 rad, from joint 4 on
+  // 5.06242e-06 rad) stands still until the end point.
+
+  /// How many cycles a synchronised joint move takes: those of the slower of the two groups'
+  /// leading joints at the limits given.
+  /// @param speed   motor speed limit [percent of 3000 rpm], at least 1
+  /// @param max_acc motor acceleration limit [rpm/s], at least 1
+  /// @return the count; 0 when no joint moves. Also 0 for a limit below 1 or a count that doesn't
+  ///         fit an `int`.
+  static int CountRunCurvelLineSize(RoadPoint s_point, RoadPoint e_point, int speed, int max_acc);
+
+  /// Plans a synchronised joint move of N = `CountRunCurvelLineSize` cycles.
+  ///
+  /// N waypoints: after cycle 1, 2, ... N - 1, with the pose of their joints (where forward
+  /// kinematics fails, with its message, the pose of the waypoint before) and `s_point`'s
+  /// `ik_flag`, then `e_point` as given. The start is not among them. A move of 5 cycles or less is
+  /// just `s_point` and `e_point`. Holds 6 * N doubles during the call.
+  /// @param point_road out: cleared and refilled
+  /// @param speed, max_acc as for `CountRunCurvelLineSize`
+  /// @return true, after a line on standard output: "the joint num is" and N, or "the all joint
+  ///         count is true" and N for the short move. false, silently with `point_road` untouched,
+  ///         for a limit below 1 and for a move of more than 46340 cycles.
+  static bool CountRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
+                                         std::vector<RoadPoint>* point_road, int speed,
+                                         int max_acc);
+
   // ---- Orientation and comparison helpers -------------------------------------------------------
 
   /// Roll, pitch, yaw of a quaternion, taken as it is (not normalised).
@@ -272,6 +379,39 @@ class QAL_API Ikfunc {
   static double SectionFourNum(double num);
   /// Whether six joints agree within 0.00872664 rad (half a degree), in double precision.
   static bool PointAngTest(double* a, double* b);
+
+  // ---- Joint speed ----
+
+  /// Whether each joint's step between two waypoints is within what its motor does in one cycle:
+  /// max_joint_speed_rpm * 1.04719e-05 * 50 rad over the gear ratio, 363 for joints 1 to 3 and 303
+  /// for joints 4 to 6. Equality and NaN pass. The first joint over it is told in two lines on
+  /// standard output: "the big diff is" or "the small diff is" with its step, and "max speed step"
+  /// with its limit [rad].
+  static bool CheckRobotJointStep(RoadPoint& point1, RoadPoint& point2, int max_joint_speed_rpm);
+
+  // ---- Trapezoidal profiles; `radio` is the joint's gear ratio, `step_time` the cycle [s] ----
+
+  /// Signed travel of each joint [rad], in single precision, 0 within its dead band. NaN stays.
+  static void countjointdis(RoadPoint s_point, RoadPoint e_point, float* arm_run_joint);
+  /// Cycles that one joint needs for `max_run_dis` [rad] at `joint_max_speed` [rpm] and `joint_acc`
+  /// [rpm/s]. 0 when a limit is not above 0 or the count doesn't fit an `int`.
+  static int countmaxruntime(double max_run_dis, double joint_max_speed, int joint_acc,
+                             double step_time, int radio);
+  /// Cruise cycles of a joint that covers `run_dis` [rad] in `n` cycles at `acc` [rpm/s]:
+  /// sqrt(n^2 - 4 run_dis / g), g the growth of its step per cycle. -1 when it can't, or `acc` is
+  /// below 1.
+  static int caltimeslover(int n, double run_dis, double step_time, int radio, int acc);
+  /// Steps of one joint in each cycle [rad], as magnitudes: a ramp that covers `joint_distance`
+  /// exactly, whatever acceleration that takes (with an odd count and no cruise its sum is larger
+  /// by 0.5 / (a (a - 1)), a the ramp's cycles).
+  ///
+  /// Where no ramp cycle is left to accelerate in (`max_speed_count` equal to `alljointruncount`),
+  /// and for a single cycle, the travel is split evenly.
+  /// @param joint_id 0 to 5; any other value counts as a small axis
+  /// @param result   out: `alljointruncount` entries; nothing when that is below 1
+  /// @param max_acc  has no effect
+  static void getJointStepLength(float joint_distance, int alljointruncount, int max_speed_count,
+                                 int joint_id, double* result, int max_acc);
 
   // ---- Pose encoding ----
 

@@ -4,6 +4,7 @@
 #include "../diagnostics.h"
 #include "../ikfunc.h"
 #include "line_walk.h"
+#include "ramp_walk.h"
 
 namespace {
 
@@ -44,42 +45,25 @@ bool Ikfunc::CountLineToBuffer(RoadPoint s_point, RoadPoint e_point,
   if (!(length >= min_distance)) return true;
 
   const Pos unit = UnitStep(dst);
+  // The pair check keeps the length, and so the count, far inside an int.
+  const int step_count =
+      speed > 0 ? static_cast<int>((length - min_distance) / (speed * qal::kRampUnitM)) : 0;
   point_road->clear();
   RoadPoint temp_point = s_point;
   // Moves on by `units` unit steps, solves against the joints before, and appends.
-  const auto advance = [&](int units) {
+  const auto advance = [&](qal::RampPhase phase, int units) {
     const Pos temp_dst = qal::Scaled(unit, units);
     temp_point.position = temp_point.position + temp_dst;
-    if (!ArmLineMoveIk(temp_point, temp_dst, temp_point.jointpos, qal::kRampedLineStepRad)) {
+    if (!ArmLineMoveIk(temp_point, temp_dst, temp_point.jointpos, qal::kLineStepRad)) {
+      if (phase == qal::RampPhase::kDown) qal::WriteLine(qal::kRampedLineIkLine, speed - units);
+      temp_point.printfPoint();
       return false;
     }
     point_road->push_back(temp_point);
     return true;
   };
-
-  // Ramp up, from standstill: the first point is the start itself, solved.
-  for (int i = 0; i <= speed; ++i) {
-    if (!advance(i)) {
-      temp_point.printfPoint();
-      return false;
-    }
-  }
-  // Cruise. The pair check keeps the length, and so the count, far inside an int.
-  const int step_count =
-      speed > 0 ? static_cast<int>((length - min_distance) / (speed * qal::kRampUnitM)) : 0;
-  for (int k = 0; k < step_count; ++k) {
-    if (!advance(speed)) {
-      temp_point.printfPoint();
-      return false;
-    }
-  }
-  for (int i = 0; i < speed; ++i) {
-    if (!advance(speed - i)) {
-      qal::WriteLine(qal::kRampedLineIkLine, i);
-      temp_point.printfPoint();
-      return false;
-    }
-  }
+  // From standstill, the start itself solved, down to one unit: the end point closes the ramp.
+  if (!qal::WalkRamp(speed, step_count, 1, advance)) return false;
   point_road->push_back(e_point);
   return true;
 }
