@@ -1,0 +1,32 @@
+# The installed tree, used from outside: by find_package, by pkg-config; and the source tree as a
+# subdirectory, with a solver of the user's own.
+# A sanitizer's library needs a sanitizer's program, so not there.
+if(CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  return()
+endif()
+
+set(consumer ${CMAKE_CURRENT_SOURCE_DIR}/package)
+set(prefix ${CMAKE_CURRENT_BINARY_DIR}/package/prefix)
+
+add_test(NAME Package.Installs
+         COMMAND ${CMAKE_COMMAND} --install ${PROJECT_BINARY_DIR} --prefix ${prefix})
+set_tests_properties(Package.Installs PROPERTIES FIXTURES_SETUP installed_tree)
+
+# Configures, builds and runs the consumer.
+function(qal_test_consumer name)
+  set(binary_dir ${CMAKE_CURRENT_BINARY_DIR}/package/${name})
+  add_test(NAME Package.WorksBy${name}
+           COMMAND ${CMAKE_CTEST_COMMAND} --build-and-test ${consumer} ${binary_dir}
+                   --build-generator ${CMAKE_GENERATOR} --build-options ${ARGN}
+                   -DCMAKE_CXX_COMPILER=${CMAKE_CXX_COMPILER}
+                   --test-command ${binary_dir}/consumer)
+endfunction()
+
+qal_test_consumer(FindPackage -DCMAKE_PREFIX_PATH=${prefix})
+qal_test_consumer(AddSubdirectory -DQAL_SOURCE_DIR=${PROJECT_SOURCE_DIR}
+                  -DQAL_IK_SOLVER=$<TARGET_FILE:ik>)
+add_test(NAME Package.WorksByPkgConfig
+         COMMAND ${consumer}/with_pkg_config.sh ${prefix} ${consumer}/consumer.cpp
+                 ${CMAKE_CURRENT_BINARY_DIR}/package/with_pkg_config)
+set_tests_properties(Package.WorksByFindPackage Package.WorksByPkgConfig
+                     PROPERTIES FIXTURES_REQUIRED installed_tree)
