@@ -1,0 +1,13 @@
+# The library against a solver that the test executable itself supplies.
+add_executable(
+  qal_library_test
+  core/value_types_test.cpp
+  kinematics/pose/scalars_test.cpp
+  kinematics/solve/forward_test.cpp
+  support/captured.cpp
+  support/scripted_solver.cpp)
+target_include_directories(qal_library_test PRIVATE support)
+target_link_libraries(qal_library_test PRIVATE qal_build_options QAL_kinematics GTest::gtest_main)
+# Its ikfast functions take the place of libik.so's.
+set_target_properties(qal_library_test PROPERTIES ENABLE_EXPORTS ON)
+gtest_discover_tests(qal_library_test)
