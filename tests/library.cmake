@@ -4,6 +4,9 @@ add_executable(
   core/value_types_test.cpp
   kinematics/pose/scalars_test.cpp
   kinematics/solve/forward_test.cpp
+  kinematics/trajectory/joint_interpolation_test.cpp
+  kinematics/trajectory/joint_trapezoid_test.cpp
+  kinematics/trajectory/s_curve_line_test.cpp
   support/captured.cpp
   support/scripted_solver.cpp)
 target_include_directories(qal_library_test PRIVATE support)

@@ -34,6 +34,11 @@ QAL_REVEAL(RelatRot);
 QAL_REVEAL(PointDis);
 QAL_REVEAL(PointAdd);
 QAL_REVEAL(EndMove);
+QAL_REVEAL(CheckRobotJointStep);
+QAL_REVEAL(countjointdis);
+QAL_REVEAL(countmaxruntime);
+QAL_REVEAL(caltimeslover);
+QAL_REVEAL(getJointStepLength);
 
 #undef QAL_REVEAL
 

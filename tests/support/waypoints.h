@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 
 #include "core/roadpoint.h"
@@ -23,6 +24,13 @@ inline Numbers All(const RoadPoint& point) {
 inline std::array<double, 3> All(const Pos& p) { return {p.x, p.y, p.z}; }
 inline std::array<double, 4> All(const Ori& q) { return {q.w, q.x, q.y, q.z}; }
 
+/// Hamilton product.
+inline Ori Product(const Ori& a, const Ori& b) {
+  return Ori(
+      a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
+      a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w);
+}
+
 inline RoadPoint Waypoint(const Pos& position, const Joints& joints = {},
                           const Ori& orientation = Ori(1, 0, 0, 0)) {
   RoadPoint point;
@@ -30,6 +38,19 @@ inline RoadPoint Waypoint(const Pos& position, const Joints& joints = {},
   point.orientation = orientation;
   std::copy(joints.begin(), joints.end(), point.jointpos);
   return point;
+}
+
+/// Expects each number within `tolerance`; NaN only where NaN is expected.
+template <size_t kCount>
+void ExpectNear(const std::array<double, kCount>& found, const std::array<double, kCount>& expected,
+                double tolerance) {
+  for (size_t i = 0; i < kCount; ++i) {
+    if (std::isnan(expected[i])) {
+      EXPECT_TRUE(std::isnan(found[i])) << "number " << i;
+    } else {
+      EXPECT_NEAR(found[i], expected[i], tolerance) << "number " << i;
+    }
+  }
 }
 
 #endif  // QAL_TESTS_SUPPORT_WAYPOINTS_H_
