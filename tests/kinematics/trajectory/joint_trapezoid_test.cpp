@@ -145,6 +145,8 @@ TEST_F(JointRun, IsJustTheEndPointsUpToFiveCycles) {
     EXPECT_EQ(All(road[0]), All(start));
     EXPECT_EQ(All(road[1]), All(End({travel})));
   }
+  // 30 rpm at 6000 rpm/s: a ramp cycle up and down in 4.327e-05 rad, and 3.5 times that to cruise.
+  EXPECT_EQ(std::get<1>(Plan({4.5 * 4.3272e-05}, 1, 6000)), "the all joint count is true5\n");
 }
 
 TEST_F(JointRun, RefusesWhatHasNoPlanAndKeepsAStrangeJointStill) {

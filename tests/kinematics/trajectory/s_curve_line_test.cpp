@@ -33,6 +33,7 @@ TEST(JointStepCheck, TellsTheFirstJointThatIsTooFastAndItsOwnLimit) {
        "the big diff is0.00432723\nmax speed step0.00432723\n"},
       {{0.0044, 0, 0, 0, 0, 0}, 3000, "the big diff is0.0044\nmax speed step0.00432723\n"},
       {{0, 0, 0, 0, 0, -0.0052}, 3000, "the small diff is0.0052\nmax speed step0.00518411\n"},
+      {{0, 0, 0, 0.1, 0, 0}, 3000, "the small diff is0.1\nmax speed step0.00518411\n"},
       {{0, 0.1, 0, 0, 0.2, 0}, 3000, "the big diff is0.1\nmax speed step0.00432723\n"},
       {{kNan, 0, 0, 0, kNan, 0}, 3000, ""},
       {{}, 0, ""},
@@ -97,6 +98,13 @@ TEST_F(SCurveLine, AnswersALineBelowTheShortestProfileWithItsEndPoints) {
       Outcome<int>(-1, said + "the big diff is0.0001\nmax speed step9.95263e-05\n", kStepError));
   EXPECT_EQ(road.size(), 2u);
   EXPECT_EQ(std::get<0>(Plan(0.0001, 1.0f, 10.0f, 70)), 1);
+  // Exactly the shortest profile, 2 * jerk * (0.02 s)^3 in single precision.
+  const double shortest = double{2.0f * 10.0f * 0.02f * 0.02f * 0.02f};
+  const RoadPoint end = Waypoint(Pos(0, shortest, 0));
+  (void)Captured([&] {
+    return Ikfunc::CountSRunCurvelLineToBuffer(Waypoint(Pos()), end, &road, 0, 1, 10, 3000);
+  });
+  EXPECT_EQ(road.size(), 2u);
 }
 
 TEST_F(SCurveLine, RefusesLimitsThatMakeNoProfile) {
