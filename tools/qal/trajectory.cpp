@@ -18,4 +18,9 @@ Trajectory FromWaypoints(const std::vector<RoadPoint>& points) {
   return trajectory;
 }
 
+bool HavePoses(const Trajectory& trajectory) {
+  return !trajectory.empty() && std::all_of(trajectory.begin(), trajectory.end(),
+                                            [](const Sample& s) { return s.pose.has_value(); });
+}
+
 }  // namespace qal::tools

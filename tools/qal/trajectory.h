@@ -30,6 +30,9 @@ using Trajectory = std::vector<Sample>;
 /// nearest i * 0.005 s.
 Trajectory FromWaypoints(const std::vector<RoadPoint>& points);
 
+/// Whether every sample has a pose; false for no samples.
+bool HavePoses(const Trajectory& trajectory);
+
 }  // namespace qal::tools
 
 #endif  // QAL_TOOLS_QAL_TRAJECTORY_H_

@@ -1,0 +1,3 @@
+add_executable(qal_trajectory_files_test tool/trajectory_files_test.cpp)
+target_link_libraries(qal_trajectory_files_test PRIVATE qal_tool GTest::gtest_main)
+gtest_discover_tests(qal_trajectory_files_test)

@@ -1,0 +1,54 @@
+#ifndef QAL_TOOLS_QAL_DIFFERENCES_H_
+#define QAL_TOOLS_QAL_DIFFERENCES_H_
+
+#include <cstddef>
+
+#include "trajectory.h"
+
+namespace qal::tools {
+
+/// Rates of a trajectory, from the differences of its samples.
+///
+/// A trajectory runs from rest to rest: the arm stands at the first sample before it starts, and
+/// stays at the last one. So a first or last step that is too large shows as an acceleration.
+///
+/// Interval i ends at sample i: 1 to size - 1 lie between samples; 0 is the standstill before the
+/// first sample and `size` the one after the last, each as long as its neighbour. Speeds and jerks
+/// belong to an interval, accelerations to a sample. An interval without a positive duration has no
+/// speed: NaN, as is what depends on it.
+class Differences {
+ public:
+  /// @param trajectory at least one sample; has to outlive this
+  explicit Differences(const Trajectory& trajectory) : trajectory_(trajectory) {}
+
+  /// Length of interval 0 to size [s]; kCycleS when there is but one sample.
+  double Duration(size_t interval) const;
+
+  /// Mean speed over interval 0 to size [rad/s], signed. For the sample that ends the interval this
+  /// is the backward difference.
+  double JointSpeed(size_t interval, size_t joint) const;
+
+  /// Speed at sample 0 to size - 1 itself [rad/s]: that of the parabola through the sample and its
+  /// neighbours, 0 at the first sample and the last.
+  double JointSpeedAt(size_t sample, size_t joint) const;
+
+  /// Change of speed at sample 0 to size - 1 [rad/s^2]: from the interval before to the one after,
+  /// over the time between their middles.
+  double JointAcceleration(size_t sample, size_t joint) const;
+
+  /// Change of acceleration over interval 0 to size [rad/s^3].
+  double JointJerk(size_t interval, size_t joint) const;
+
+ private:
+  const Trajectory& trajectory_;
+};
+
+/// Speed of a joint's motor [rpm, signed] when the joint turns at `joint_speed` [rad/s].
+double MotorRpm(double joint_speed, size_t joint);
+
+/// Distance of two positions [m].
+double Distance(const Pos& from, const Pos& to);
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_QAL_DIFFERENCES_H_

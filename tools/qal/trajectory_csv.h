@@ -1,0 +1,22 @@
+#ifndef QAL_TOOLS_QAL_TRAJECTORY_CSV_H_
+#define QAL_TOOLS_QAL_TRAJECTORY_CSV_H_
+
+#include <string>
+
+#include "trajectory.h"
+
+namespace qal::tools {
+
+/// A trajectory as CSV: `time_s,q1_rad,...,q6_rad`, then `x_m,y_m,z_m,qw,qx,qy,qz` when every
+/// sample has a pose. One header line, one line a sample, numbers that read back to the same
+/// double.
+/// @param full adds `qd1_rad_s..qd6_rad_s` and `motor1_rpm..motor6_rpm`, the mean speed since the
+///             row before (0 in the first row); `qdd1_rad_s2..qdd6_rad_s2`, the change from this
+///             speed to the next row's (the first and the last row start from and come to rest);
+///             and `tcp_speed_m_s` likewise when there is a pose. The order is speeds,
+///             accelerations, tool, motors. Times have to increase.
+std::string ToCsv(const Trajectory& trajectory, bool full);
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_QAL_TRAJECTORY_CSV_H_

@@ -1,0 +1,20 @@
+#ifndef QAL_TOOLS_QAL_TRAJECTORY_JSON_H_
+#define QAL_TOOLS_QAL_TRAJECTORY_JSON_H_
+
+#include <nlohmann/json.hpp>
+
+#include "trajectory.h"
+
+namespace qal::tools {
+
+/// A trajectory as JSON, one array a quantity and one entry a sample:
+///
+///     {"time_s": [0, ...], "joints_rad": [[q1, ..., q6], ...],
+///      "position_m": [[x, y, z], ...], "orientation_wxyz": [[w, x, y, z], ...]}
+///
+/// The last two are there when every sample has a pose.
+nlohmann::ordered_json ToJson(const Trajectory& trajectory);
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_QAL_TRAJECTORY_JSON_H_
