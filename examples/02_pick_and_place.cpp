@@ -1,0 +1,89 @@
+// A small pick and place of the reference arm: a joint move to above the part, a straight line down
+// to it, the line back up, a joint move home. Writes one trajectory: 02_pick_and_place FILE.csv
+
+#include <kinematics/ikfunc.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <stdexcept>
+#include <vector>
+
+#include "../tools/common/files.h"
+#include "../tools/qal/trajectory_csv.h"
+
+namespace {
+
+using Road = std::vector<RoadPoint>;
+
+constexpr double kPartM[3] = {0.42, 0.25, 0.10};
+constexpr double kClearanceM = 0.25;      // above the part
+constexpr int kLineSpeed = 40;            // units of 2e-5 m per cycle: 0.16 m/s
+constexpr int kJointSpeedPercent = 30;    // of 3000 rpm at the motors
+constexpr int kJointAcceleration = 5000;  // [rpm/s] at the motors
+
+RoadPoint AtJoints(const std::vector<double>& joints) {
+  RoadPoint point;
+  std::copy(joints.begin(), joints.end(), point.jointpos);
+  if (!Ikfunc::ArmFk(point)) throw std::runtime_error("home has no pose");
+  return point;
+}
+
+// Solves `point` for the joints nearest `from`'s.
+RoadPoint Solved(RoadPoint point, RoadPoint from) {
+  if (!Ikfunc::ArmIk(point, from.jointpos)) throw std::runtime_error("out of reach");
+  return point;
+}
+
+void AppendJointMove(const RoadPoint& from, const RoadPoint& to, Road& road) {
+  Road move;
+  if (!Ikfunc::CountRunCurvelLineToBuffer(from, to, &move, kJointSpeedPercent,
+                                          kJointAcceleration)) {
+    throw std::runtime_error("the joint move has no plan");
+  }
+  road.insert(road.end(), move.begin(), move.end());
+}
+
+void AppendLine(const RoadPoint& from, const RoadPoint& to, Road& road) {
+  Road line;
+  // A line too short for its ramps is true as well, and leaves the vector empty.
+  if (!Ikfunc::CountLineToBuffer(from, to, &line, kLineSpeed) || line.empty()) {
+    throw std::runtime_error("the line has no plan");
+  }
+  road.insert(road.end(), line.begin(), line.end());
+}
+
+Road PickAndPlace() {
+  const RoadPoint home = AtJoints({0.0, -0.3, 0.3, 0.0, std::acos(-1.0) / 2, 0.0});
+  RoadPoint above = home;  // the tool points down as it does at home
+  above.position = Pos(kPartM[0], kPartM[1], kPartM[2] + kClearanceM);
+  above = Solved(above, home);
+  RoadPoint at_part = above;
+  at_part.position.z = kPartM[2];
+  at_part = Solved(at_part, above);
+
+  Road road = {home};
+  AppendJointMove(home, above, road);
+  AppendLine(above, at_part, road);
+  AppendLine(at_part, above, road);
+  AppendJointMove(above, home, road);
+  return road;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    std::fprintf(stderr, "usage: 02_pick_and_place FILE.csv\n");
+    return 2;
+  }
+  try {
+    const Road road = PickAndPlace();
+    qal::tools::WriteFile(argv[1], qal::tools::ToCsv(qal::tools::FromWaypoints(road), true));
+    std::fprintf(stderr, "%zu waypoints written to %s\n", road.size(), argv[1]);
+    return 0;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "%s\n", error.what());
+    return 1;
+  }
+}
