@@ -2,12 +2,16 @@
 add_executable(
   qal_library_test
   core/value_types_test.cpp
+  kinematics/pose/euler_test.cpp
+  kinematics/pose/frame_moves_test.cpp
   kinematics/pose/scalars_test.cpp
   kinematics/solve/forward_test.cpp
+  kinematics/solve/inverse_test.cpp
+  kinematics/trajectory/fixed_line_test.cpp
   kinematics/trajectory/joint_interpolation_test.cpp
   kinematics/trajectory/joint_trapezoid_test.cpp
+  kinematics/trajectory/ramped_line_test.cpp
   kinematics/trajectory/s_curve_line_test.cpp
-  support/captured.cpp
   support/scripted_solver.cpp)
 target_include_directories(qal_library_test PRIVATE support)
 target_link_libraries(qal_library_test PRIVATE qal_build_options QAL_kinematics GTest::gtest_main)

@@ -1,6 +1,9 @@
 #ifndef QAL_TESTS_SUPPORT_CAPTURED_H_
 #define QAL_TESTS_SUPPORT_CAPTURED_H_
 
+#include <gtest/gtest.h>
+#include <stdio_ext.h>
+
 #include <string>
 #include <tuple>
 
@@ -9,32 +12,26 @@
 /// What a call returned and wrote: result, standard output, standard error.
 template <typename Result>
 using Outcome = std::tuple<Result, std::string, std::string>;
+using BoolOutcome = Outcome<bool>;
+inline const BoolOutcome kSilentTrue(true, "", "");
+inline const BoolOutcome kSilentFalse(false, "", "");
 
-/// Sends file descriptors 1 and 2 to files while it lives. Nothing is flushed on the library's
-/// behalf: what it left in a buffer is missing.
-class Capture {
- public:
-  Capture();
-  ~Capture();
-  Capture(const Capture&) = delete;
-  Capture& operator=(const Capture&) = delete;
-  /// What descriptor 1 or 2 has got so far.
-  std::string Text(int descriptor) const;
-
- private:
-  int file_[3];
-  int saved_[3];
-};
-
-/// Runs `call` and says all that came of it.
+/// Runs `call` and says all that came of it, as seen at file descriptors 1 and 2.
 template <typename Call>
 auto Captured(Call call) {
-  Capture capture;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
   const auto result = call();
-  return Outcome<std::decay_t<decltype(result)>>(result, capture.Text(1), capture.Text(2));
+  const size_t unflushed = __fpending(stdout);
+  const std::string errors = testing::internal::GetCapturedStderr();
+  const std::string output = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(unflushed, 0u) << output;
+  return Outcome<std::decay_t<decltype(result)>>(result, output, errors);
 }
 
 /// The block that `printfPoint` writes.
-std::string Printed(RoadPoint point);
+inline std::string Printed(RoadPoint point) {
+  return std::get<1>(Captured([&] { return point.printfPoint(), 0; }));
+}
 
 #endif  // QAL_TESTS_SUPPORT_CAPTURED_H_

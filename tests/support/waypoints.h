@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 #include "core/roadpoint.h"
 #include "scripted_solver.h"
@@ -31,12 +32,31 @@ inline Ori Product(const Ori& a, const Ori& b) {
       a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w);
 }
 
-inline RoadPoint Waypoint(const Pos& position, const Joints& joints = {},
-                          const Ori& orientation = Ori(1, 0, 0, 0)) {
+/// The rotation about x, y or z.
+inline Ori Turn(double angle_rad, int axis) {
+  const double sine = std::sin(angle_rad / 2);
+  return Ori(std::cos(angle_rad / 2), axis == 0 ? sine : 0, axis == 1 ? sine : 0,
+             axis == 2 ? sine : 0);
+}
+
+/// The waypoint that holds these numbers.
+inline RoadPoint From(const Numbers& numbers) {
   RoadPoint point;
-  point.position = position;
-  point.orientation = orientation;
-  std::copy(joints.begin(), joints.end(), point.jointpos);
+  point.position = Pos(numbers[0], numbers[1], numbers[2]);
+  point.orientation = Ori(numbers[3], numbers[4], numbers[5], numbers[6]);
+  std::copy_n(&numbers[7], 6, point.jointpos);
+  point.ik_flag = numbers[13] != 0.0;
+  return point;
+}
+
+inline RoadPoint Waypoint(const Pos& p, const Joints& q = {}, const Ori& o = Ori(1, 0, 0, 0)) {
+  return From({p.x, p.y, p.z, o.w, o.x, o.y, o.z, q[0], q[1], q[2], q[3], q[4], q[5], 0});
+}
+
+/// `point` with these joints and its flag set.
+inline RoadPoint Solved(RoadPoint point, const std::vector<double>& joints) {
+  std::copy_n(joints.begin(), 6, point.jointpos);
+  point.ik_flag = true;
   return point;
 }
 

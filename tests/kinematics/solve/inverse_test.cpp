@@ -1,0 +1,249 @@
+#include "captured.h"
+#include "kinematics/ikfunc.h"
+#include "private_members.h"
+#include "waypoints.h"
+
+namespace {
+
+using Questions = std::vector<SolverPose>;
+using Solutions = std::vector<std::vector<double>>;
+
+constexpr char kUnsolved[] = "Failed to get  ik solution ArmJointIK \n";
+constexpr char kInadmissible[] = "Failed to get joint ik solution\n";
+constexpr char kNoQuaternion[] = "Error while converting to quaternion!\n";
+
+// The five operations that ask the solver and choose. All but the first have a step bound.
+enum Operation { kNearest, kHold, kMove, kLine, kJog };
+
+bool Solve(Operation operation, RoadPoint& point, Joints reference, double bound) {
+  if (operation == kNearest) return Ikfunc::ArmIk(point, reference.data());
+  if (operation == kHold) return Ikfunc::ArmJointIk(point, reference.data(), bound);
+  if (operation == kLine) {
+    return Ikfunc::ArmLineMoveIk(point, Pos(10, 20, 40), reference.data(), bound);
+  }
+  // A base-frame rotation leaves the pose as it is. A unit of step lets a joint move by 1000 rad.
+  RoadPoint start = Waypoint(operation == kJog ? point.position : Pos(1, 1, 1), reference);
+  const Numbers before = All(start);
+  const bool solved = operation == kJog ? Ikfunc::ArmIk(start, 0, 3, -bound / 1000, point)
+                                        : Ikfunc::ArmJointIk(start, point, bound);
+  EXPECT_EQ(All(start), before);
+  return solved;
+}
+
+constexpr size_t kNone = 99;
+
+class Inverse : public ScriptedSolver {
+ protected:
+  // Expects `operation` to take solution `chosen`, or to refuse and leave the point.
+  void ExpectChoice(Operation operation, const Solutions& solutions, size_t chosen, double bound) {
+    SCOPED_TRACE(testing::Message() << "operation " << operation << ", bound " << bound);
+    const BoolOutcome refused(false, "",
+                              operation == kNearest ? ""
+                              : operation == kJog   ? "Failed to get  ik solution\n"
+                                                    : kInadmissible);
+    RoadPoint point = point_;
+    script.asked.clear();
+    script.answers = {Found(solutions)};
+    EXPECT_EQ(Captured([&] { return Solve(operation, point, reference_, bound); }),
+              chosen == kNone ? refused : kSilentTrue);
+    ExpectNear(All(point), All(chosen == kNone ? point_ : Solved(point_, solutions[chosen])), 0.0);
+    EXPECT_EQ(script.asked, Questions{kTarget});
+  }
+  void ExpectChoice(const char* rule, const Joints& reference, const Solutions& solutions,
+                    size_t chosen) {
+    SCOPED_TRACE(rule);
+    reference_ = reference;
+    for (const Operation operation : {kNearest, kHold, kMove, kLine, kJog}) {
+      ExpectChoice(operation, solutions, chosen, 7.0);
+    }
+  }
+
+  // The solver finds nothing so many times, then kSolution.
+  static void FindNothing(size_t times) {
+    script.asked.clear();
+    script.answers.assign(times, Nothing());
+    script.inverse = [](const SolverPose&) { return Found({kSolution}); };
+  }
+
+  // Expects these questions when the solver finds nothing but for the last one, or not even then
+  // (which gives `errors`), and what is written.
+  void ExpectQuestions(Operation operation, const Questions& questions, const std::string& errors,
+                       double tolerance = 0.0) {
+    for (const bool found : {true, false}) {
+      RoadPoint point = point_;
+      FindNothing(questions.size() - found);
+      const auto outcome = Captured([&] { return Solve(operation, point, reference_, 0.10002); });
+      EXPECT_EQ(std::get<0>(outcome), found);
+      EXPECT_TRUE(found || std::get<2>(outcome) == errors) << std::get<2>(outcome);
+      ASSERT_EQ(script.asked.size(), questions.size());
+      for (size_t i = 0; i < questions.size(); ++i) {
+        ExpectNear(script.asked[i], questions[i], tolerance);
+      }
+      const RoadPoint last = Waypoint(Pos(questions[1][0], questions[1][1], questions[1][2]));
+      RoadPoint expected = found ? Solved(operation == kJog ? last : point_, kSolution) : point_;
+      if (operation == kNearest && !found) expected = last;
+      EXPECT_EQ(All(point), All(expected));
+    }
+  }
+
+  static SolverPose TurnedOver(const Joints& q) {
+    return {q[0], q[1], q[2], 1, 0, 0, 0, -1, 0, 0, 0, -1};
+  }
+
+  inline static const std::vector<double> kSolution = {0.4, 0.1, -0.4, 0.2, 0.2, 0.2};
+  inline static const SolverPose kTarget = GantryForward({2, 3, 4});
+  RoadPoint point_ = Waypoint(Pos(2, 3, 4), {0.3, 0.3, 0.3, 0, 0, 0});
+  // Above zero, at it, below it; nudged, 1e-5 nearer to it or past it.
+  Joints reference_ = {0.5, 0, -0.5, 0.1, 0.1, 0.1};
+  const double up_ = 0.5 - 1e-5;
+  const double zero_ = 1e-5;
+  const double down_ = -0.5 + 1e-5;
+};
+
+TEST_F(Inverse, ChoosesTheNearestAdmissibleSolution) {
+  constexpr double kEdge = 2.967059678;
+  const double beyond = std::nextafter(kEdge, 3.0);
+  ExpectChoice("the nearest, wherever it stands", {},
+               {{.3, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, -.1}, {0, 0, .2, 0, 0, 0}}, 1);
+  ExpectChoice("the earlier in a tie", {}, {{.1, 0, 0, 0, 0, 0}, {0, 0, 0, -.1, 0, 0}}, 0);
+  ExpectChoice("by sum, not by largest", {}, {{.3, 0, 0, 0, 0, 0}, {.1, .1, .1, .1, 0, 0}}, 0);
+  ExpectChoice("not wrapped", {2.9}, {{-2.9, 0, 0, 0, 0, 0}, {.5, 0, 0, 0, 0, 0}}, 1);
+  ExpectChoice("distance 0 also means none yet", {},
+               {{0, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 0, 0}}, 1);
+  ExpectChoice("but is the nearest", {}, {{1, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0}}, 1);
+  ExpectChoice("both ends in", {}, {{kEdge, -kEdge, kEdge, -kEdge, kEdge, -kEdge}}, 0);
+  ExpectChoice("joint 6 out", {0, 0, 0, 0, 0, 2.9}, {{0, 0, 0, 0, 0, beyond}, {0, 0, 0, 0, 0, 1}},
+               1);
+  ExpectChoice("joint 3 out below", {}, {{0, 0, -beyond, 0, 0, 0}}, kNone);
+  ExpectChoice("five or seven joints", {}, {{0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, 0, 0}}, kNone);
+  ExpectChoice("infinities", {}, {{0, kInfinity, 0, 0, 0, 0}, {0, 0, -kInfinity, 0, 0, 0}}, kNone);
+  ExpectChoice("nothing nearer than NaN", {}, {{kNan, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0}}, 0);
+  ExpectChoice("nor NaN than a number", {}, {{1, 0, 0, 0, 0, 0}, {kNan, 0, 0, 0, 0, 0}}, 0);
+  ExpectChoice("true with an empty list", {}, {}, kNone);
+}
+
+// The only solution moves joint 3 by exactly 0.25. A jog's bound has no sign.
+TEST_F(Inverse, BoundsEachJointsMove) {
+  const Solutions solutions = {{0.5, 0, -0.75, 0.1, 0.1, 0.1}};
+  for (const Operation operation : {kHold, kMove, kLine, kJog}) {
+    ExpectChoice(operation, solutions, 0, 0.25);
+    ExpectChoice(operation, solutions, kNone, 0.2499);
+    ExpectChoice(operation, {{0.5, 0.26, -0.5, 0.1, 0.1, 0.1}}, kNone, 0.25);
+    ExpectChoice(operation, solutions, 0, kNan);
+    ExpectChoice(operation, {{0.5, 0, -0.5, 0.1, 0.1, 0.1}}, 0, 0.0);
+    ExpectChoice(operation, {{0.5, 0, -0.5, 0.1, 0.1, 0.1}}, operation == kJog ? 0 : kNone, -1.0);
+  }
+}
+
+// The gantry's coordinates are its first three joints: a question shows what it was made of.
+TEST_F(Inverse, NearestMovesTheTargetAsTheNudgeMovesTheReference) {
+  script.forward = TurnedOver;  // the quaternion difference undoes it for the target
+  ExpectQuestions(kNearest, {kTarget, GantryForward({up_ + 1.5, zero_ + 3, down_ + 4.5})}, "");
+}
+
+TEST_F(Inverse, HoldAndJogAskForTheNudgedReference) {
+  const Questions questions = {kTarget, GantryForward({up_, zero_, down_})};
+  ExpectQuestions(kHold, questions, kUnsolved);
+  ExpectQuestions(kJog, questions, "2 Failed to get  ik solution\n");
+}
+
+// From the point's own joints, not the reference, and with their orientation; then nudged.
+TEST_F(Inverse, LineGoesOneStepOn) {
+  const double nudged = 0.3 - 1e-5;
+  script.forward = TurnedOver;
+  ExpectQuestions(kLine,
+                  {kTarget, TurnedOver({10.3, 20.3, 40.3}),
+                   TurnedOver({10 + nudged, 20 + nudged, 40 + nudged})},
+                  kUnsolved);
+  script.forward = [](const Joints&) { return SolverPose{0, 0, 0, kNan}; };
+  ExpectQuestions(kLine, {kTarget, GantryForward({12, 23, 44}), GantryForward({22, 43, 84})},
+                  std::string(kNoQuaternion) + kNoQuaternion + kUnsolved);
+}
+
+// By (1, 2, 3) from the stored position; from a roll of pi at the joints to pi/2, so by -pi/2 from
+// the nudged joints' roll of 0. Joints 4 to 6 move 0.10001 from the nudged ones.
+TEST_F(Inverse, MoveIsCarriedOverToTheNudgedJoints) {
+  point_.orientation = Ori(std::sqrt(0.5), std::sqrt(0.5), 0, 0);
+  script.forward = [this](const Joints& q) {
+    return q == reference_ ? TurnedOver(q) : GantryForward(q);
+  };
+  ExpectQuestions(kMove,
+                  {{2, 3, 4, 1, 0, 0, 0, 0, -1, 0, 1, 0},
+                   {up_ + 1, zero_ + 2, down_ + 3, 1, 0, 0, 0, 0, 1, 0, -1, 0}},
+                  kUnsolved, 1e-15);
+  FindNothing(1);
+  EXPECT_EQ(Captured([&] { return Solve(kMove, point_, reference_, 0.1 + 1e-6); }),
+            BoolOutcome(false, "", kInadmissible));
+}
+
+TEST_F(Inverse, JogMayWriteItsResultOverTheCurrentWaypoint) {
+  FindNothing(1);
+  RoadPoint point = Waypoint(Pos(2, 3, 4), reference_);
+  EXPECT_TRUE(Ikfunc::ArmIk(point, 0, 1, -0.002, point));
+  EXPECT_EQ(script.asked[0], GantryForward({2, 3 - 0.002, 4}));
+  EXPECT_EQ(All(point),
+            (Numbers{up_, zero_ - 0.002, down_, 1, 0, 0, 0, 0.4, 0.1, -0.4, 0.2, 0.2, 0.2, 1}));
+}
+
+TEST_F(Inverse, NearestNeedsNoSolverAtTheReferencesOwnPose) {
+  for (const bool same : {true, false}) {
+    RoadPoint point = Waypoint(Pos(0.5, same ? 9e-6 : 1.1e-5, -0.5), {}, Ori(1, 9e-5, 0, 0));
+    const Numbers before = All(point);
+    EXPECT_TRUE(Solve(kNearest, point, reference_, 0.0));
+    EXPECT_EQ(script.asked.empty(), same);
+    EXPECT_EQ(All(point) == before, same);
+  }
+}
+
+// One question of its own, two of the hold, which moves a joint by 0.043633200000000004 at most.
+TEST_F(Inverse, ReachabilityLeavesASolvableWaypointAndHoldsAnother) {
+  const RoadPoint start = Waypoint(Pos(2, 3, 4), reference_);
+  for (const size_t nothing : {0, 2, 3}) {
+    for (const double move : {0.043633200000000004, 0.0436333}) {
+      RoadPoint point = start;
+      FindNothing(nothing);
+      script.inverse = [&](const SolverPose&) { return Found({{0.5, move, -0.5, 0.1, 0.1, 0.1}}); };
+      const bool held = nothing == 2 && move < 0.0436333;
+      EXPECT_EQ(Captured([&] { return Ikfunc::ArmCheckAndCountSimilarIk(point); }),
+                nothing == 0 || held ? kSilentTrue
+                                     : BoolOutcome(false, "ARM IK is error\n",
+                                                   nothing == 2 ? kInadmissible : kUnsolved));
+      EXPECT_EQ(All(point),
+                All(held ? Solved(Waypoint(Pos(0.5, move, -0.5)), {0.5, move, -0.5, 0.1, 0.1, 0.1})
+                         : start));
+      point = start;
+      FindNothing(nothing);
+      EXPECT_EQ(Ikfunc::ArmIk(point), nothing == 0);  // only asks
+      EXPECT_EQ(All(point), All(start));
+    }
+  }
+}
+
+TEST_F(Inverse, PositionsAgreeWithJointsToTwoMillimetresAnAxis) {
+  for (size_t axis = 0; axis < 3; ++axis) {
+    for (const double off : {0.002, -0.002, 0.0020001, -0.0020001, kNan}) {
+      Joints joints = {};
+      joints[axis] = off;
+      EXPECT_EQ(Ikfunc::ChekcArmPointok(Waypoint(Pos(), joints, Ori())), !(std::fabs(off) > 0.002));
+    }
+  }
+  script.forward = [](const Joints&) { return SolverPose{9, 9, 9, kNan}; };
+  EXPECT_EQ(Captured([] { return Ikfunc::ChekcArmPointok(RoadPoint()); }),
+            BoolOutcome(true, "", kNoQuaternion));
+}
+
+// Any length of quaternion, either sign; the position bit for bit. |q|^2 = 0.84: for example
+// 1 - 2 (0.09 + 0.49) / 0.84 and 2 (-0.03 - 0.35) / 0.84.
+TEST_F(Inverse, PosesAreEncodedAsPositionAndMatrixByRows) {
+  for (const double scale : {1.0, -1.0, 4.0, -0.5}) {
+    point_.orientation = Ori(0.5 * scale, -0.1 * scale, 0.3 * scale, 0.7 * scale);
+    std::array<double, 9> eerot;
+    std::array<double, 3> eetrans;
+    hidden::CountEerotEetrans(point_, eerot.data(), eetrans.data());
+    EXPECT_EQ(eetrans, (std::array<double, 3>{2, 3, 4}));
+    for (double& element : eerot) element *= 0.84;
+    ExpectNear(eerot, {-0.32, -0.76, 0.16, 0.64, -0.16, 0.52, -0.44, 0.32, 0.64}, 1e-15);
+  }
+}
+
+}  // namespace
