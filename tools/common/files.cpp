@@ -7,6 +7,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 #include "error.h"
 
@@ -18,18 +19,23 @@ namespace {
   throw UsageError(fmt::format("cannot {} {}: {}", action, path, std::strerror(error)));
 }
 
-// 0, or the error that stopped it. Closes the descriptor either way.
-int WriteAndClose(int descriptor, std::string_view content) {
-  int error = 0;
-  while (!content.empty() && error == 0) {
+// 0, or the error that stopped it.
+int WriteAll(int descriptor, std::string_view content) {
+  while (!content.empty()) {
     const ssize_t written = ::write(descriptor, content.data(), content.size());
     if (written >= 0) {
       content.remove_prefix(static_cast<size_t>(written));
     } else if (errno != EINTR) {
-      error = errno;
+      return errno;
     }
   }
-  if (::close(descriptor) != 0 && error == 0) error = errno;
+  return 0;
+}
+
+// 0, or the error that stopped it. Closes the descriptor either way.
+int WriteAndClose(int descriptor, std::string_view content) {
+  const int error = WriteAll(descriptor, content);
+  if (::close(descriptor) != 0 && error == 0) return errno;
   return error;
 }
 
@@ -65,7 +71,11 @@ void WriteFile(const std::string& path, std::string_view content) {
     if (const int error = WriteAndClose(descriptor, content)) Fail("write", path, error);
     return;
   }
-  std::string beside = path + ".XXXXXX";
+  // Through links: not the link is replaced, but what it leads to.
+  std::error_code unresolved;
+  const std::filesystem::path resolved = std::filesystem::canonical(path, unresolved);
+  const std::string target = unresolved ? path : resolved.string();
+  std::string beside = target + ".XXXXXX";
   const int descriptor = ::mkostemp(beside.data(), O_CLOEXEC);
   if (descriptor < 0) Fail("write", path, errno);
   // As an ordinary new file would be, or as the one it replaces: mkostemp gives 0600.
@@ -73,11 +83,16 @@ void WriteFile(const std::string& path, std::string_view content) {
   (void)::umask(mask);
   (void)::fchmod(descriptor, exists ? status.st_mode & 07777 : 0666 & ~mask);
   int error = WriteAndClose(descriptor, content);
-  if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0) error = errno;
+  if (error == 0 && ::rename(beside.c_str(), target.c_str()) != 0) error = errno;
   if (error != 0) {
     (void)::unlink(beside.c_str());
     Fail("write", path, error);
   }
+}
+
+void WriteStandardOutput(std::string_view content) {
+  const int error = WriteAll(STDOUT_FILENO, content);
+  if (error != 0 && error != EPIPE) Fail("write", "standard output", error);
 }
 
 }  // namespace qal::tools

@@ -11,10 +11,15 @@ namespace qal::tools {
 std::string ReadFile(const std::string& path);
 
 /// Writes a file as a whole: beside it first, then renamed, so that a failure leaves what stood
-/// there before and nothing half written. What is no regular file (a device, a pipe) is written in
-/// place.
+/// there before and nothing half written. A link stays, and what it leads to is replaced. What is
+/// no regular file (a device, a pipe) is written in place.
 /// @throw UsageError "cannot write PATH: REASON"
 void WriteFile(const std::string& path, std::string_view content);
+
+/// Writes to standard output. A reader that has closed its end of the pipe has all it wanted: no
+/// error (the process has to ignore SIGPIPE).
+/// @throw UsageError "cannot write standard output: REASON"
+void WriteStandardOutput(std::string_view content);
 
 }  // namespace qal::tools
 

@@ -28,6 +28,16 @@ double ParseNumber(std::string_view text, const std::string& where) {
   return value;
 }
 
+int ParseWhole(std::string_view text, const std::string& where, int least, int most) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size() || value < least || value > most) {
+    throw UsageError(
+        fmt::format("{}: '{}' is no whole number from {} to {}", where, text, least, most));
+  }
+  return value;
+}
+
 std::string FormatNumber(double value) { return fmt::format("{}", value); }
 
 }  // namespace qal::tools

@@ -11,6 +11,10 @@ namespace qal::tools {
 /// @throw UsageError "WHERE: 'TEXT' is not a number" (or "not a finite number")
 double ParseNumber(std::string_view text, const std::string& where);
 
+/// The whole of `text` as a decimal whole number from `least` to `most`.
+/// @throw UsageError "WHERE: 'TEXT' is no whole number from LEAST to MOST"
+int ParseWhole(std::string_view text, const std::string& where, int least, int most);
+
 /// The shortest decimal text that reads back to the same double.
 std::string FormatNumber(double value);
 
