@@ -1,0 +1,106 @@
+#include <gtest/gtest.h>
+
+#include "run_qal.h"
+
+namespace {
+
+// Bad usage: status 2, nothing on standard output, and exactly one line.
+struct BadUsage {
+  const char* arguments;
+  const char* line;
+};
+
+class Usage : public testing::TestWithParam<BadUsage> {};
+
+TEST_P(Usage, IsAnsweredInOneLine) {
+  const Outcome outcome = RunQal(GetParam().arguments);
+  EXPECT_EQ(2, outcome.status);
+  EXPECT_EQ("", outcome.out);
+  EXPECT_EQ(std::string(GetParam().line) + "\n", outcome.err);
+}
+
+constexpr BadUsage kBadUsages[] = {
+    {"", "qal: a command is expected; qal --help lists them"},
+    {"fkk", "qal: 'fkk' is no command; qal --help lists them"},
+    {"fk 1 2", "qal fk: '1' was not expected; qal fk --help lists the options"},
+    // Numbers: how many, and each of them.
+    {"fk", "qal fk: --joints: six joint angles [rad] expected, none given"},
+    {"fk --deg --joints 1,2 3", "qal fk: --joints: six joint angles [deg] expected, 3 given"},
+    {"fk --joints 1 2 3 x 5 6", "qal fk: --joints, value 4: 'x' is not a number"},
+    {"fk --joints 1 2 3 -inf 5 6", "qal fk: --joints, value 4: '-inf' is not a finite number"},
+    {"fk --joints 1 2 3 4 5 1e999",
+     "qal fk: --joints, value 6: '1e999' is too large or too small for a number"},
+    {"jog --axis x --step 0.1 --deg --joints 0 0 -171 0 0 0",
+     "qal jog: --joints, value 3: -171 deg is outside the joint's range, -169.99999711284502 to "
+     "169.99999711284502"},
+    // Poses.
+    {"ik --pose 0.4 0 0.5 0 0 -0 0",
+     "qal ik: --pose: the quaternion is zero; qw qx qy qz of length 1 are expected"},
+    {"ik --pose 0.4 0 0.5",
+     "qal ik: --pose: x y z [m] qw qx qy qz, or x y z with --rpy, expected, 3 given"},
+    {"ik --pose 0.4 0 0.5 1 0 0 0 --rpy 0 0 0",
+     "qal ik: --pose: x y z [m] with --rpy expected, 7 given"},
+    {"ik --pose 0.4 0 0.5 --rpy 0 0", "qal ik: --rpy: roll pitch yaw [rad] expected, 2 given"},
+    {"ik --pose 0.4 0 0.5 1 0 0 0 --step-bound -1",
+     "qal ik: --step-bound: -1 is not from 0 to 1000"},
+    // Choices, and options that don't go together.
+    {"jog --joints 0 0 0 0 0 0 --axis q", "qal jog: --axis: q not in {x,y,z,rx,ry,rz}"},
+    {"jog --joints 0 0 0 0 0 0 --axis rz --step 0.1",
+     "qal jog: --axis rz: turns are about the tool's axes, with --frame tool"},
+    // Files.
+    {"fk --joints 0 0 0 0 0 0 --csv /nowhere/a.csv",
+     "qal fk: cannot write /nowhere/a.csv: No such file or directory"},
+    {"fk --joints 0 0 0 0 0 0 --csv /dev/full",
+     "qal fk: cannot write /dev/full: No space left on device"},
+    {"fk --joints 0 0 0 0 0 0 --json --csv -",
+     "qal fk: --csv - and --json: only one of them can have standard output"},
+};
+
+INSTANTIATE_TEST_SUITE_P(All, Usage, testing::ValuesIn(kBadUsages));
+
+// Anything a solver throws ends in one line, and what it prints doesn't get into the data.
+TEST(Solver, ThatMisbehavesIsContained) {
+  const auto run = [](const std::string& odd) {
+    return RunQal("fk --joints 0 0 0 0 0 0 --json",
+                  {"LD_LIBRARY_PATH=" QAL_ODD_SOLVER_DIR, "ODD_SOLVER=" + odd});
+  };
+  const Outcome prints = run("prints");
+  EXPECT_EQ(0, prints.status);
+  EXPECT_EQ('{', prints.out[0]) << prints.out;
+  EXPECT_EQ("solver by stream\nsolver by printf\n", prints.err);
+  const std::pair<const char*, const char*> thrown[] = {
+      {"throws a number", "unexpected error of an unknown kind, from the solver"},
+      {"throws", "unexpected error: two lines"},
+      {"has no memory", "out of memory"}};
+  for (const auto& [odd, line] : thrown) {
+    const Outcome outcome = run(odd);
+    EXPECT_EQ(1, outcome.status);
+    EXPECT_EQ("", outcome.out);
+    EXPECT_EQ(std::string("qal fk: ") + line + "\n", outcome.err);
+  }
+}
+
+TEST(Output, ThatCannotBeWrittenIsBadUsageButAClosedPipeIsNot) {
+  const std::string command = QAL_BINARY " fk --joints 0 0 0 0 0 0 --json";
+  const auto shell = [](const std::string& line) {
+    return WEXITSTATUS(std::system(("bash -o pipefail -c '" + line + "'").c_str()));
+  };
+  const std::string err = FreshPath("err");
+  EXPECT_EQ(0, shell(command + " 2>" + err + " | head -c 1 >" + FreshPath("head")));
+  EXPECT_EQ("", FileContent(err));
+  EXPECT_EQ(2, shell(command + " 2>" + err + " >/dev/full"));
+  EXPECT_EQ("qal fk: cannot write standard output: No space left on device\n", FileContent(err));
+  EXPECT_EQ(2, shell(command + " 2>" + err + " >&-"));
+}
+
+TEST(Version, AndHelpGoToStandardOutput) {
+  EXPECT_EQ("qal 1.0.0\n", RunQal("--version").out);
+  for (const char* command : {"fk", "ik", "jog"}) {
+    const Outcome help = RunQal(std::string(command) + " --help");
+    EXPECT_EQ(0, help.status);
+    EXPECT_NE(std::string::npos, help.out.find(std::string("Example: qal ") + command));
+    EXPECT_EQ("", help.err);
+  }
+}
+
+}  // namespace

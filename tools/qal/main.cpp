@@ -1,0 +1,81 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+#include <new>
+#include <sstream>
+
+#include "../common/error.h"
+#include "../common/files.h"
+#include "../common/messages.h"
+#include "arguments.h"
+#include "commands.h"
+
+namespace {
+
+using namespace qal::tools;
+
+void Describe(CLI::App& app) {
+  app.name("qal");
+  app.description(
+      "Kinematics and trajectories of a six-axis arm. Angles in rad and lengths in m unless --deg\n"
+      "or --mm is given. Exit status: 0 done, 1 no solution, 2 bad usage.");
+  app.set_version_flag("--version", "qal " QAL_VERSION);
+  app.require_subcommand(0, 1);
+  for (auto* add : {AddFk, AddIk, AddJog}) add(app);
+}
+
+// Runs what the command line asks for.
+void Run(CLI::App& app, int argc, char** argv) {
+  std::vector<std::string> arguments;  // in reverse, as the parser wants them
+  for (int i = argc - 1; i > 0; --i) arguments.push_back(ShieldNumber(argv[i]));
+  try {
+    app.parse(arguments);
+  } catch (const CLI::ExtrasError&) {
+    const std::string extra = app.remaining(true).front();
+    if (app.get_subcommands().empty()) {
+      throw UsageError(fmt::format("'{}' is no command; qal --help lists them", extra));
+    }
+    throw UsageError(fmt::format("'{}' was not expected; qal {} --help lists the options", extra,
+                                 app.get_subcommands().front()->get_name()));
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream text;
+    if (app.exit(error, text, text) != 0) throw UsageError(error.what());
+    WriteStandardOutput(text.str());
+    return;
+  }
+  if (app.get_subcommands().empty()) {
+    throw UsageError("a command is expected; qal --help lists them");
+  }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader that closes the pipe early is no fault; the write says so.
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  CLI::App app;
+  std::string who = "qal";
+  const auto command = [&app, &who] {
+    for (const CLI::App* sub : app.get_subcommands()) who += ' ' + sub->get_name();
+    return who;
+  };
+  try {
+    Describe(app);
+    Run(app, argc, argv);
+    return kDone;
+  } catch (const UsageError& error) {
+    SayOnError(command(), error.what());
+    return kBadUsage;
+  } catch (const Failure& error) {
+    SayOnError(command(), error.what());
+  } catch (const std::bad_alloc&) {
+    SayOnError(command(), "out of memory");
+  } catch (const std::exception& error) {
+    SayOnError(command(), fmt::format("unexpected error: {}", error.what()));
+  } catch (...) {  // a solver may throw anything
+    SayOnError(command(), "unexpected error of an unknown kind, from the solver");
+  }
+  return kFailed;
+}

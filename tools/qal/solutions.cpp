@@ -1,0 +1,116 @@
+#include "solutions.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/solution_choice.h"
+#include "../common/error.h"
+#include "../common/messages.h"
+#include "agreement.h"
+#include "output.h"
+
+namespace qal::tools {
+
+namespace {
+
+std::string Verdict(const Judgement& judgement, const Joints& joints, const double* reference,
+                    double bound_rad, const Units& units) {
+  const auto angle = [&units](double rad) {
+    return fmt::format("{:.6g} {}", units.Angle(rad), units.angle());
+  };
+  const int j = judgement.joint;
+  switch (judgement.refusal) {
+    case Refusal::kNone:
+      break;
+    case Refusal::kJointRange: {
+      const double value = joints[static_cast<size_t>(j)];
+      return fmt::format("joint {} at {}, {} outside its range of +-{}", j + 1, angle(value),
+                         angle(std::fabs(value) - kJointRangeRad), angle(kJointRangeRad));
+    }
+    case Refusal::kStepBound: {
+      const double move = std::fabs(joints[static_cast<size_t>(j)] - reference[j]);
+      return fmt::format("joint {} moves {}, {} over the step bound of {}", j + 1, angle(move),
+                         angle(move - bound_rad), angle(bound_rad));
+    }
+  }
+  return "admissible";
+}
+
+}  // namespace
+
+std::vector<Solution> FindSolutions(const RoadPoint& target, const double* reference,
+                                    double bound_rad, const Units& units) {
+  SolutionList list;
+  std::vector<Solution> solutions;
+  if (!AskSolver(target, list)) return solutions;
+  Joints nearest;
+  bool open = FindNearest(list, reference, bound_rad, nearest.data());
+  const size_t count = list.GetNumSolutions();
+  for (size_t i = 0; i < count; ++i) {
+    const ikfast::IkSolutionBase<double>& found = list.GetSolution(i);
+    if (found.GetDOF() != kJointCount) continue;  // passed over by the library as well
+    Solution solution{};
+    found.GetSolution(solution.joints_rad.data(), nullptr);
+    for (int j = 0; j < kJointCount; ++j) {
+      solution.distance_rad +=
+          std::fabs(solution.joints_rad[static_cast<size_t>(j)] - reference[j]);
+    }
+    const Judgement judgement = Judge(solution.joints_rad.data(), reference, bound_rad);
+    solution.admissible = judgement.refusal == Refusal::kNone;
+    solution.verdict = Verdict(judgement, solution.joints_rad, reference, bound_rad, units);
+    solution.chosen = open && solution.joints_rad == nearest;
+    if (solution.chosen) open = false;
+    solutions.push_back(solution);
+  }
+  return solutions;
+}
+
+std::string WhyUnsolved(const RoadPoint& target, const double* reference, double bound_rad,
+                        const Units& units) {
+  const std::vector<Solution> solutions = FindSolutions(target, reference, bound_rad, units);
+  if (solutions.empty()) return "out of reach, the solver finds no joints for it";
+  const auto nearest = std::min_element(
+      solutions.begin(), solutions.end(),
+      [](const Solution& a, const Solution& b) { return a.distance_rad < b.distance_rad; });
+  return fmt::format("none of the {} solutions is admissible; the nearest: {}", solutions.size(),
+                     nearest->verdict);
+}
+
+RoadPoint SolveNear(RoadPoint target, const RoadPoint& reference, double bound_rad,
+                    const Units& units) {
+  target.ik_flag = false;
+  target.orientation = SignedAs(target.orientation, reference.orientation);
+  RoadPoint solved = target;
+  RoadPoint near = reference;  // the library wants it writable
+  const bool found = bound_rad < kNoStepBound ? Ikfunc::ArmJointIk(solved, near.jointpos, bound_rad)
+                                              : Ikfunc::ArmIk(solved, near.jointpos);
+  const std::string pose = PoseText(target, units);
+  if (!found) {
+    throw Failure(fmt::format("no solution at {}: {}", pose,
+                              WhyUnsolved(target, near.jointpos, bound_rad, units)));
+  }
+  // The reference joints have this pose already; the library then writes nothing.
+  if (!solved.ik_flag) std::copy(near.jointpos, near.jointpos + kJointCount, solved.jointpos);
+  solved.ik_flag = true;
+  const Gap gap = GapAt(solved);
+  const std::string off = fmt::format("{:.3g} {} and {:.3g} {} off", units.Length(gap.position_m),
+                                      units.length(), units.Angle(gap.angle_rad), units.angle());
+  if (!gap.Reaches()) {
+    throw Failure(
+        fmt::format("no solution at {}: out of reach; the library falls back to joints "
+                    "that are {}",
+                    pose, off));
+  }
+  // Rounding stays far below, the library's nudge of 1e-5 rad far above.
+  constexpr double kExactM = 1e-7;
+  if (gap.position_m > kExactM) {
+    Note(fmt::format("no exact solution at {}: the joints are {}", pose, off));
+  }
+  return solved;
+}
+
+}  // namespace qal::tools
