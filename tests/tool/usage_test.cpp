@@ -19,6 +19,8 @@ TEST_P(Usage, IsAnsweredInOneLine) {
   EXPECT_EQ(std::string(GetParam().line) + "\n", outcome.err);
 }
 
+#define FROM "line --from 0 0.3 0.2 0 1 0 "
+
 constexpr BadUsage kBadUsages[] = {
     {"", "qal: a command is expected; qal --help lists them"},
     {"fkk", "qal: 'fkk' is no command; qal --help lists them"},
@@ -47,6 +49,20 @@ constexpr BadUsage kBadUsages[] = {
     {"jog --joints 0 0 0 0 0 0 --axis q", "qal jog: --axis: q not in {x,y,z,rx,ry,rz}"},
     {"jog --joints 0 0 0 0 0 0 --axis rz --step 0.1",
      "qal jog: --axis rz: turns are about the tool's axes, with --frame tool"},
+    {FROM "--speed 5", "qal line: one of --to, --to-pose and --by is expected, for the end"},
+    {FROM "--by 0 0 .1 --speed 2.5",
+     "qal line: --speed: '2.5' is no whole number from 1 to 1000000000"},
+    {FROM "--by 0 0 .1 --speed 0",
+     "qal line: --speed: '0' is no whole number from 1 to 1000000000"},
+    {FROM "--by 0 0 .1 --speed 5 --jerk 1", "qal line: --jerk does not go with --profile ramp"},
+    {FROM "--by 0 0 .1 --profile fixed --speed 1 --precision 1",
+     "qal line: --profile fixed: one of --speed and --precision is expected"},
+    {FROM "--by 0 0 .1 --profile fixed --precision 1e-5",
+     "qal line: --precision 1e-05: 5e+07 points on this line, at most 1e+06 are planned"},
+    {"joint --from 0 0 0 0 0 0 --to 1 0 0 0 0 0 --acc 1 --speed 101",
+     "qal joint: --speed: '101' is no whole number from 1 to 100"},
+    {"joint --from 0 0 0 0 0 0 --to 1 0 0 0 0 0 --profile ramp --speed 1",
+     "qal joint: --speed: '1' is no whole number from 2 to 1000000000"},
     // Files.
     {"fk --joints 0 0 0 0 0 0 --csv /nowhere/a.csv",
      "qal fk: cannot write /nowhere/a.csv: No such file or directory"},
@@ -81,7 +97,9 @@ TEST(Solver, ThatMisbehavesIsContained) {
 }
 
 TEST(Output, ThatCannotBeWrittenIsBadUsageButAClosedPipeIsNot) {
-  const std::string command = QAL_BINARY " fk --joints 0 0 0 0 0 0 --json";
+  const std::string command = QAL_BINARY
+      " line --from 0 0.3 0.2 0 1 0 --by 0 0.3 0 --speed 1 "
+      "--profile fixed --json";
   const auto shell = [](const std::string& line) {
     return WEXITSTATUS(std::system(("bash -o pipefail -c '" + line + "'").c_str()));
   };
@@ -89,13 +107,13 @@ TEST(Output, ThatCannotBeWrittenIsBadUsageButAClosedPipeIsNot) {
   EXPECT_EQ(0, shell(command + " 2>" + err + " | head -c 1 >" + FreshPath("head")));
   EXPECT_EQ("", FileContent(err));
   EXPECT_EQ(2, shell(command + " 2>" + err + " >/dev/full"));
-  EXPECT_EQ("qal fk: cannot write standard output: No space left on device\n", FileContent(err));
+  EXPECT_EQ("qal line: cannot write standard output: No space left on device\n", FileContent(err));
   EXPECT_EQ(2, shell(command + " 2>" + err + " >&-"));
 }
 
 TEST(Version, AndHelpGoToStandardOutput) {
   EXPECT_EQ("qal 1.0.0\n", RunQal("--version").out);
-  for (const char* command : {"fk", "ik", "jog"}) {
+  for (const char* command : {"fk", "ik", "jog", "line", "joint"}) {
     const Outcome help = RunQal(std::string(command) + " --help");
     EXPECT_EQ(0, help.status);
     EXPECT_NE(std::string::npos, help.out.find(std::string("Example: qal ") + command));

@@ -7,7 +7,7 @@
 namespace qal::tools {
 
 /// While one lives, whatever the library and the solver write to standard output goes to standard
-/// error, so that standard output carries data only. One at a time.
+/// error, so that standard output carries data only. May be nested; the inner one has the text.
 class LibraryLines : private std::streambuf {
  public:
   LibraryLines();

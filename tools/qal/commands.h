@@ -11,6 +11,8 @@ namespace qal::tools {
 void AddFk(CLI::App& app);
 void AddIk(CLI::App& app);
 void AddJog(CLI::App& app);
+void AddLine(CLI::App& app);
+void AddJoint(CLI::App& app);
 
 }  // namespace qal::tools
 

@@ -22,9 +22,7 @@ void RunFk(const FkArguments& arguments) {
     const LibraryLines lines;
     return AtJoints(joints);
   }();
-  arguments.output.Write(FromWaypoints({point}), arguments.output.json()
-                                                     ? PointJson(point).dump(2) + '\n'
-                                                     : PointRows(point, arguments.units));
+  arguments.output.WritePoint(point, arguments.units);
 }
 
 }  // namespace

@@ -127,7 +127,8 @@ void RunIk(const IkArguments& arguments) {
   {
     const LibraryLines lines;
     question = ReadQuestion(arguments);
-    solved = SolveNear(question.target, question.reference, question.bound_rad, arguments.units);
+    solved = SolveNear(question.target, question.reference, question.bound_rad,
+                       "at " + PoseText(question.target, arguments.units), arguments.units);
   }
   arguments.output.Write(FromWaypoints({solved}), Answer(arguments, question, solved));
 }

@@ -60,9 +60,7 @@ void RunJog(const JogArguments& arguments) {
     const LibraryLines lines;
     return Jog(arguments);
   }();
-  arguments.output.Write(FromWaypoints({point}), arguments.output.json()
-                                                     ? PointJson(point).dump(2) + '\n'
-                                                     : PointRows(point, arguments.units));
+  arguments.output.WritePoint(point, arguments.units);
 }
 
 }  // namespace

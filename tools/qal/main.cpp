@@ -23,7 +23,7 @@ void Describe(CLI::App& app) {
       "or --mm is given. Exit status: 0 done, 1 no solution, 2 bad usage.");
   app.set_version_flag("--version", "qal " QAL_VERSION);
   app.require_subcommand(0, 1);
-  for (auto* add : {AddFk, AddIk, AddJog}) add(app);
+  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint}) add(app);
 }
 
 // Runs what the command line asks for.

@@ -32,6 +32,10 @@ void Output::Write(const Trajectory& trajectory, const std::string& data) const 
   WriteStandardOutput(data);
 }
 
+void Output::WritePoint(const RoadPoint& point, const Units& units) const {
+  Write(FromWaypoints({point}), json_ ? PointJson(point).dump(2) + '\n' : PointRows(point, units));
+}
+
 std::string Decimal(double value, int decimals) {
   const double half_a_digit = 0.5 * std::pow(10.0, -decimals);
   return fmt::format("{:.{}f}", std::fabs(value) < half_a_digit ? 0.0 : value, decimals);

@@ -24,6 +24,8 @@ class Output {
   /// Writes the CSV file if one is wanted, then `data`, the table or the JSON text, to standard
   /// output. The file comes first, so that a reader which closes the pipe early doesn't lose it.
   void Write(const Trajectory& trajectory, const std::string& data) const;
+  /// The same for a single waypoint.
+  void WritePoint(const RoadPoint& point, const Units& units) const;
 
  private:
   bool json_ = false;

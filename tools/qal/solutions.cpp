@@ -81,16 +81,15 @@ std::string WhyUnsolved(const RoadPoint& target, const double* reference, double
 }
 
 RoadPoint SolveNear(RoadPoint target, const RoadPoint& reference, double bound_rad,
-                    const Units& units) {
+                    const std::string& place, const Units& units) {
   target.ik_flag = false;
   target.orientation = SignedAs(target.orientation, reference.orientation);
   RoadPoint solved = target;
   RoadPoint near = reference;  // the library wants it writable
   const bool found = bound_rad < kNoStepBound ? Ikfunc::ArmJointIk(solved, near.jointpos, bound_rad)
                                               : Ikfunc::ArmIk(solved, near.jointpos);
-  const std::string pose = PoseText(target, units);
   if (!found) {
-    throw Failure(fmt::format("no solution at {}: {}", pose,
+    throw Failure(fmt::format("no solution {}: {}", place,
                               WhyUnsolved(target, near.jointpos, bound_rad, units)));
   }
   // The reference joints have this pose already; the library then writes nothing.
@@ -101,14 +100,14 @@ RoadPoint SolveNear(RoadPoint target, const RoadPoint& reference, double bound_r
                                       units.length(), units.Angle(gap.angle_rad), units.angle());
   if (!gap.Reaches()) {
     throw Failure(
-        fmt::format("no solution at {}: out of reach; the library falls back to joints "
+        fmt::format("no solution {}: out of reach; the library falls back to joints "
                     "that are {}",
-                    pose, off));
+                    place, off));
   }
   // Rounding stays far below, the library's nudge of 1e-5 rad far above.
   constexpr double kExactM = 1e-7;
   if (gap.position_m > kExactM) {
-    Note(fmt::format("no exact solution at {}: the joints are {}", pose, off));
+    Note(fmt::format("no exact solution {}: the joints are {}", place, off));
   }
   return solved;
 }

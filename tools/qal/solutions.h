@@ -29,9 +29,10 @@ std::string WhyUnsolved(const RoadPoint& target, const double* reference, double
 
 /// The library's answer: `target` with the joints nearest `reference`, which has joints and pose.
 /// Says on standard error when only a pose next to it has a solution.
+/// @param place where this is, for messages: "at POSE"
 /// @throw Failure when there is no solution, or the library holds the joints of some other pose
 RoadPoint SolveNear(RoadPoint target, const RoadPoint& reference, double bound_rad,
-                    const Units& units);
+                    const std::string& place, const Units& units);
 
 }  // namespace qal::tools
 
