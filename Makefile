@@ -1,8 +1,9 @@
 # Thin calls of the CMake presets. Each target first installs the Debian packages that it needs and
 # that are missing (as root, or through sudo).
 
-BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev nlohmann-json3-dev
-TEST_DEPS := libgtest-dev liborocos-kdl-dev libtinyxml2-dev pkg-config
+BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
+              nlohmann-json3-dev
+TEST_DEPS := libgtest-dev liborocos-kdl-dev pkg-config
 
 .PHONY: demo test build-deps test-deps clean
 
