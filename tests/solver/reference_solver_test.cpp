@@ -210,7 +210,7 @@ TEST(ReferenceSolver, GivesTheSameAnswersFromTwoThreads) {
 }
 
 TEST(ReferenceSolver, HasTheForwardKinematicsOfItsUrdf) {
-  const KDL::Chain chain = ReadUrdfChain(QAL_ARMS_DIR "/reference.urdf");
+  const KDL::Chain chain = ReadUrdfChain(QAL_ARMS_DIR "/reference.urdf", "tool0");
   ASSERT_EQ(chain.getNrOfJoints(), 6u);
   KDL::ChainFkSolverPos_recursive kdl(chain);
   KDL::JntArray q(6);

@@ -1,0 +1,216 @@
+#include "arms.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <kdl/chainfksolverpos_recursive.hpp>
+#include <random>
+
+#include "../../solver/reference_arm.h"
+#include "../../tools/arm/read_arm.h"
+#include "../../tools/arm/table.h"
+#include "../../tools/common/files.h"
+#include "../solver/urdf_chain.h"
+
+namespace qal::tools {
+namespace {
+
+using closed_form::Joints;
+using closed_form::Solutions;
+
+constexpr unsigned kSeed = 20261124;
+constexpr double kJointRangeRad = 2.967059678;
+
+class EveryArm : public testing::TestWithParam<const char*> {
+ protected:
+  Joints RandomJoints() {
+    Joints joints;
+    for (double& joint : joints) joint = range_(engine_);
+    return joints;
+  }
+
+  Frame Forward(const Joints& q) const {
+    return std::visit([&](const auto& a) { return closed_form::Forward(a, q.data()); }, model_);
+  }
+
+  Solutions Solve(const Frame& target) const {
+    return std::visit([&](const auto& a) { return closed_form::Solve(a, target); }, model_);
+  }
+
+  // At least one solution; each reaches the target, lies in (-pi, pi] and stands once.
+  void ExpectSound(const Solutions& solutions, const Frame& target, double tolerance) const {
+    ASSERT_GT(solutions.Count(), 0u);
+    for (const Joints& solution : solutions) {
+      ASSERT_LE(LargestDifference(Forward(solution), target), tolerance);
+      for (const double joint : solution) ASSERT_TRUE(joint > -kPi && joint <= kPi);
+      for (const Joints* other = solutions.begin(); other != &solution; ++other) {
+        ASSERT_GT(LargestDifference(solution, *other), 1e-8);
+      }
+    }
+  }
+
+  // The x of the wrist's centre in the arm's frame: 0 on axis 1, or where the arm just gets to it.
+  double Forwardness(const Joints& q) const {
+    const closed_form::Body& body = BodyOf(model_);
+    const Frame tip = Forward(q);
+    const Vector3 centre = Transposed(body.base.rotation) *
+                           (tip.position + tip.rotation * body.centre_in_tool - body.base.position);
+    const double angle1 = body.direction[0] * q[0] + body.zero[0];
+    return centre[0] * std::cos(angle1) + centre[1] * std::sin(angle1);
+  }
+
+  // Changes joint 2 so that the wrist's centre comes there. False when that joint can't do it.
+  bool PutOverAxis1(Joints& q) {
+    Joints low = q;
+    Joints high = q;
+    for (int i = 0; i < 100; ++i) {
+      low[1] = range_(engine_);
+      high[1] = range_(engine_);
+      if (Forwardness(low) < 0 && Forwardness(high) > 0) break;
+    }
+    if (!(Forwardness(low) < 0 && Forwardness(high) > 0)) return false;
+    for (int i = 0; i < 100; ++i) {
+      q[1] = (low[1] + high[1]) / 2;
+      (Forwardness(q) < 0 ? low[1] : high[1]) = q[1];
+    }
+    return true;
+  }
+
+  std::mt19937 engine_{kSeed};
+  std::uniform_real_distribution<double> range_{-kJointRangeRad, kJointRangeRad};
+  const Arm arm_ = ReadArm(ArmPath(GetParam()), {});
+  const Model model_ = FindFamily(arm_);
+};
+
+TEST_P(EveryArm, SolvesRandomPosesAndFindsTheJointsTheyCameFrom) {
+  int exact = 0;
+  constexpr int kPoses = 100000;
+  for (int i = 0; i < kPoses; ++i) {
+    const Joints joints = RandomJoints();
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", pose " << i);
+    const Frame target = Forward(joints);
+    const Solutions solutions = Solve(target);
+    ExpectSound(solutions, target, 1e-12);
+    if (HasFatalFailure()) return;
+    double nearest = 1;
+    for (const Joints& solution : solutions) {
+      nearest = std::min(nearest, LargestDifference(solution, joints));
+    }
+    ASSERT_LT(nearest, 1e-5);  // near singularities the pose says no more
+    if (nearest < 1e-10) ++exact;
+  }
+  EXPECT_GT(exact, kPoses / 1000 * 998);
+}
+
+// Wrist (model angle 5), elbow (model angle 3) and shoulder, alone and in pairs, on the spot and
+// 1e-16 to 1e-4 rad beside it.
+TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
+  const closed_form::Body& body = BodyOf(model_);
+  const auto put = [&](Joints& q, size_t j, double angle) {
+    q[j] = body.direction[j] * (angle - body.zero[j]);
+  };
+  int shoulders = 0;
+  for (int i = 0; i < 6000; ++i) {
+    Joints joints = RandomJoints();
+    const int kind = 1 + i % 6;  // a bit each: wrist, elbow, shoulder
+    const double off = i % 14 == 0 ? 0.0 : std::pow(10.0, -17 + i % 14) * (i % 4 < 2 ? 1 : -1);
+    if (kind & 1) put(joints, 4, (i % 5 < 2 ? 0 : kPi) + off);
+    if (kind & 2) put(joints, 2, (i % 5 < 3 ? 0 : kPi) + off);
+    if (kind & 4) {
+      if (!PutOverAxis1(joints)) continue;
+      joints[1] += off;
+      ++shoulders;
+    }
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << ", case " << i << ", joints "
+                                    << testing::PrintToString(joints));
+    const Frame target = Forward(joints);
+    ExpectSound(Solve(target), target, 5e-11);
+    if (HasFatalFailure()) return;
+  }
+  EXPECT_GT(shoulders, 1000);
+}
+
+KDL::Chain ChainOf(const Arm& arm, const std::string& path) {
+  KDL::Chain chain;
+  const auto turn = [&chain](const KDL::Vector& axis, const KDL::Frame& before, double direction) {
+    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), before));
+    const KDL::Joint joint(KDL::Vector::Zero(), axis, KDL::Joint::RotAxis, direction);
+    chain.addSegment(KDL::Segment(joint, KDL::Frame::Identity()));
+  };
+  if (path.find(".urdf") != std::string::npos) return ReadUrdfChain(path, arm.tip);
+  const bool toml = path.find(".toml") != std::string::npos;
+  const nlohmann::json table =
+      toml ? ParseToml(ReadFile(path), path) : ParseJson(ReadFile(path), path);
+  const auto fixed = [&table](const char* key) {
+    if (table.count(key) == 0) return KDL::Frame::Identity();
+    const auto& xyz = table[key]["xyz"];
+    const auto& rpy = table[key]["rpy"];
+    return KDL::Frame(KDL::Rotation::RPY(rpy[0], rpy[1], rpy[2]),
+                      KDL::Vector(xyz[0], xyz[1], xyz[2]));
+  };
+  const auto& lines = table["joint"];
+  const bool ortho_parallel = table["convention"] == "ortho-parallel";
+  const auto length = [&](const char* key) { return table[key].get<double>(); };
+  const KDL::Vector x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
+  KDL::Frame before = fixed("base");
+  for (size_t j = 0; j < 6; ++j) {
+    const double theta = lines[j].value("theta", 0.0);
+    const KDL::Vector axis = !ortho_parallel || j % 3 == 0 || j == 5 ? z : y;
+    if (ortho_parallel && j == 1)
+      before = before * KDL::Frame(KDL::Vector(length("a1"), 0, length("c1")));
+    if (ortho_parallel && j == 2) before = before * KDL::Frame(KDL::Vector(0, 0, length("c2")));
+    if (ortho_parallel && j == 3) {
+      before = before * KDL::Frame(KDL::Vector(length("a2"), length("b"), length("c3")));
+    }
+    turn(axis, before, lines[j].value("direction", 1.0));
+    before = ortho_parallel ? KDL::Frame(KDL::Rotation::Rot(axis, theta))
+                            : KDL::Frame::DH(lines[j].value("a", 0.0), lines[j].value("alpha", 0.0),
+                                             lines[j].value("d", 0.0), theta);
+  }
+  if (ortho_parallel) before = before * KDL::Frame(KDL::Vector(0, 0, length("c4")));
+  chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), before * fixed("flange")));
+  return chain;
+}
+
+TEST_P(EveryArm, HasTheForwardKinematicsOfAnIndependentLibrary) {
+  const KDL::Chain chain = ChainOf(arm_, ArmPath(GetParam()));
+  ASSERT_EQ(chain.getNrOfJoints(), 6u);
+  KDL::ChainFkSolverPos_recursive kdl(chain);
+  KDL::JntArray q(6);
+  for (int i = 0; i < 2000; ++i) {
+    const Joints joints = RandomJoints();
+    std::copy(joints.begin(), joints.end(), q.data.data());
+    KDL::Frame expected;
+    ASSERT_GE(kdl.JntToCart(q, expected), 0);
+    Frame frame;
+    std::copy(expected.p.data, expected.p.data + 3, frame.position.element);
+    for (int r = 0; r < 3; ++r) {
+      std::copy(expected.M.data + 3 * r, expected.M.data + 3 * r + 3,
+                frame.rotation.row[r].element);
+    }
+    ASSERT_LE(LargestDifference(Forward(joints), frame), 1e-12) << "seed " << kSeed;
+    ASSERT_LE(LargestDifference(TipFrame(arm_, joints), frame), 1e-12) << "seed " << kSeed;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Arms, EveryArm, testing::ValuesIn(kArmFiles),
+                         [](const testing::TestParamInfo<const char*>& arm) {
+                           const std::string file = arm.param;
+                           return file.substr(0, file.find('.'));
+                         });
+
+// One solving code: the library's own solver is what mkik makes of the reference arm's URDF.
+TEST(ReferenceArm, IsTheModelOfItsUrdf) {
+  const Model model = FindFamily(ReadArm(ArmPath("reference.urdf"), {}));
+  const auto& made = std::get<closed_form::SphericalWristArm>(model);
+  const closed_form::SphericalWristArm& own = reference_arm::kArm;
+  EXPECT_EQ(made.body.upper_arm, own.body.upper_arm);
+  EXPECT_EQ(made.body.shoulder, own.body.shoulder);
+  EXPECT_DOUBLE_EQ(made.body.forearm, own.body.forearm);
+  EXPECT_DOUBLE_EQ(made.body.zero[2], own.body.zero[2]);
+  EXPECT_DOUBLE_EQ(made.lean.sine, own.lean.sine);
+  EXPECT_EQ(made.skew.sine, 0.0);
+}
+
+}  // namespace
+}  // namespace qal::tools

@@ -1,0 +1,163 @@
+#include <gtest/gtest.h>
+
+#include "../../tools/arm/table.h"
+#include "../../tools/arm/units.h"
+#include "../../tools/arm/urdf.h"
+#include "../../tools/common/error.h"
+#include "../../tools/common/files.h"
+#include "arms.h"
+
+namespace qal::tools {
+namespace {
+
+using closed_form::Joints;
+
+// A file of arms/ with one text replaced, the first one behind `after`.
+struct Change {
+  const char* file;
+  const char* after;
+  const char* text;
+  const char* by;
+  const char* expected;  // the message, or its beginning when it ends in "..."
+};
+
+std::string Changed(const Change& change) {
+  std::string content = ReadFile(ArmPath(change.file));
+  const size_t after = content.find(change.after);
+  EXPECT_NE(after, std::string::npos) << change.after;
+  const size_t place = content.find(change.text, after);
+  EXPECT_NE(place, std::string::npos) << change.text;
+  return content.replace(place, std::string(change.text).size(), change.by);
+}
+
+Arm Read(const std::string& file, const std::string& content, const ReadOptions& options) {
+  if (file.find(".urdf") != std::string::npos) return ReadUrdf(content, file, options);
+  const bool toml = file.find(".toml") != std::string::npos;
+  return ReadTable(toml ? ParseToml(content, file) : ParseJson(content, file), file, options);
+}
+
+template <class Error>
+void ExpectRefused(const Change& change, const ReadOptions& options = {}) {
+  SCOPED_TRACE(change.expected);
+  try {
+    (void)FindFamily(Read(change.file, Changed(change), options));
+    ADD_FAILURE() << "accepted";
+  } catch (const Error& error) {
+    const std::string expected = change.expected;
+    const size_t dots = expected.find("...");
+    EXPECT_EQ(std::string(error.what()).substr(0, dots), expected.substr(0, dots));
+  }
+}
+
+// clang-format off
+TEST(Description, IsRefusedWithFileLineAndReason) {
+  const Change changes[] = {
+      {"reference.urdf", "", "</robot>", "", "reference.urdf, line 3: not well-formed XML (XML_ERROR_PARSING)"},
+      {"reference.urdf", "", "<robot name=\"reference\">", "<robot/><x>", "reference.urdf, line 3: not well-formed XML..."},
+      {"reference.urdf", "", "link_3\"/>", "link_4\"/>", "reference.urdf, line 8: a second link named 'link_4'"},
+      {"reference.urdf", "", "<link name=\"tool0\"/>", "", "reference.urdf, line 56: joint 'flange': no link named 'tool0'"},
+      {"reference.urdf", "joint_3", "<child link=\"link_3\"/>", "", "reference.urdf, line 26: joint 'joint_3' has no <child>"},
+      {"reference.urdf", "joint_3", "link_3", "link_1", "reference.urdf, line 26: link 'link_1' has two parents, by joints 'joint_1' and 'joint_3'"},
+      {"reference.urdf", "joint_1", "base_link", "tool0", "reference.urdf: the joints form a loop at link 'tool0'"},
+      {"reference.urdf", "", "<link name=\"base_link\"/>", "<link name=\"base_link\"/><link name=\"cart\"/>", "reference.urdf: 2 links have no parent; --base names one of 'base_link', 'cart'"},
+      {"reference.urdf", "joint_4", "revolute", "prismatic", "reference.urdf, line 33: joint 'joint_4' is prismatic; only revolute and continuous joints are expected from 'base_link' to 'tool0'"},
+      {"reference.urdf", "joint_4", "<axis xyz=\"1 0 0\"/>", "<mimic joint=\"joint_2\"/>", "reference.urdf, line 33: joint 'joint_4' mimics another one; only revolute..."},
+      {"reference.urdf", "joint_4", "revolute", "fixed", "reference.urdf: 5 joints turn from 'base_link' to 'tool0'; six are expected, not 'joint_1', 'joint_2', 'joint_3', 'joint_5', 'joint_6'"},
+      {"reference.urdf", "name=\"flange\"", "fixed", "revolute", "reference.urdf: 7 joints turn from 'base_link' to 'tool0'; six..."},
+      {"reference.urdf", "joint_2", "0.050 0 0.380", "0.050 0", "reference.urdf, line 22: xyz has 2 numbers; 3 are expected"},
+      {"reference.urdf", "joint_2", "0.050 0 0.380", "0.050 0 ${h}", "reference.urdf, line 22, xyz: '${h}' is not a number"},
+      {"reference.urdf", "joint_2", "0 1 0", "0 0 0", "reference.urdf, line 23: the axis of joint 'joint_2' has no direction"},
+      {"reference.urdf", "joint_2", "lower=\"-2", "lower=\"3", "reference.urdf, line 24: joint 'joint_2': lower limit 3.967059678 above upper limit 2.967059678"},
+      {"reference.urdf", "joint_2", "rpy=\"0 0 0\"", "rpy=\"0 90 0\"", "reference.urdf, line 22, rpy: 90 rad is more than a turn; are these degrees?"},
+      {"carrying_parallel.toml", "", "alpha = 1.57", "alpha = = 1.57", "carrying_parallel.toml, line 14: not well-formed TOML..."},
+      {"carrying_parallel.toml", "J3", "a = -0.641", "r = -0.641", "carrying_parallel.toml, joint 3: unknown entry 'r'; expected are name, theta, direction, lower, upper, a, alpha, d"},
+      {"carrying_parallel.toml", "", "\"dh\"", "\"DH\"", "carrying_parallel.toml: convention is 'DH'; 'dh', 'modified-dh' or 'ortho-parallel' is expected"},
+      {"carrying_parallel.toml", "J4", "-1\n", "2\n", "carrying_parallel.toml, joint 4: direction is 2; 1 or -1 is expected"},
+      {"carrying_parallel.toml", "J4", "0.1725", "inf", "carrying_parallel.toml, joint 4, d: \"Infinity\" is not a finite number"},
+      {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "", "welding_ortho_parallel.json: c2 is missing"},
+      {"welding_ortho_parallel.json", "", "{\"name\": \"L\", \"lower\": -1.5, \"upper\": 2.7},", "", "welding_ortho_parallel.json: 5 joints; six [[joint]] are expected"},
+      {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "\"c2\": 0.614", "welding_ortho_parallel.json, line 9: not well-formed JSON"},
+  };
+  for (const Change& change : changes) ExpectRefused<UsageError>(change);
+}
+
+// An arm that is nearly one of the family's is not one: neither by an angle nor by a length.
+TEST(Family, IsNotGuessedButRefusedWithTheAxesThatKeepTheArmOut) {
+  const Change changes[] = {
+      {"reference.urdf", "joint_5", "0 1 0", "1 1 0", "no closed form for this arm. Not a spherical wrist: axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle. Not three parallel axes: axes 3 and 4 are 90 degrees off parallel, axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle. Angles between axes: 1-2 90, 2-3 0, 3-4 90, 4-5 45, 5-6 45 degrees (tolerance 1e-10 rad, 1e-10 m)."},
+      {"reference.urdf", "joint_6", "0 0 0", "0 0 0.0000001", "no closed form for this arm. Not a spherical wrist: axis 6 and the point where axes 4 and 5 meet are 1e-07 m apart. Not..."},
+      {"reference.urdf", "joint_5", "0.200 0 0", "0.200 0 1e-7", "no closed form for this arm. Not a spherical wrist: axes 4 and 5 are 1e-07 m apart. Not..."},
+      {"reference.urdf", "joint_3", "0 1 0", "0 1 1e-7", "no closed form for this arm. Not a spherical wrist: axes 2 and 3 are 1e-07 rad off parallel. Not..."},
+      {"reference.urdf", "joint_2", "0 1 0", "0 1 0.1", "no closed form for this arm. Not a spherical wrist: axes 1 and 2 are 5.711 degrees off a right angle, axes 2 and 3 are 5.711 degrees off parallel. Not..."},
+      {"reference.urdf", "joint_3", "0 0 0.400", "0 0.4 0", "no closed form for this arm. Not a spherical wrist: axes 2 and 3 are only 0 m apart. Not..."},
+      {"bench_parallel.urdf", "\"wrist_3\" type", "0 0 0.0795", "1e-7 0 0.0795", "no closed form for this arm. Not a spherical wrist: axis 6 and the point where axes 4 and 5 meet are 0.0795 m apart. Not three parallel axes: axes 5 and 6 are 1e-07 m apart. Angles..."},
+      {"bench_spherical.urdf", "joint_2", "1.5707963267948966", "1.5708", "no closed form for this arm. Not a spherical wrist: axes 1 and 2 are 3.67e-06 rad off a right angle. Not three parallel axes: axes 1 and 2 are 3.67e-06 rad off a right angle, axes 3 and 4 are 90 degrees off parallel. Angles between axes: 1-2 89.9998, 2-3 0, 3-4 90, 4-5 90, 5-6 90 degrees (tolerance 1e-10 rad, 1e-10 m). Angles that look rounded, as 1.5708 does: 1; --exact-angles reads them as the multiples of 15 degrees that they stand for."},
+  };
+  for (const Change& change : changes) ExpectRefused<Failure>(change);
+}
+// clang-format on
+
+TEST(Description, ReadsRoundedAnglesAsTheMultiplesTheyStandForWhenAsked) {
+  ReadOptions options;
+  options.exact_angles = true;
+  const std::string file = "bench_spherical.urdf";
+  const std::string rounded =
+      Changed({file.c_str(), "joint_2", "1.5707963267948966", "1.5708", ""});
+  const Joints joints = {0.1, -0.2, 0.3, -0.4, 0.5, -0.6};
+  EXPECT_EQ(LargestDifference(TipFrame(Read(file, rounded, options), joints),
+                              TipFrame(Read(file, ReadFile(ArmPath(file)), {}), joints)),
+            0.0);
+  const double quarter = kPi / 2;
+  const std::pair<double, double> angles[] = {
+      {1.5708, quarter}, {1.5707, quarter}, {-1.57079633, -quarter}, {0.2618, kPi / 12},
+      {3.1416, kPi},     {1.5709, 1.5709},  {1.571, 1.571},          {0.00001, 0.00001},
+      {1.5706, 1.5706},  {quarter, quarter}};
+  for (const auto& [written, expected] : angles) EXPECT_EQ(ExactAngle(written), expected);
+}
+
+// Behind the flange hang a gripper that slides and a camera: the arm ends where the field says.
+TEST(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
+  const auto tip = [](const char* more) {
+    const Change change = {"foundry_spherical.urdf", "", "<link name=\"gripper\"/>", more, ""};
+    return Read(change.file, Changed(change), {}).tip;
+  };
+  EXPECT_EQ(tip("<link name='gripper'/>"), "gripper");
+  EXPECT_EQ(tip("<link name='gripper'/><link name='camera'/><joint name='c' type='fixed'>"
+                "<parent link='turn'/><child link='camera'/></joint>"),
+            "flange");
+  EXPECT_EQ(tip("<link name='gripper'/><link name='tool0'/><joint name='t' type='fixed'>"
+                "<parent link='flange'/><child link='tool0'/></joint>"),
+            "tool0");
+  const Change nameless = {"bench_parallel.urdf", "\"wrist_3\" type", "wrist_3\"/>",
+                           "wrist_3\"/><!-- -->", ""};
+  EXPECT_EQ(Read(nameless.file, Changed(nameless), {}).tip, "tool0");
+}
+
+// The same arm written by the modified convention, in millimetres and degrees.
+TEST(Description, ReadsEveryConventionAndUnit) {
+  const auto line = [](double a, double alpha, double d, double theta) {
+    return nlohmann::json{{"a", a}, {"alpha", alpha}, {"d", d}, {"theta", theta}};
+  };
+  const nlohmann::json classic = {
+      {"convention", "dh"},
+      {"joint",
+       {line(0.05, kPi / 2, 0.38, 0.1), line(0.4, 0, 0, kPi / 2), line(0.035, kPi / 2, 0, 0),
+        line(0, -kPi / 2, 0.38, 0), line(0, kPi / 2, 0, 0.2), line(0, 0, 0.08, 0)}}};
+  const double degree = 180 / kPi;
+  const nlohmann::json modified = {
+      {"convention", "modified-dh"},
+      {"joint",
+       {line(0, 0, 380, 0.1 * degree), line(50, 90, 0, 90), line(400, 0, 0, 0),
+        line(35, 90, 380, 0), line(0, -90, 0, 0.2 * degree), line(0, 90, 80, 0)}}};
+  ReadOptions millimetres_and_degrees;
+  millimetres_and_degrees.millimetres = true;
+  millimetres_and_degrees.degrees = true;
+  const Joints joints = {0.1, -0.2, 0.3, -0.4, 0.5, -0.6};
+  EXPECT_LE(
+      LargestDifference(TipFrame(ReadTable(classic, "classic", {}), joints),
+                        TipFrame(ReadTable(modified, "modified", millimetres_and_degrees), joints)),
+      1e-15);
+}
+
+}  // namespace
+}  // namespace qal::tools

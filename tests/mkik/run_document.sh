@@ -1,0 +1,37 @@
+#!/bin/sh
+# Runs the commands of a document's console blocks, in order and in a folder of their own, and
+# compares what they print with what the document shows; "..." stands for any text.
+# usage: run_document.sh DOCUMENT ARM TOOLS
+set -eu
+document=$1
+folder=$(mktemp -d)
+trap 'rm -rf "$folder"' EXIT
+cp "$2" "$folder/arm.urdf"
+PATH=$3:$PATH
+cd "$folder"
+
+# One file for each command, with what is shown below it.
+awk '/^```/ { inside = ($0 == "```console"); next }
+     inside && /^\$ / { ++n; print substr($0, 3) > (n ".command"); printf "" > (n ".shown"); next }
+     inside { print > (n ".shown") }' "$document"
+
+n=1
+while [ -e "$n.command" ]; do
+  echo "\$ $(cat "$n.command")"
+  if ! sh -e "./$n.command" > "$n.printed" 2>&1; then
+    cat "$n.printed"
+    echo "failed"
+    exit 1
+  fi
+  # Each shown line is a pattern: its own text, with ".*" for "...".
+  sed -e 's/[][\\.*^$]/\\&/g' -e 's/\\\.\\\.\\\./.*/g' -e 's/.*/^&$/' "$n.shown" > "$n.patterns"
+  while IFS= read -r pattern; do
+    if ! grep -q -e "$pattern" "$n.printed"; then
+      cat "$n.printed"
+      echo "shown, but not printed: $pattern"
+      exit 1
+    fi
+  done < "$n.patterns"
+  n=$((n + 1))
+done
+[ "$n" -gt "$4" ] || { echo "$((n - 1)) commands; at least $4 are expected"; exit 1; }

@@ -1,0 +1,19 @@
+#ifndef QAL_TOOLS_MKIK_SOLVER_TEXTS_H_
+#define QAL_TOOLS_MKIK_SOLVER_TEXTS_H_
+
+namespace qal::tools {
+
+// The solving code as text: mkik writes it into the solvers that it makes.
+extern const char kIkfastText[];
+extern const char kAnglesText[];
+extern const char kGeometryText[];
+extern const char kBodyText[];
+extern const char kWristText[];
+extern const char kSphericalWristText[];
+extern const char kParallelAxesText[];
+extern const char kEntryPointsText[];
+extern const char kExportsText[];
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_MKIK_SOLVER_TEXTS_H_

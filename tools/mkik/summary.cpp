@@ -1,0 +1,91 @@
+#include "summary.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <utility>
+#include <vector>
+
+#include "family.h"
+
+namespace qal::tools {
+
+namespace {
+
+using nlohmann::ordered_json;
+
+// Lengths by name [m].
+std::vector<std::pair<std::string, double>> LengthsOf(const Model& model) {
+  const closed_form::Body& body = BodyOf(model);
+  std::vector<std::pair<std::string, double>> lengths = {{"shoulder", body.shoulder},
+                                                         {"lateral", body.lateral},
+                                                         {"upper_arm", body.upper_arm},
+                                                         {"forearm", body.forearm}};
+  double reach = body.upper_arm + body.forearm;
+  if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&model)) {
+    const double palm = std::hypot(arm->palm_x, arm->palm_z);
+    lengths.emplace_back("palm", palm);
+    reach += palm;
+  }
+  lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
+  lengths.emplace_back("reach", reach);
+  return lengths;
+}
+
+const char* Meaning(const std::string& length) {
+  if (length == "shoulder") return "axis 1 to axis 2";
+  if (length == "lateral") return "axis 1 to the wrist's centre, along axis 2";
+  if (length == "upper_arm") return "axis 2 to axis 3";
+  if (length == "forearm") return "axis 3 to axis 4, or to the wrist's centre";
+  if (length == "palm") return "axis 4 to the wrist's centre";
+  if (length == "centre_to_tip") return "the wrist's centre to the tip";
+  return "axis 2 to the wrist's centre at the most";
+}
+
+}  // namespace
+
+std::string SummaryText(const Arm& arm, const Model& model, const Verification& verification) {
+  std::string text =
+      fmt::format("{}: {}, from '{}' to '{}'\n", arm.name, FamilyName(model), arm.base, arm.tip);
+  for (const auto& [name, metres] : LengthsOf(model)) {
+    text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
+  }
+  const closed_form::Body& body = BodyOf(model);
+  text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
+                      "lower_rad", "upper_rad");
+  for (size_t j = 0; j < arm.joints.size(); ++j) {
+    const std::optional<JointLimits>& limits = arm.joints[j].limits;
+    text +=
+        fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", arm.joints[j].name, body.direction[j],
+                    body.zero[j], limits ? fmt::format("{:.6g}", limits->lower) : "none",
+                    limits ? fmt::format("{:.6g}", limits->upper) : "none");
+  }
+  text += fmt::format(
+      "  checked with {} random joint sets: each solved and found again, forward kinematics within "
+      "{:.1e}, solutions within {:.1e} (metres and matrix elements)\n",
+      verification.joint_sets, verification.forward, verification.solutions);
+  return text;
+}
+
+ordered_json SummaryJson(const Arm& arm, const Model& model, const Verification& verification) {
+  ordered_json json = {
+      {"name", arm.name}, {"family", FamilyName(model)}, {"base", arm.base}, {"tip", arm.tip}};
+  for (const auto& [name, metres] : LengthsOf(model)) json["lengths_m"][name] = metres;
+  const closed_form::Body& body = BodyOf(model);
+  for (size_t j = 0; j < arm.joints.size(); ++j) {
+    const std::optional<JointLimits>& limits = arm.joints[j].limits;
+    json["joints"].push_back({{"name", arm.joints[j].name},
+                              {"direction", body.direction[j]},
+                              {"zero_rad", body.zero[j]},
+                              {"lower_rad", limits ? ordered_json(limits->lower) : nullptr},
+                              {"upper_rad", limits ? ordered_json(limits->upper) : nullptr}});
+  }
+  json["tolerances"] = {{"axis_angle_rad", kAxisAngleToleranceRad},
+                        {"axis_distance_m", kAxisDistanceToleranceM}};
+  json["check"] = {{"joint_sets", verification.joint_sets},
+                   {"forward", verification.forward},
+                   {"solutions", verification.solutions}};
+  return json;
+}
+
+}  // namespace qal::tools

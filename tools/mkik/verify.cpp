@@ -1,0 +1,85 @@
+#include "verify.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <cmath>
+#include <random>
+
+#include "../common/error.h"
+
+namespace qal::tools {
+
+namespace {
+
+using closed_form::Joints;
+
+constexpr double kTolerance = 1e-9;
+// Near a singularity the joints may differ while the pose is the same: a pose's rounding, 1e-16,
+// moves a joint by up to its root.
+constexpr double kJointToleranceRad = 1e-5;
+
+double Largest(double a, double b) { return b <= a ? a : b; }  // NaN is larger than any
+
+double Difference(const Frame& a, const Frame& b) {
+  double largest = 0;
+  for (int i = 0; i < 3; ++i) {
+    largest = Largest(largest, std::fabs(a.position[i] - b.position[i]));
+    for (int j = 0; j < 3; ++j) {
+      largest = Largest(largest, std::fabs(a.rotation[i][j] - b.rotation[i][j]));
+    }
+  }
+  return largest;
+}
+
+double Difference(const Joints& a, const Joints& b) {
+  double largest = 0;
+  for (size_t j = 0; j < a.size(); ++j) largest = Largest(largest, std::fabs(a[j] - b[j]));
+  return largest;
+}
+
+void ExpectWithinTolerance(double difference, const char* what, const Joints& joints) {
+  if (difference <= kTolerance) return;
+  throw Failure(
+      fmt::format("the model fails its check at joints {} rad: {} by {:.3g} ({} m or "
+                  "matrix element are allowed)",
+                  fmt::join(joints, " "), what, difference, kTolerance));
+}
+
+}  // namespace
+
+Verification Verify(const Arm& arm, const Model& model) {
+  constexpr double kRangeRad = 2.967;
+  Verification result = {10000, 0, 0};
+  std::mt19937 engine(1);
+  std::uniform_real_distribution<double> range(-kRangeRad, kRangeRad);
+  for (int i = 0; i < result.joint_sets; ++i) {
+    Joints joints;
+    for (double& joint : joints) joint = range(engine);
+    const Frame described = TipFrame(arm, joints);
+    const auto forward = [&](const Joints& q) {
+      return std::visit([&](const auto& a) { return Forward(a, q.data()); }, model);
+    };
+    result.forward = Largest(result.forward, Difference(forward(joints), described));
+    ExpectWithinTolerance(result.forward, "its pose differs from the described arm's", joints);
+
+    const closed_form::Solutions solutions =
+        std::visit([&](const auto& a) { return Solve(a, described); }, model);
+    double nearest = 2 * kPi;
+    for (const Joints& solution : solutions) {
+      result.solutions = Largest(result.solutions, Difference(forward(solution), described));
+      nearest = std::min(nearest, Difference(solution, joints));
+    }
+    ExpectWithinTolerance(result.solutions, "a solution misses the pose", joints);
+    if (!(nearest <= kJointToleranceRad)) {
+      throw Failure(
+          fmt::format("the model fails its check: joints {} rad are not among the {} "
+                      "solutions of their pose",
+                      fmt::join(joints, " "), solutions.Count()));
+    }
+  }
+  return result;
+}
+
+}  // namespace qal::tools
