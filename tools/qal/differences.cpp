@@ -40,10 +40,8 @@ double Differences::JointJerk(size_t interval, size_t joint) const {
 }
 
 double MotorRpm(double joint_speed, size_t joint) {
-  // Motor shaft angle per rpm in one cycle [rad], and turns of the motor for one of the joint.
-  constexpr double kShaftRadPerRpmCycle = 1.04719e-05 * 50.0;
-  const double gear_ratio = joint < 3 ? 363.0 : 303.0;
-  return joint_speed * kCycleS * gear_ratio / kShaftRadPerRpmCycle;
+  constexpr double kShaftRadPerSPerRpm = kShaftRadPerRpmTick * kTicksPerCycle / kCycleS;
+  return joint_speed * GearRatio(static_cast<int>(joint)) / kShaftRadPerSPerRpm;
 }
 
 double Distance(const Pos& from, const Pos& to) {

@@ -43,7 +43,8 @@ class Differences {
   const Trajectory& trajectory_;
 };
 
-/// Speed of a joint's motor [rpm, signed] when the joint turns at `joint_speed` [rad/s].
+/// Speed of a joint's motor [rpm, signed] when the joint turns at `joint_speed` [rad/s]; as the
+/// library counts it, 0.000523595 rad of the motor in one cycle are one rpm.
 double MotorRpm(double joint_speed, size_t joint);
 
 /// Distance of two positions [m].

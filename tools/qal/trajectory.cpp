@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "../common/error.h"
+
 namespace qal::tools {
 
 Trajectory FromWaypoints(const std::vector<RoadPoint>& points) {
@@ -16,6 +18,16 @@ Trajectory FromWaypoints(const std::vector<RoadPoint>& points) {
     trajectory.push_back(sample);
   }
   return trajectory;
+}
+
+Sample SampleOf(const double* values, bool pose) {
+  Sample sample{values[0], {}, {}};
+  std::copy(values + 1, values + 7, sample.joints_rad.begin());
+  if (!pose) return sample;
+  const Ori orientation(values[10], values[11], values[12], values[13]);
+  if (orientation == Ori()) throw UsageError("the quaternion is all zeros, no orientation");
+  sample.pose = Sample::Pose{Pos(values[7], values[8], values[9]), orientation};
+  return sample;
 }
 
 bool HavePoses(const Trajectory& trajectory) {

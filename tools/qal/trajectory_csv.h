@@ -2,6 +2,7 @@
 #define QAL_TOOLS_QAL_TRAJECTORY_CSV_H_
 
 #include <string>
+#include <string_view>
 
 #include "trajectory.h"
 
@@ -16,6 +17,13 @@ namespace qal::tools {
 ///             and `tcp_speed_m_s` likewise when there is a pose. The order is speeds,
 ///             accelerations, tool, motors. Times have to increase.
 std::string ToCsv(const Trajectory& trajectory, bool full);
+
+/// Reads CSV, ours or from elsewhere: the columns in any order, others passed over, the pose
+/// columns all or none. A byte order mark, CRLF line ends and blanks around fields are taken. Times
+/// are not checked for their order.
+/// @throw UsageError "line N: REASON" when a column is missing or stands twice, a row has another
+///        number of fields than the header, a field is no number, or there is no row
+LocatedTrajectory ParseCsv(std::string_view text);
 
 }  // namespace qal::tools
 

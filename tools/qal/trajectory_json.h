@@ -2,6 +2,7 @@
 #define QAL_TOOLS_QAL_TRAJECTORY_JSON_H_
 
 #include <nlohmann/json.hpp>
+#include <string_view>
 
 #include "trajectory.h"
 
@@ -14,6 +15,12 @@ namespace qal::tools {
 ///
 /// The last two are there when every sample has a pose.
 nlohmann::ordered_json ToJson(const Trajectory& trajectory);
+
+/// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.
+/// @throw UsageError "line N, column M: REASON" when the text is no JSON, "KEY[SAMPLE]: REASON"
+/// when
+///        a value is missing or not as it has to be
+LocatedTrajectory ParseJson(std::string_view text);
 
 }  // namespace qal::tools
 
