@@ -3,6 +3,9 @@ qal_require(nlohmann_json nlohmann-json3-dev)
 add_executable(qal_trajectory_files_test tool/trajectory_files_test.cpp)
 target_link_libraries(qal_trajectory_files_test PRIVATE qal_tool GTest::gtest_main)
 gtest_discover_tests(qal_trajectory_files_test)
+add_executable(qal_measure_test tool/measure_test.cpp)
+target_link_libraries(qal_measure_test PRIVATE qal_tool GTest::gtest_main)
+gtest_discover_tests(qal_measure_test)
 
 # The tool as a process, also with a solver that misbehaves in place of the reference arm's.
 add_library(qal_odd_solver SHARED tool/odd_solver.cpp)

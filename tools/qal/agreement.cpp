@@ -8,23 +8,21 @@
 
 namespace qal::tools {
 
-namespace {
-
-double AngleBetween(const Ori& a, const Ori& b) {
-  const Ori c = SignedAs(b, a);
-  const double chord = std::sqrt((a.w - c.w) * (a.w - c.w) + (a.x - c.x) * (a.x - c.x) +
-                                 (a.y - c.y) * (a.y - c.y) + (a.z - c.z) * (a.z - c.z));
-  return 4.0 * std::asin(std::min(1.0, chord / 2.0));
-}
-
-}  // namespace
-
 RoadPoint AtJoints(const Joints& joints) {
   RoadPoint point;
   std::copy(joints.begin(), joints.end(), point.jointpos);
   point.ik_flag = true;
   if (!Ikfunc::ArmFk(point)) throw Failure("the solver's forward kinematics gives no pose");
   return point;
+}
+
+double AngleBetween(const Ori& a, const Ori& b) {
+  // By both parts of the quaternion of the turn: the scalar one alone cannot tell small angles.
+  const double w = a.w * b.w + a.x * b.x + a.y * b.y + a.z * b.z;
+  const double x = a.w * b.x - a.x * b.w - a.y * b.z + a.z * b.y;
+  const double y = a.w * b.y + a.x * b.z - a.y * b.w - a.z * b.x;
+  const double z = a.w * b.z - a.x * b.y + a.y * b.x - a.z * b.w;
+  return 2.0 * std::atan2(std::hypot(x, y, z), std::fabs(w));
 }
 
 Gap GapAt(const RoadPoint& point) {

@@ -21,6 +21,10 @@ struct Gap {
   bool Reaches() const { return position_m <= 1e-4 && angle_rad <= 1e-4; }
 };
 
+/// The angle of the turn from one orientation to the other, 0 to pi [rad]. The quaternions need not
+/// have length 1.
+double AngleBetween(const Ori& a, const Ori& b);
+
 /// @throw Failure when the solver gives no pose
 Gap GapAt(const RoadPoint& point);
 

@@ -1,8 +1,11 @@
 #include "trajectory.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 #include "../common/error.h"
+#include "agreement.h"
 
 namespace qal::tools {
 
@@ -28,6 +31,14 @@ Sample SampleOf(const double* values, bool pose) {
   if (orientation == Ori()) throw UsageError("the quaternion is all zeros, no orientation");
   sample.pose = Sample::Pose{Pos(values[7], values[8], values[9]), orientation};
   return sample;
+}
+
+RoadPoint PointAt(const Trajectory& trajectory, size_t sample) {
+  try {
+    return AtJoints(trajectory[sample].joints_rad);
+  } catch (const Failure& failure) {
+    throw Failure(fmt::format("sample {}: {}", sample, failure.what()));
+  }
 }
 
 bool HavePoses(const Trajectory& trajectory) {

@@ -41,6 +41,10 @@ Trajectory FromWaypoints(const std::vector<RoadPoint>& points);
 /// @throw UsageError when the quaternion is no orientation: all zeros
 Sample SampleOf(const double* values, bool pose);
 
+/// The waypoint at a sample's joints, its pose by forward kinematics.
+/// @throw Failure "sample N: REASON" when the solver gives none
+RoadPoint PointAt(const Trajectory& trajectory, size_t sample);
+
 /// Whether every sample has a pose; false for no samples.
 bool HavePoses(const Trajectory& trajectory);
 
