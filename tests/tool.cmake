@@ -12,7 +12,8 @@ add_library(qal_odd_solver SHARED tool/odd_solver.cpp)
 set_target_properties(qal_odd_solver PROPERTIES OUTPUT_NAME ik LIBRARY_OUTPUT_DIRECTORY
                                                                ${PROJECT_BINARY_DIR}/odd_solver)
 add_executable(qal_command_test tool/run_qal.cpp tool/usage_test.cpp
-                                tool/kinematics_commands_test.cpp tool/move_commands_test.cpp)
+                                tool/kinematics_commands_test.cpp tool/move_commands_test.cpp
+                                tool/file_commands_test.cpp)
 target_compile_definitions(
   qal_command_test PRIVATE QAL_BINARY="$<TARGET_FILE:qal>"
                            QAL_ODD_SOLVER_DIR="${PROJECT_BINARY_DIR}/odd_solver")

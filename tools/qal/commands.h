@@ -13,6 +13,8 @@ void AddIk(CLI::App& app);
 void AddJog(CLI::App& app);
 void AddLine(CLI::App& app);
 void AddJoint(CLI::App& app);
+void AddConvert(CLI::App& app);
+void AddVerify(CLI::App& app);
 
 }  // namespace qal::tools
 

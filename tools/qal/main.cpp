@@ -20,10 +20,10 @@ void Describe(CLI::App& app) {
   app.name("qal");
   app.description(
       "Kinematics and trajectories of a six-axis arm. Angles in rad and lengths in m unless --deg\n"
-      "or --mm is given. Exit status: 0 done, 1 no solution, 2 bad usage.");
+      "or --mm is given. Exit status: 0 done, 1 no solution or a violation, 2 bad usage.");
   app.set_version_flag("--version", "qal " QAL_VERSION);
   app.require_subcommand(0, 1);
-  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint}) add(app);
+  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddConvert, AddVerify}) add(app);
 }
 
 // Runs what the command line asks for.

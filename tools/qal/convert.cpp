@@ -1,0 +1,98 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "../common/error.h"
+#include "../common/files.h"
+#include "../common/library_lines.h"
+#include "../common/numbers.h"
+#include "commands.h"
+#include "trajectory_csv.h"
+#include "trajectory_file.h"
+#include "trajectory_json.h"
+
+namespace qal::tools {
+
+namespace {
+
+struct ConvertArguments {
+  TrajectoryInput in;
+  std::string out;
+  std::string to;
+  bool full = false;
+  bool fk = false;
+};
+
+void RequireIncreasingTimes(const LocatedTrajectory& trajectory, const std::string& name) {
+  const Trajectory& samples = trajectory.samples;
+  for (size_t i = 1; i < samples.size(); ++i) {
+    if (samples[i].time_s > samples[i - 1].time_s) continue;
+    throw UsageError(fmt::format("{}: {}: the time {} s is not after the one before, {} s", name,
+                                 Place(trajectory, i), samples[i].time_s, samples[i - 1].time_s));
+  }
+}
+
+void AddPoses(Trajectory& trajectory) {
+  const LibraryLines lines;
+  for (size_t i = 0; i < trajectory.size(); ++i) {
+    if (trajectory[i].pose) continue;
+    const RoadPoint point = PointAt(trajectory, i);
+    trajectory[i].pose = Sample::Pose{point.position, point.orientation};
+  }
+}
+
+void RunConvert(const ConvertArguments& arguments) {
+  const FileFormat format = FormatOf(arguments.to, arguments.out, "--to");
+  if (arguments.full && format != FileFormat::kCsv) {
+    throw UsageError("--full: only a CSV file has these columns");
+  }
+  LocatedTrajectory read = arguments.in.Read();
+  RequireIncreasingTimes(read, arguments.in.name());
+  if (arguments.fk) AddPoses(read.samples);
+  const auto text = [&]() -> std::string {
+    switch (format) {
+      case FileFormat::kCsv:
+        return ToCsv(read.samples, arguments.full);
+      case FileFormat::kJson:
+        return ToJson(read.samples).dump() + '\n';
+      case FileFormat::kRos:
+        break;
+    }
+    return ToRosYaml(read.samples, arguments.in.names());
+  }();
+  if (arguments.out == "-") {
+    WriteStandardOutput(text);
+  } else {
+    WriteFile(arguments.out, text);
+  }
+}
+
+}  // namespace
+
+void AddConvert(CLI::App& app) {
+  const auto arguments = std::make_shared<ConvertArguments>();
+  CLI::App* convert = app.add_subcommand(
+      "convert", "Convert a trajectory between CSV, JSON and a ROS JointTrajectory in YAML");
+  arguments->in.AddTo(*convert, "IN");
+  convert
+      ->add_option("OUT", arguments->out, "file to write, whole or not at all; -: standard output")
+      ->required();
+  convert->add_option("--to", arguments->to, "format of OUT (default: by its ending)")
+      ->check(CLI::IsMember(kFormatNames));
+  convert->add_flag("--full", arguments->full,
+                    "with CSV: speeds, accelerations and motor speeds as well");
+  convert->add_flag("--fk", arguments->fk,
+                    "give samples without a pose that of their joints, by forward kinematics");
+  convert->footer(
+      "Numbers read back to the same double; a ROS file holds its times in whole nanoseconds.\n"
+      "With --full, a row has the mean speeds since the row before, and the accelerations from\n"
+      "these to the next row's: the first row starts from rest, the last one comes to rest.\n"
+      "A ROS file has no pose. It gets the velocities and accelerations at the samples "
+      "themselves,\n"
+      "0 velocity at both ends. Of a file that is read, only time, joints and pose count.\n"
+      "Example: qal convert planned.csv planned.yaml");
+  convert->callback([arguments] { RunConvert(*arguments); });
+}
+
+}  // namespace qal::tools
