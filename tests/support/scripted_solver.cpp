@@ -46,7 +46,6 @@ bool ComputeIk(const IkReal* eetrans, const IkReal* eerot, const IkReal* pfree,
 void ComputeFk(const IkReal* joints, IkReal* eetrans, IkReal* eerot) {
   Joints question;
   std::copy(joints, joints + 6, question.begin());
-  script.asked_forward.push_back(question);
   const SolverPose pose = script.forward(question);
   std::copy(pose.begin(), pose.begin() + 3, eetrans);
   std::copy(pose.begin() + 3, pose.end(), eerot);

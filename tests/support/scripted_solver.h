@@ -34,8 +34,7 @@ struct SolverScript {
   std::deque<Answer> answers;  ///< given first, one a question; then `inverse` answers
   std::function<Answer(const SolverPose&)> inverse = GantryInverse;
   std::function<SolverPose(const Joints&)> forward = GantryForward;
-  std::vector<SolverPose> asked;      ///< every inverse question so far
-  std::vector<Joints> asked_forward;  ///< every forward question so far
+  std::vector<SolverPose> asked;  ///< every inverse question so far
 };
 extern SolverScript script;
 

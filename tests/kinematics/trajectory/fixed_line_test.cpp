@@ -11,8 +11,14 @@ const std::string kNoPair = "CountLineSize error the point data is\n";
 const Ori kTilted(0.99999, 0, 0, 0.00001);
 const RoadPoint kCanary = Waypoint(Pos(7, 7, 7), {7, 7, 7, 7, 7, 7}, Ori(7, 7, 7, 7));
 
-// Most lines are 0.0014 long, along x. Point i of n is multiplied before divided.
-Pos PointOf(int i, int n) { return Pos((1.0014 - 1) * i / n + 1, 0.25, -0.5); }
+// Most lines are 0.0014 long. Point i of n is multiplied before divided.
+const Pos kFrom(1, 0.25, -0.5);
+const Pos kTo(1.0006, 0.2512, -0.5004);
+Pos PointOf(int i, int n) {
+  return Pos((1.0006 - 1) * i / n + 1, (0.2512 - 0.25) * i / n + 0.25,
+             (-0.5004 + 0.5) * i / n - 0.5);
+}
+SolverPose Question(const Pos& p) { return GantryForward({p.x, p.y, p.z}); }
 RoadPoint SolvedAt(const Pos& p) { return Solved(Waypoint(p), {p.x, p.y, p.z, 0, 0, 0}); }
 
 class FixedLine : public ScriptedSolver {
@@ -44,8 +50,8 @@ class FixedLine : public ScriptedSolver {
     };
   }
 
-  RoadPoint start_ = Waypoint(Pos(1, 0.25, -0.5), {1, 0.25, -0.5});
-  RoadPoint end_ = Waypoint(Pos(1.0014, 0.25, -0.5), {0.5, 0.5, 0.5, 0.5, 0.5, 0.5});
+  RoadPoint start_ = Waypoint(kFrom, {1, 0.25, -0.5});
+  RoadPoint end_ = Waypoint(kTo, {0.5, 0.5, 0.5, 0.5, 0.5, 0.5});
   std::vector<RoadPoint> array_ = std::vector<RoadPoint>(6, kCanary);
 };
 
@@ -60,20 +66,24 @@ TEST_F(FixedLine, CountsWholeStepsAndTheEndPoint) {
     end_ = Waypoint(position, {}, kTilted);
     EXPECT_EQ(Count(speed), Outcome<int>(count, "", ""));
   }
-  end_.position = Pos(0, -1.5, 0);
-  EXPECT_EQ(Count(0), Outcome<int>(-2, kNoPair + Printed(start_) + Printed(end_), ""));
+  for (const RoadPoint& end :
+       {Waypoint(Pos(0, -1.01, 0)), Waypoint(Pos(), {}, Ori(1, 0, 2e-4, 0))}) {
+    end_ = end;
+    EXPECT_EQ(Count(0), Outcome<int>(-2, kNoPair + Printed(start_) + Printed(end), ""));
+  }
 }
 
 TEST_F(FixedLine, CountSolvesThreeStepsAndTheEnd) {
   EXPECT_EQ(Count(), Outcome<int>(4, "", ""));
   ASSERT_EQ(script.asked.size(), 4u);
-  EXPECT_EQ(script.asked[2], GantryForward({PointOf(2, 3).x, 0.25, -0.5}));
-  EXPECT_EQ(script.asked[3], GantryForward({1.0014, 0.25, -0.5}));
+  EXPECT_EQ(script.asked[2], Question(PointOf(2, 3)));
+  EXPECT_EQ(script.asked[3], Question(kTo));
   FindNothing(1, 3);  // the second point: asked also a third of the line on from the first's joints
-  RoadPoint failed = SolvedAt(start_.position);
+  RoadPoint failed = SolvedAt(kFrom);
   failed.position = PointOf(1, 3);
   EXPECT_EQ(Count(), Outcome<int>(0, Printed(failed), kUnsolved));
-  EXPECT_EQ(script.asked[2], GantryForward({1 + (1.0014 - 1) / 3, 0.25, -0.5}));
+  EXPECT_EQ(script.asked[2],
+            Question(kFrom + Pos((1.0006 - 1) / 3, (0.2512 - 0.25) / 3, (-0.5004 + 0.5) / 3)));
   FindNothing(3, 2);
   EXPECT_EQ(Count(),
             Outcome<int>(-1, Printed(SolvedAt(PointOf(2, 3))), "the end point is error!\n"));
@@ -88,12 +98,16 @@ TEST_F(FixedLine, FillEndsWithTheEndAsGiven) {
   EXPECT_EQ(script.asked.size(), 5u);
   for (const int none : {0, INT_MIN}) EXPECT_EQ(Fill(none), kSilentFalse);
   ExpectArray({});
+  start_ = Waypoint(Pos(0, 0, 0));
+  end_ = Waypoint(Pos(0.2, 0, 0));
+  EXPECT_EQ(Fill(5, 10000), kSilentTrue);
+  EXPECT_EQ(array_[2].position.x, 0.2 * 1 / 5);  // 0.2 * (1.0 / 5) is another number
 }
 
 TEST_F(FixedLine, FillCutsOrientationsThatDifferToFourDecimals) {
   end_.orientation = kTilted;
   EXPECT_EQ(Fill(2), kSilentTrue);
-  RoadPoint start = SolvedAt(start_.position);
+  RoadPoint start = SolvedAt(kFrom);
   RoadPoint end = end_;
   start.orientation = end.orientation = Ori(0.9999999747378752, 0, 0, 0);
   ExpectArray({start, end});
@@ -106,23 +120,23 @@ TEST_F(FixedLine, FillCutsOrientationsThatDifferToFourDecimals) {
   ExpectArray({});
 }
 
-// 1.00035 and so on, as whole numbers of the single-precision 1e-6. A hold is tried before.
+// 1.00015 and so on, as whole numbers of the single-precision 1e-6. A hold is tried before.
 TEST_F(FixedLine, FillTriesAPointAgainWithItsCoordinatesCut) {
   constexpr double kMicro = 9.999999974752427e-07;
-  RoadPoint cut = SolvedAt(Pos(1000350 * kMicro, 250000 * kMicro, -499999 * kMicro));
+  RoadPoint cut = SolvedAt(Pos(1000150 * kMicro, 250300 * kMicro, -500099 * kMicro));
   FindNothing(1, 2);
   EXPECT_EQ(Fill(4), BoolOutcome(true, "", kUnsolved));
-  ExpectArray({SolvedAt(start_.position), cut, SolvedAt(PointOf(2, 4)), end_});
+  ExpectArray({SolvedAt(kFrom), cut, SolvedAt(PointOf(2, 4)), end_});
   FindNothing(1, 4);
   std::copy_n(start_.jointpos, 6, cut.jointpos);
   EXPECT_EQ(Fill(4), BoolOutcome(false, "CountLineToBuffer ik error at1\n" + Printed(cut),
                                  kUnsolved + kUnsolved));
-  ExpectArray({SolvedAt(start_.position)});
+  ExpectArray({SolvedAt(kFrom)});
 }
 
 // 0.0002 * 2 a step: 3.5 steps.
 TEST_F(FixedLine, PreciseFillReturnsItsCountAndGoesOnPastFailures) {
-  std::copy_n(std::begin({1.0014, 0.25, -0.5, 0.03, 0.0, 0.0}), 6, end_.jointpos);
+  std::copy_n(std::begin({1.0006, 0.2512, -0.5004, 0.03, 0.0, 0.0}), 6, end_.jointpos);
   std::vector<RoadPoint> points;
   for (int i = 0; i < 3; ++i) points.push_back(SolvedAt(PointOf(i, 3)));
   points.push_back(SolvedAt(end_.position));
