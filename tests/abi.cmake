@@ -1,0 +1,49 @@
+# The binary interface, and what may include what.
+set(abi ${CMAKE_CURRENT_SOURCE_DIR}/abi)
+
+add_custom_target(update_exports)
+foreach(target QAL_kinematics ik)
+  set(arguments -DLIBRARY=$<TARGET_FILE:${target}> -DLIST=${abi}/${target}.exports)
+  add_test(NAME Abi.Exports.${target} COMMAND ${CMAKE_COMMAND} ${arguments}
+                                              -P ${abi}/exports.cmake)
+  add_custom_command(TARGET update_exports POST_BUILD
+                     COMMAND ${CMAKE_COMMAND} ${arguments} -DUPDATE=ON -P ${abi}/exports.cmake)
+  add_dependencies(update_exports ${target})
+endforeach()
+
+add_test(NAME Abi.IncludeDirections COMMAND ${CMAKE_COMMAND} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
+                                            -P ${abi}/include_directions.cmake)
+
+# A solver with a copy of the interface of its own, loaded in place of the one linked against.
+configure_file(${PROJECT_SOURCE_DIR}/src/kinematics/ikfast.h foreign/ikfast.h COPYONLY)
+add_library(qal_foreign_ik SHARED abi/foreign_solver.cpp)
+target_include_directories(qal_foreign_ik PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/foreign)
+target_compile_options(qal_foreign_ik PRIVATE -O0)
+set_target_properties(qal_foreign_ik PROPERTIES OUTPUT_NAME ik LIBRARY_OUTPUT_DIRECTORY foreign)
+add_executable(qal_foreign_client abi/foreign_client.cpp)
+target_link_libraries(qal_foreign_client PRIVATE qal_build_options QAL_kinematics)
+add_test(NAME Abi.ForeignSolver
+         COMMAND ${CMAKE_COMMAND} -DCLIENT=$<TARGET_FILE:qal_foreign_client>
+                 -DFOREIGN=$<TARGET_FILE:qal_foreign_ik> -P ${abi}/foreign_solver.cmake)
+
+# Every header by itself, and every source, with either include root.
+file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src
+     ${PROJECT_SOURCE_DIR}/src/*.h)
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/src/*.cpp)
+foreach(header ${headers})
+  file(RELATIVE_PATH from_kinematics ${PROJECT_SOURCE_DIR}/src/kinematics
+       ${PROJECT_SOURCE_DIR}/src/${header})
+  string(MAKE_C_IDENTIFIER ${header} name)
+  file(CONFIGURE OUTPUT alone/src/${name}.cpp CONTENT "#include \"${header}\"\n")
+  file(CONFIGURE OUTPUT alone/kinematics/${name}.cpp CONTENT "#include \"${from_kinematics}\"\n")
+  list(APPEND alone_src ${CMAKE_CURRENT_BINARY_DIR}/alone/src/${name}.cpp)
+  list(APPEND alone_kinematics ${CMAKE_CURRENT_BINARY_DIR}/alone/kinematics/${name}.cpp)
+endforeach()
+add_library(qal_alone_src OBJECT ${alone_src})
+target_include_directories(qal_alone_src PRIVATE ${PROJECT_SOURCE_DIR}/src)
+add_library(qal_alone_kinematics OBJECT ${alone_kinematics} ${sources})
+target_include_directories(qal_alone_kinematics PRIVATE ${PROJECT_SOURCE_DIR}/src/kinematics)
+foreach(target qal_alone_src qal_alone_kinematics)
+  target_link_libraries(${target} PRIVATE qal_build_options)
+  target_compile_options(${target} PRIVATE -O0)
+endforeach()
