@@ -2,6 +2,7 @@
 # that are missing (as root, or through sudo).
 
 BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
+              libyaml-cpp-dev nlohmann-json3-dev
               libyaml-dev nlohmann-json3-dev
 TEST_DEPS := libgtest-dev liborocos-kdl-dev pkg-config
 

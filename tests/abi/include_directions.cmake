@@ -9,8 +9,8 @@ set(rules
     "^src/kinematics/pose/" "^src/(core/|kinematics/[^/]*$)"
     "^src/kinematics/solve/" "^src/(core/|kinematics/(pose/)?[^/]*$)"
     "^src/kinematics/trajectory/" "^src/(core/|kinematics/((pose|solve)/)?[^/]*$)"
-    "^(tools|examples)/" "^(src|tools)/"
-    "^solver/" "^src/kinematics/ikfast.h$")
+    "^(tools|examples)/" "^(src|tools|solver/closed_form)/"
+    "^solver/" "^(src/kinematics/ikfast.h$|solver/closed_form/)")
 
 set(checked 0)
 file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/src/*.h ${SOURCE_DIR}/src/*.cpp
