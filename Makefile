@@ -2,16 +2,22 @@
 # that are missing (as root, or through sudo).
 
 BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
-              libyaml-cpp-dev nlohmann-json3-dev
               libyaml-dev nlohmann-json3-dev
 TEST_DEPS := libgtest-dev liborocos-kdl-dev pkg-config
 
-.PHONY: demo test build-deps test-deps clean
+# What the reference arm can do, and how far a point's joints may be off its pose.
+DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
+               --max-position-error 1e-6 --max-orientation-error 1e-6
+
+.PHONY: demo test figures build-deps test-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
 	cmake --preset release
 	cmake --build --preset release
+	mkdir -p out
+	build/release/bin/02_pick_and_place out/pick_and_place.csv
+	build/release/bin/qal verify out/pick_and_place.csv $(DEMO_LIMITS)
 
 ## Builds and runs every test, plain and under the address and undefined-behaviour sanitizers.
 test: test-deps
@@ -21,6 +27,11 @@ test: test-deps
 	cmake --preset dev
 	cmake --build --preset dev
 	ctest --preset dev
+
+## Draws the pictures of the docs from real output.
+figures: demo
+	packaging/install-deps python3-matplotlib
+	docs/plot_trajectories.py build/release/bin
 
 build-deps:
 	packaging/install-deps $(BUILD_DEPS)
