@@ -30,7 +30,7 @@ TEST(Fk, GivesTheReferenceArmsPose) {
   const Json zero = RunJson("fk --joints 0 0 0 0 0 0");
   ExpectNear({0.51, 0.0, 0.815}, zero["position_m"], 1e-12);
   ExpectNear({0.70710678, 0.0, 0.70710678, 0.0}, zero["orientation_wxyz"], 1e-7);
-  const Outcome table = RunQal("fk --mm --deg --joints 90 0 0 0 0 -.5");
+  const Outcome table = RunQal("fk --mm --deg --joints 90 -0 0 0 0 -.5");
   EXPECT_EQ(0,
             table.out.find("joints 1 to 6 [deg]        90.0000000     0.0000000     0.0000000   "
                            "  0.0000000     0.0000000    -0.5000000\n"

@@ -76,6 +76,11 @@ TEST(Line, EndsWithTheJointsGivenOrWithTheOnesItArrivesWith) {
     EXPECT_LT(std::fabs(end[j] - before[j]), 1e-3);
     joints << ' ' << end[j];
   }
+  // The same rotation as the start's, with the other sign.
+  EXPECT_EQ(351, RunPlan("line" + kFrom +
+                         "--to-pose 0.524128326 0.3 0.530868682 -0.035390772 0 "
+                         "-0.999373555 0 --speed 50")
+                     .rows.size());
   const Plan by_joints = RunPlan("line" + kFrom + "--to" + joints.str() + " --speed 50");
   EXPECT_EQ(351, by_joints.rows.size()) << by_joints.outcome.err;
   EXPECT_EQ(std::vector<double>(end.begin() + 1, end.begin() + 7),

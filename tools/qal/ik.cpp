@@ -45,6 +45,8 @@ Question ReadQuestion(const IkArguments& arguments) {
     question.bound_rad = arguments.units.Radians(arguments.step_bound.ReadWithin(0.0, 1000.0));
   }
   question.reference = AtJoints(near);
+  question.target.orientation =
+      SignedAs(question.target.orientation, question.reference.orientation);
   return question;
 }
 

@@ -52,8 +52,9 @@ void Arrive(const Move& move, std::vector<RoadPoint>& points, double bound_rad,
   points.push_back(last);
 }
 
-// The index of a printed point on a line of `steps` equal steps.
+// The index of a printed point on a line of `steps` equal steps; a line of no length has just one.
 size_t IndexOnLine(const Move& move, const RoadPoint& point, int steps) {
+  if (!(move.Length() > 0.0)) return 0;
   return static_cast<size_t>(
       std::lround(Distance(move.start.position, point.position) / move.Length() * steps));
 }

@@ -21,6 +21,7 @@ void Describe(CLI::App& app) {
   app.description(
       "Kinematics and trajectories of a six-axis arm. Angles in rad and lengths in m unless --deg\n"
       "or --mm is given. Exit status: 0 done, 1 no solution or a violation, 2 bad usage.");
+  app.footer("qal COMMAND --help describes a command, with an example.");
   app.set_version_flag("--version", "qal " QAL_VERSION);
   app.require_subcommand(0, 1);
   for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddConvert, AddVerify}) add(app);

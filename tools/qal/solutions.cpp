@@ -48,7 +48,7 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
   std::vector<Solution> solutions;
   if (!AskSolver(target, list)) return solutions;
   Joints nearest;
-  bool open = FindNearest(list, reference, bound_rad, nearest.data());
+  const bool found_nearest = FindNearest(list, reference, bound_rad, nearest.data());
   const size_t count = list.GetNumSolutions();
   for (size_t i = 0; i < count; ++i) {
     const ikfast::IkSolutionBase<double>& found = list.GetSolution(i);
@@ -62,8 +62,7 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
     const Judgement judgement = Judge(solution.joints_rad.data(), reference, bound_rad);
     solution.admissible = judgement.refusal == Refusal::kNone;
     solution.verdict = Verdict(judgement, solution.joints_rad, reference, bound_rad, units);
-    solution.chosen = open && solution.joints_rad == nearest;
-    if (solution.chosen) open = false;
+    solution.chosen = found_nearest && solution.joints_rad == nearest;
     solutions.push_back(solution);
   }
   return solutions;
@@ -83,7 +82,6 @@ std::string WhyUnsolved(const RoadPoint& target, const double* reference, double
 RoadPoint SolveNear(RoadPoint target, const RoadPoint& reference, double bound_rad,
                     const std::string& place, const Units& units) {
   target.ik_flag = false;
-  target.orientation = SignedAs(target.orientation, reference.orientation);
   RoadPoint solved = target;
   RoadPoint near = reference;  // the library wants it writable
   const bool found = bound_rad < kNoStepBound ? Ikfunc::ArmJointIk(solved, near.jointpos, bound_rad)
