@@ -9,13 +9,13 @@ set(rules
     "^src/kinematics/pose/" "^src/(core/|kinematics/[^/]*$)"
     "^src/kinematics/solve/" "^src/(core/|kinematics/(pose/)?[^/]*$)"
     "^src/kinematics/trajectory/" "^src/(core/|kinematics/((pose|solve)/)?[^/]*$)"
-    "^(tools|examples)/" "^(src|tools|solver/closed_form)/"
-    "^solver/" "^(src/kinematics/ikfast.h$|solver/closed_form/)")
+    "^solver/" "^(solver/|src/kinematics/ikfast.h$)"
+    "^(tools|examples)/" "^(src|solver|tools)/")
 
 set(checked 0)
 file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/src/*.h ${SOURCE_DIR}/src/*.cpp
-     ${SOURCE_DIR}/solver/*.h ${SOURCE_DIR}/solver/*.cpp ${SOURCE_DIR}/tools/*.h
-     ${SOURCE_DIR}/tools/*.cpp ${SOURCE_DIR}/examples/*.cpp)
+     ${SOURCE_DIR}/solver/*.h ${SOURCE_DIR}/solver/*.cpp ${SOURCE_DIR}/solver/*.inc
+     ${SOURCE_DIR}/tools/*.h ${SOURCE_DIR}/tools/*.cpp ${SOURCE_DIR}/examples/*.cpp)
 foreach(file IN LISTS files)
   get_filename_component(folder ${file} DIRECTORY)
   foreach(i RANGE 0 12 2)
