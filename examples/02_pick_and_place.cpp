@@ -55,6 +55,26 @@ void AppendLine(const RoadPoint& from, const RoadPoint& to, Road& road) {
   road.insert(road.end(), line.begin(), line.end());
 }
 
+// Says what a person can check.
+void Summarise(const Road& road, const char* path) {
+  double way = 0.0;
+  const Pos* lowest = &road.front().position;
+  for (size_t i = 1; i < road.size(); ++i) {
+    const Pos step = road[i].position - road[i - 1].position;
+    way += std::sqrt(step.x * step.x + step.y * step.y + step.z * step.z);
+    if (road[i].position.z < lowest->z) lowest = &road[i].position;
+  }
+  const auto print = [](const char* label, const Pos& p) {
+    std::printf("%-22s x %.6f  y %.6f  z %.6f m\n", label, p.x, p.y, p.z);
+  };
+  std::printf("%-22s %s\n%-22s %zu\n%-22s %.3f s\n%-22s %.6f m\n", "trajectory", path, "points",
+              road.size(), "duration", 0.005 * static_cast<double>(road.size() - 1),
+              "way of the tool", way);
+  print("the tool starts at", road.front().position);
+  print("picks at", *lowest);
+  print("and ends at", road.back().position);
+}
+
 Road PickAndPlace() {
   const RoadPoint home = AtJoints({0.0, -0.3, 0.3, 0.0, std::acos(-1.0) / 2, 0.0});
   RoadPoint above = home;  // the tool points down as it does at home
@@ -82,7 +102,7 @@ int main(int argc, char** argv) {
   try {
     const Road road = PickAndPlace();
     qal::tools::WriteFile(argv[1], qal::tools::ToCsv(qal::tools::FromWaypoints(road), true));
-    std::fprintf(stderr, "%zu waypoints written to %s\n", road.size(), argv[1]);
+    Summarise(road, argv[1]);
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

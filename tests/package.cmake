@@ -1,3 +1,8 @@
+# The code in README.md is an example that is built.
+add_test(NAME Readme.ShowsTheFirstExample
+         COMMAND bash -c "diff <(sed -n '/^```cpp/,/^```/{/^```/d;p}' README.md) examples/01_straight_line.cpp"
+         WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
+
 # The installed tree, used from outside: by find_package, by pkg-config; and the source tree as a
 # subdirectory, with a solver of the user's own.
 # A sanitizer's library needs a sanitizer's program, so not there.

@@ -1,0 +1,168 @@
+#!/usr/bin/python3
+"""Draws docs/figures/*.svg from real output: plot_trajectories.py BIN_DIR
+
+BIN_DIR holds qal and 02_pick_and_place, as built. Needs Debian's python3-matplotlib.
+"""
+
+import csv
+import pathlib
+import subprocess
+import sys
+import tempfile
+import xml.etree.ElementTree
+
+import matplotlib
+
+matplotlib.use("svg")
+import matplotlib.pyplot as plt
+import numpy as np
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+FIGURES = ROOT / "docs" / "figures"
+CYCLE_S = 0.005
+# Tool down, in front of the arm.
+START = "0 -0.2 0.2 0 1.5707963267948966 0".split()
+
+plt.rcParams.update({
+    "svg.hashsalt": "qal",  # the same file from the same data
+    "font.size": 9, "axes.grid": True, "grid.alpha": 0.3, "axes.spines.top": False,
+    "axes.spines.right": False, "lines.linewidth": 1.3, "legend.frameon": False,
+})
+
+
+def read(path):
+    """Columns of a CSV by name."""
+    with open(path, newline="") as file:
+        rows = list(csv.reader(file))
+    numbers = np.array(rows[1:], dtype=float)
+    return {name: numbers[:, i] for i, name in enumerate(rows[0])}
+
+
+def plan(bin_dir, *arguments):
+    with tempfile.TemporaryDirectory() as folder:
+        path = pathlib.Path(folder) / "plan.csv"
+        subprocess.run([bin_dir / "qal", *arguments, "--csv", path, "--full"], check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return read(path)
+
+
+def save(figure, name):
+    handles = [line for axis in figure.axes for line in axis.get_lines()
+               if line.get_label().startswith("joint ")][:6]
+    if handles:  # one legend above all, where it hides no curve
+        figure.legend(handles=handles, loc="upper center", ncol=6, fontsize=8)
+    figure.tight_layout(rect=(0, 0, 1, 0.93 if handles else 1))
+    figure.savefig(FIGURES / name, metadata={"Date": None})
+    plt.close(figure)
+
+
+def joints(data, prefix, unit):
+    return [data[f"{prefix}{j}_{unit}"] for j in range(1, 7)]
+
+
+def draw_joints(axis, time, curves, label):
+    for j, curve in enumerate(curves):
+        axis.plot(time, curve, label=f"joint {j + 1}")
+    axis.set(xlabel="time [s]", ylabel=label)
+
+
+def draw_line(data, name):
+    """Tool speed and joint speeds."""
+    figure, (left, right) = plt.subplots(1, 2, figsize=(8.5, 2.8))
+    left.plot(data["time_s"], data["tcp_speed_m_s"], color="black")
+    left.set(xlabel="time [s]", ylabel="tool speed [m/s]", ylim=(0, None))
+    draw_joints(right, data["time_s"], joints(data, "qd", "rad_s"), "joint speed [rad/s]")
+    save(figure, name)
+
+
+def draw_joint_move(data, name, prefix="qd", unit="rad_s", label="joint speed [rad/s]"):
+    """Joint angles and speeds."""
+    figure, (left, right) = plt.subplots(1, 2, figsize=(8.5, 2.8))
+    draw_joints(left, data["time_s"], joints(data, "q", "rad"), "joint angle [rad]")
+    draw_joints(right, data["time_s"], joints(data, prefix, unit), label)
+    save(figure, name)
+
+
+def draw_s_curve(data, length, name):
+    """Fraction of the way, speed and acceleration of the tool."""
+    position = np.stack([data[f"{axis}_m"] for axis in "xyz"], axis=1)
+    way = np.linalg.norm(position - position[0], axis=1)
+    time = data["time_s"]
+    speed = np.diff(way) / CYCLE_S
+    figure, axes = plt.subplots(1, 3, figsize=(8.5, 2.6))
+    curves = [(time, 100 * way / length, "way [% of the line]"),
+              (time[1:], speed, "tool speed [m/s]"),
+              (time[2:], np.diff(speed) / CYCLE_S, "tool acceleration [m/s²]")]
+    for axis, (x, y, label) in zip(axes, curves):
+        axis.plot(x, y, color="black", marker=".", markersize=3)
+        axis.set(xlabel="time [s]", ylabel=label)
+    save(figure, name)
+
+
+def rotation(axis, angle):
+    x, y, z = axis
+    k = np.array([[0, -z, y], [z, 0, -x], [-y, x, 0]])
+    return np.eye(3) + np.sin(angle) * k + (1 - np.cos(angle)) * k @ k
+
+
+def arm_origins(angles):
+    """Where the joints of arms/reference.urdf and its tool are."""
+    frame, origin, points, index = np.eye(3), np.zeros(3), [], 0
+    for joint in xml.etree.ElementTree.parse(ROOT / "arms" / "reference.urdf").iter("joint"):
+        # The links of this arm are turned by nothing but their joints.
+        offset = np.array(joint.find("origin").get("xyz").split(), dtype=float)
+        origin = origin + frame @ offset
+        points.append(origin)
+        if joint.get("type") == "revolute":
+            axis = np.array(joint.find("axis").get("xyz").split(), dtype=float)
+            frame = frame @ rotation(axis, angles[index])
+            index += 1
+    return np.array(points)
+
+
+def draw_pick_and_place(data, name):
+    figure = plt.figure(figsize=(9, 3.8))
+    left = figure.add_subplot(1, 2, 1, projection="3d")
+    time = data["time_s"]
+    angles = np.stack(joints(data, "q", "rad"), axis=1)
+    lowest = int(np.argmin(data["z_m"]))
+    for sample, shade in [(0, 0.35), (lowest // 3, 0.15), (lowest, 1.0)]:
+        chain = np.vstack([[0, 0, 0], arm_origins(angles[sample])])
+        left.plot(*chain.T, color="tab:blue", marker="o", markersize=3, linewidth=2.5,
+                  alpha=shade)
+    left.plot(data["x_m"], data["y_m"], data["z_m"], color="tab:red", linewidth=1.5)
+    left.set(xlabel="x [m]", ylabel="y [m]", zlabel="z [m]", xlim=(0, 0.6), ylim=(-0.2, 0.4),
+             zlim=(0, 0.9), xticks=[0, 0.2, 0.4, 0.6], yticks=[-0.2, 0, 0.2, 0.4])
+    left.set_box_aspect((0.6, 0.6, 0.9))
+    left.view_init(elev=15, azim=-115)
+    right = figure.add_subplot(1, 2, 2)
+    draw_joints(right, time, joints(data, "motor", "rpm"), "motor speed [rpm]")
+    save(figure, name)
+
+
+def main():
+    bin_dir = pathlib.Path(sys.argv[1]).resolve()
+    FIGURES.mkdir(exist_ok=True)
+
+    line = ["line", "--from", *START, "--by", "0.05", "0.15", "-0.2"]
+    draw_line(plan(bin_dir, *line, "--profile", "fixed", "--speed", "20"), "line_fixed.svg")
+    draw_line(plan(bin_dir, *line, "--profile", "ramp", "--speed", "40"), "line_ramp.svg")
+    s_curve = plan(bin_dir, "line", "--from", *START, "--by", "0", "0.2", "0", "--profile", "s-curve",
+                   "--acc", "1", "--jerk", "10", "--motor-rpm", "3000")
+    draw_s_curve(s_curve, 0.2, "line_s_curve.svg")
+
+    move = ["joint", "--from", *START, "--to", *"0.9 0.1 -0.2 -0.6 1.2 0.4".split()]
+    draw_joint_move(plan(bin_dir, *move, "--profile", "fixed", "--speed", "40"), "joint_fixed.svg")
+    draw_joint_move(plan(bin_dir, *move, "--profile", "ramp", "--speed", "80"), "joint_ramp.svg")
+    draw_joint_move(plan(bin_dir, *move, "--profile", "trapezoid", "--speed", "40", "--acc", "5000"),
+                    "joint_trapezoid.svg", "motor", "rpm", "motor speed [rpm]")
+
+    with tempfile.TemporaryDirectory() as folder:
+        path = pathlib.Path(folder) / "pick_and_place.csv"
+        subprocess.run([bin_dir / "02_pick_and_place", path], check=True,
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        draw_pick_and_place(read(path), "pick_and_place.svg")
+
+
+if __name__ == "__main__":
+    main()
