@@ -4,13 +4,13 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cmath>
 
 #include "../../src/kinematics/solve/solution_choice.h"
 #include "../common/error.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
 #include "differences.h"
+#include "measure.h"
 #include "solutions.h"
 #include "trajectory_json.h"
 
@@ -71,33 +71,19 @@ void RefuseOthers(const std::string& profile, std::initializer_list<const Number
 
 namespace {
 
-struct LargestStep {
-  double rad = 0.0;
-  int joint = 0;
-  size_t point = 0;  // that it leads to
-};
-
-LargestStep FindLargestStep(const RoadPoint& start, const std::vector<RoadPoint>& points) {
-  LargestStep largest;
-  for (size_t i = 0; i < points.size(); ++i) {
-    const RoadPoint& before = i == 0 ? start : points[i - 1];
-    for (int j = 0; j < 6; ++j) {
-      const double step = std::fabs(points[i].jointpos[j] - before.jointpos[j]);
-      if (step > largest.rad) largest = {step, j, i};
-    }
-  }
-  return largest;
-}
-
 std::string Summary(const RoadPoint& start, const std::vector<RoadPoint>& points,
                     const Units& units) {
+  // The step to the first point counts as well.
+  std::vector<RoadPoint> way = {start};
+  way.insert(way.end(), points.begin(), points.end());
+  const auto figures = Measure(FromWaypoints(way));
+  const Peaks& steps = figures[kJointStep];
+  const auto step = std::max_element(
+      steps.begin(), steps.end(), [](const auto& a, const auto& b) { return a->value < b->value; });
   double length_m = 0.0;
-  double gap_m = 0.0;
-  for (size_t i = 0; i < points.size(); ++i) {
-    if (i > 0) length_m += Distance(points[i - 1].position, points[i].position);
-    gap_m = std::max(gap_m, GapAt(points[i]).position_m);
+  for (size_t i = 1; i < points.size(); ++i) {
+    length_m += Distance(points[i - 1].position, points[i].position);
   }
-  const LargestStep step = FindLargestStep(start, points);
   const auto row = [](const std::string& label, const std::string& value) {
     return fmt::format("{:<40} {}\n", label, value);
   };
@@ -107,10 +93,10 @@ std::string Summary(const RoadPoint& start, const std::vector<RoadPoint>& points
              Decimal(units.Length(length_m), LengthDecimals(units))) +
          row(fmt::format("largest joint step [{}]", units.angle()),
              fmt::format("{}, joint {}, to point {}",
-                         Decimal(units.Angle(step.rad), AngleDecimals(units)), step.joint + 1,
-                         step.point)) +
+                         Decimal(units.Angle((*step)->value), AngleDecimals(units)),
+                         step - steps.begin() + 1, (*step)->sample - 1)) +
          row(fmt::format("largest gap of joints and position [{}]", units.length()),
-             fmt::format("{:.3g}", units.Length(gap_m))) +
+             fmt::format("{:.3g}", units.Length(figures[kPositionError][0]->value))) +
          "first point\n" + PointRows(points.front(), units) + "last point\n" +
          PointRows(points.back(), units);
 }
