@@ -3,13 +3,14 @@
 
 BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
               libyaml-dev nlohmann-json3-dev
-TEST_DEPS := libgtest-dev liborocos-kdl-dev pkg-config
+BENCH_DEPS := libbenchmark-dev liborocos-kdl-dev python3 valgrind
+TEST_DEPS := libgtest-dev pkg-config $(BENCH_DEPS)
 
 # What the reference arm can do, and how far a point's joints may be off its pose.
 DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
                --max-position-error 1e-6 --max-orientation-error 1e-6
 
-.PHONY: demo test figures build-deps test-deps clean
+.PHONY: demo test figures bench bench-check build-deps test-deps bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -33,11 +34,24 @@ figures: demo
 	packaging/install-deps python3-matplotlib
 	docs/plot_trajectories.py build/release/bin
 
+## Times the library beside its peers: the table of docs/performance.md, anew.
+bench: bench-deps
+	cmake --preset bench
+	cmake --build --preset bench --target bench
+
+## Compares instruction counts with the figures kept in bench/instructions.json.
+bench-check: bench-deps
+	cmake --preset bench
+	cmake --build --preset bench --target bench-check
+
 build-deps:
 	packaging/install-deps $(BUILD_DEPS)
 
 test-deps:
 	packaging/install-deps $(BUILD_DEPS) $(TEST_DEPS)
+
+bench-deps:
+	packaging/install-deps $(BUILD_DEPS) $(BENCH_DEPS)
 
 clean:
 	rm -rf build out

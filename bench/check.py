@@ -1,0 +1,74 @@
+#!/usr/bin/env python3
+"""Counts the instructions of every benchmark of the library and compares them with the figures kept
+in instructions.json. Times are noisy, counts are not: they are the guard against regressions."""
+
+import argparse
+import json
+import os
+import pathlib
+import re
+import subprocess
+import sys
+import tempfile
+
+FIGURES = pathlib.Path(__file__).with_name("instructions.json")
+TOLERANCE = 0.05
+# So that counts don't depend on which of libm's variants the processor would get, nor on when the
+# loader resolves a symbol.
+ENVIRONMENT = {"GLIBC_TUNABLES": "glibc.cpu.hwcaps=-AVX2,-FMA,-FMA4,-AVX", "LD_BIND_NOW": "1"}
+
+
+def count(program):
+    """Instructions for each operation or waypoint, by benchmark."""
+    counts = {}
+    with tempfile.TemporaryDirectory() as directory:
+        subprocess.run(
+            ["valgrind", "-q", "--tool=callgrind", "--collect-atstart=no",
+             f"--callgrind-out-file={directory}/dump", program, "--once"],
+            check=True, env={**os.environ, **ENVIRONMENT})
+        for dump in pathlib.Path(directory).glob("dump.*"):
+            text = dump.read_text()
+            trigger = re.search(r"^desc: Trigger: Client Request: (.*)/(\d+)$", text, re.M)
+            total = re.search(r"^totals: (\d+)$", text, re.M)
+            counts[trigger[1]] = round(int(total[1]) / int(trigger[2]))
+    return dict(sorted(counts.items()))
+
+
+def compare(kept, counts):
+    """Prints a line for each benchmark and returns whether all are within the tolerance."""
+    good = True
+    for name in sorted(kept | counts):
+        if name not in kept or name not in counts:
+            print(f"{name}: {'no figure is kept' if name in counts else 'is gone'}")
+            good = False
+            continue
+        change = counts[name] / kept[name] - 1
+        verdict = ""
+        if change > TOLERANCE:
+            verdict = "  TOO MANY"
+            good = False
+        elif change < -TOLERANCE:
+            verdict = "  fewer: keep the new figure"
+        print(f"{name:24} {kept[name]:8} {counts[name]:8} {change:+7.1%}{verdict}")
+    return good
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("program", help="the benchmark program")
+    parser.add_argument("--update", action="store_true", help="keep the counts as the new figures")
+    arguments = parser.parse_args()
+    counts = count(arguments.program)
+    if arguments.update:
+        FIGURES.write_text(json.dumps(counts, indent=2) + "\n")
+        return 0
+    print(f"{'instructions':24} {'kept':>8} {'now':>8}  change")
+    if compare(json.loads(FIGURES.read_text()), counts):
+        return 0
+    print(f"More than {TOLERANCE:.0%} over the kept figures, or not the same benchmarks. If that is "
+          "meant: check.py --update, with the reason in the commit.")
+    return 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())

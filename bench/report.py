@@ -1,0 +1,166 @@
+#!/usr/bin/env python3
+"""Times the library beside its peers and reports ratios: a table on standard output (also
+bench.md), every figure in bench.json, the bars in bench.svg."""
+
+import argparse
+import datetime
+import json
+import os
+import pathlib
+import platform
+import re
+import statistics
+import subprocess
+
+import chart
+import libraries
+
+# What is compared with what, and the ratio that is to be kept (None: only reported).
+RATIOS = [
+    ("ArmFk", "fk/ArmFk", "solver's ComputeFk", "fk/solver", 1.05),
+    ("ArmFk", "fk/ArmFk", "KDL with quaternion", "fk/KDL with quaternion", 0.28),
+    ("ComputeFk", "fk/solver", "KDL", "fk/KDL", None),
+    ("ComputeFk", "fk/solver", "floor", "fk/floor", None),
+    ("ComputeIk", "ik/solver", "container alone", "ik/container", 2.5),
+    ("ArmIk", "ik/ArmIk", "solver's ComputeIk", "ik/solver", 1.12),
+    ("ArmJointIk", "ik/ArmJointIk", "solver's ComputeIk", "ik/solver", 1.12),
+    ("ArmLineMoveIk", "ik/ArmLineMoveIk", "solver's ComputeIk", "ik/solver", 1.12),
+    ("ArmJointIk, fallback", "ik/ArmJointIk fallback", "solver's ComputeIk", "ik/solver", None),
+    ("ArmIk, pose known", "ik/ArmIk pose known", "solver's ComputeFk", "fk/solver", None),
+    ("ArmIk", "ik/ArmIk", "KDL NR, wdls", "ik/KDL NR", None),
+    ("ArmIk", "ik/ArmIk", "KDL LMA", "ik/KDL LMA", None),
+    ("jog along an axis", "jog/along an axis", "solver's ComputeIk", "ik/solver", None),
+    ("jog about an axis", "jog/about an axis", "solver's ComputeIk", "ik/solver", None),
+    ("ramped line", "line/ramped", "KDL NR, wdls", "line/KDL NR", 1 / 12),
+    ("ramped line", "line/ramped", "KDL LMA", "line/KDL LMA", 1 / 60),
+    ("ramped line", "line/ramped", "ArmLineMoveIk", "ik/ArmLineMoveIk", None),
+    ("line by count", "line/by count", "ramped line", "line/ramped", None),
+    ("line by precision", "line/by precision", "ramped line", "line/ramped", None),
+    ("CountLineSize", "line/count", "ramped line", "line/ramped", None),
+    ("S-curve line", "line/S-curve", "ramped line", "line/ramped", None),
+    ("trapezoid", "joint/trapezoid", "KDL trapezoid", "joint/KDL trapezoid", 0.28),
+    ("trapezoid", "joint/trapezoid", "its ArmFk alone", "joint/ArmFk alone", 1.15),
+    ("joint ramp", "joint/ramped", "its ArmFk alone", "joint/ArmFk alone", None),
+    ("fixed-step joint move", "joint/fixed step", "its ArmFk alone", "joint/ArmFk alone", None),
+]
+# Two threads on two cores give at least this many times the rate of one.
+THREAD_RATE = 1.9
+
+
+def run(program, selection, repetitions, core=None):
+    """ns for each operation or waypoint in every repetition, by benchmark. With a core, all run on
+    that one and repetitions alternate, so that what disturbs the machine disturbs them alike."""
+    command = [program, f"--benchmark_filter={selection}", "--benchmark_min_time=0.02",
+               f"--benchmark_repetitions={repetitions}", "--benchmark_format=json",
+               "--benchmark_enable_random_interleaving=true"]
+    pin = (lambda: os.sched_setaffinity(0, {core})) if core is not None else None
+    output = subprocess.run(command, check=True, capture_output=True, text=True, preexec_fn=pin)
+    times = {}
+    for entry in json.loads(output.stdout)["benchmarks"]:
+        if entry["run_type"] != "iteration":
+            continue
+        if entry.get("error_occurred"):
+            raise SystemExit(f"{entry['run_name']}: {entry['error_message']}")
+        times.setdefault(entry["run_name"], []).append(1e9 / entry["items_per_second"])
+    return times
+
+
+def spread(values):
+    """Half the distance between the quartiles, as a fraction of the median."""
+    low, middle, high = statistics.quantiles(values, n=4)
+    return (high - low) / 2 / middle
+
+
+def table(head, rows):
+    lines = [head, ["---"] * len(head), *rows]
+    return "\n".join("| " + " | ".join(str(cell) for cell in line) + " |" for line in lines)
+
+
+def compare(times):
+    ratios = []
+    for what, ours, beside, other, target in RATIOS:
+        ratio = statistics.median(times[ours]) / statistics.median(times[other])
+        ratios.append({"what": what, "beside": beside, "ratio": ratio, "target": target,
+                       "spread": spread(times[ours]) + spread(times[other])})
+    return ratios
+
+
+def ratio_table(ratios):
+    rows = []
+    for r in ratios:
+        target = "" if r["target"] is None else f"{r['target']:.3g}"
+        met = "" if r["target"] is None else "met" if r["ratio"] <= r["target"] else "NOT MET"
+        rows.append([r["what"], r["beside"], f"{r['ratio']:.3g}", f"±{r['spread']:.1%}", target,
+                     met])
+    return table(["time of", "beside", "ratio", "spread", "at most", ""], rows)
+
+
+def scaling_table(times, memory):
+    """Time for each waypoint relative to the shortest trajectory's, and bytes for each."""
+    rows = {}
+    sizes = sorted({int(name.split("/")[2]) for name in times})
+    for name in times:
+        _, family, size = name.split("/")
+        rows.setdefault(family, {})[int(size)] = statistics.median(times[name])
+    body = []
+    for family, by_size in rows.items():
+        longest = max(by_size)
+        peak = memory[f"scaling/{family}/{longest}"]["peak_bytes"] / longest
+        body.append([family, *[f"{by_size[n] / by_size[sizes[0]]:.2f}" if n in by_size else ""
+                               for n in sizes], f"{peak:.1f}"])
+    return table(["waypoints", *[f"{n:,}" for n in sizes], "peak bytes each"], body)
+
+
+def measure_memory(program):
+    lines = subprocess.run([program], check=True, capture_output=True, text=True).stdout
+    return {entry["name"]: entry for entry in map(json.loads, lines.splitlines())}
+
+
+def machine(compiler):
+    cpu = re.search(r"^model name\s*: (.*)$", pathlib.Path("/proc/cpuinfo").read_text(), re.M)
+    return {"date": datetime.date.today().isoformat(), "processor": cpu[1] if cpu else "unknown",
+            "cores": os.cpu_count(), "system": platform.freedesktop_os_release()["PRETTY_NAME"],
+            "libc": " ".join(platform.libc_ver()), "compiler": compiler}
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--timer", required=True, help="qal_bench")
+    parser.add_argument("--memory", required=True, help="qal_bench_memory")
+    parser.add_argument("--library", action="append", required=True)
+    parser.add_argument("--compiler", required=True, help="its name, version and options")
+    parser.add_argument("--out", required=True, type=pathlib.Path)
+    parser.add_argument("--repetitions", type=int, default=15)
+    arguments = parser.parse_args()
+
+    times = run(arguments.timer, "^(fk|ik|jog|line|joint)/", arguments.repetitions, core=0)
+    scaling = run(arguments.timer, "^scaling/", 5, core=0)
+    threads = run(arguments.timer, "^threads/", arguments.repetitions)
+    memory = measure_memory(arguments.memory)
+    rate = {int(name[-1]): 1 / statistics.median(values) for name, values in threads.items()}
+    gain = rate[2] / rate[1]
+    ratios = compare(times)
+    report = {"machine": machine(arguments.compiler), "ratios": ratios, "thread_gain": gain,
+              "ns": {**times, **scaling, **threads}, "memory": list(memory.values()),
+              "libraries": [libraries.describe(path) for path in arguments.library]}
+
+    text = "\n\n".join([
+        "\n".join(f"- {key}: {value}" for key, value in report["machine"].items()),
+        ratio_table(ratios),
+        f"Two threads on two cores: {gain:.2f} times the rate of one, at least {THREAD_RATE} "
+        f"({'met' if gain >= THREAD_RATE else 'NOT MET'}).",
+        scaling_table(scaling, memory),
+        table(["library", "bytes, stripped", "relocations", "run at load"],
+              [library.values() for library in report["libraries"]])])
+    arguments.out.mkdir(parents=True, exist_ok=True)
+    (arguments.out / "bench.json").write_text(json.dumps(report, indent=1) + "\n")
+    (arguments.out / "bench.md").write_text(text + "\n")
+    (arguments.out / "bench.svg").write_text(chart.bars(
+        "Times faster than Orocos KDL, one core",
+        [(f"{r['what']} : {r['beside']}", 1 / r["ratio"])
+         for r in ratios if r["beside"].startswith("KDL")]))
+    print(text)
+
+
+if __name__ == "__main__":
+    main()
