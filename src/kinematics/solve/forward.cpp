@@ -4,56 +4,80 @@
 #include "../ikfast.h"
 #include "../ikfunc.h"
 
+// The components w, x, y, z of a quaternion are worked out side by side, in the compiler's vector
+// types, and without a branch on the rotation: poses come in no order that the processor could
+// predict.
+
 namespace {
 
-// Square root of a quarter of a squared magnitude sum. Everything past the sum is single precision:
-// stored orientations carry float values.
-float Magnitude(double four_squares) {
-  constexpr float kQuarter = 0.25f;
-  float square = static_cast<float>(four_squares * static_cast<double>(kQuarter));
-  if (square < 0.0f) square = 0.0f;  // rounding of a vanishing component; NaN stays NaN
-  return std::sqrt(square);
+using Doubles [[gnu::vector_size(32)]] = double;
+using Floats [[gnu::vector_size(16)]] = float;
+using Flags [[gnu::vector_size(16)]] = int;  // -1 for true, 0 for false
+
+Flags Select(Flags which, Flags yes, Flags no) { return (which & yes) | (~which & no); }
+
+/// Magnitudes of the components of the rotation matrix `r`. Everything past the sums is single
+/// precision: stored orientations carry float values.
+Floats Magnitudes(const double* r) {
+  const Doubles four_squares = Doubles{r[0], r[0], r[4], r[8]} +
+                               Doubles{r[4], -r[4], -r[0], -r[0]} +
+                               Doubles{r[8], -r[8], -r[8], -r[4]} + 1.0;
+  Floats m = __builtin_convertvector(four_squares * 0.25, Floats);
+  m = m < 0.0f ? Floats{} : m;  // rounding of a vanishing component; NaN stays NaN
+  for (int i = 0; i < 4; ++i) m[i] = std::sqrt(m[i]);
+  return m;
+}
+
+/// Whether a - b is not negative, in elements 0 and 1, and whether a + b is not, in 2 and 3. NaN
+/// counts as negative.
+Flags NotNegative(double a, double b) {
+  using TwoDoubles [[gnu::vector_size(16)]] = double;
+  return reinterpret_cast<Flags>(TwoDoubles{a - b, a + b} >= 0.0);
+}
+
+/// Which components are positive when the largest one is: those whose product with it is. Of equal
+/// ones the first counts as the largest.
+Flags Positive(const double* r, Floats m) {
+  const Flags wx_yz = NotNegative(r[7], r[5]);
+  const Flags wy_xz = NotNegative(r[2], r[6]);
+  const Flags wz_xy = NotNegative(r[3], r[1]);
+  const Flags wx_yz_wy_xz = __builtin_shufflevector(wx_yz, wy_xz, 0, 2, 4, 6);
+  const Flags with_w = Flags{-1, 0, 0, 0} | __builtin_shufflevector(wx_yz_wy_xz, wz_xy, 0, 0, 2, 4);
+  const Flags with_x = Flags{0, -1, 0, 0} | __builtin_shufflevector(wx_yz_wy_xz, wz_xy, 0, 0, 6, 3);
+  const Flags with_y = Flags{0, 0, -1, 0} | __builtin_shufflevector(wx_yz_wy_xz, wz_xy, 2, 6, 6, 1);
+  const Flags with_z = Flags{0, 0, 0, -1} | __builtin_shufflevector(wx_yz_wy_xz, wz_xy, 4, 3, 1, 1);
+
+  const Floats neighbour = __builtin_shufflevector(m, m, 1, 0, 3, 2);
+  const Floats pair = m > neighbour ? m : neighbour;
+  const Floats other_pair = __builtin_shufflevector(pair, pair, 2, 3, 0, 1);
+  const Flags largest = m >= (pair > other_pair ? pair : other_pair);
+  const Flags is_w = __builtin_shufflevector(largest, largest, 0, 0, 0, 0);
+  const Flags is_x = __builtin_shufflevector(largest, largest, 1, 1, 1, 1);
+  const Flags is_y = __builtin_shufflevector(largest, largest, 2, 2, 2, 2);
+  return Select(is_w, with_w, Select(is_x, with_x, Select(is_y, with_y, with_z)));
 }
 
 }  // namespace
 
 bool Ikfunc::ArmFk(Pos& arm_pos, Ori& arm_ori, double* joint_solve) {
   ikfast::IkReal eetrans[3];
-  ikfast::IkReal r[9];
-  ikfast::ComputeFk(joint_solve, eetrans, r);
+  ikfast::IkReal eerot[9];
+  ikfast::ComputeFk(joint_solve, eetrans, eerot);
 
-  const float w = Magnitude(r[0] + r[4] + r[8] + 1);
-  const float x = Magnitude(r[0] - r[4] - r[8] + 1);
-  const float y = Magnitude(r[4] - r[0] - r[8] + 1);
-  const float z = Magnitude(r[8] - r[0] - r[4] + 1);
-
-  // The largest magnitude is taken as positive; the others get the signs of their products with it.
-  double signs[4];
-  const double wx = SIGN(r[7] - r[5]);
-  const double wy = SIGN(r[2] - r[6]);
-  const double wz = SIGN(r[3] - r[1]);
-  const double xy = SIGN(r[3] + r[1]);
-  const double xz = SIGN(r[2] + r[6]);
-  const double yz = SIGN(r[7] + r[5]);
-  if (w >= x && w >= y && w >= z) {
-    signs[0] = 1.0, signs[1] = wx, signs[2] = wy, signs[3] = wz;
-  } else if (x >= w && x >= y && x >= z) {
-    signs[0] = wx, signs[1] = 1.0, signs[2] = xy, signs[3] = xz;
-  } else if (y >= w && y >= x && y >= z) {
-    signs[0] = wy, signs[1] = xy, signs[2] = 1.0, signs[3] = yz;
-  } else if (z >= w && z >= x && z >= y) {
-    signs[0] = wz, signs[1] = xz, signs[2] = yz, signs[3] = 1.0;
-  } else {  // a NaN compares with nothing
+  const Floats magnitude = Magnitudes(eerot);
+  const Doubles m = __builtin_convertvector(magnitude, Doubles);
+  const Doubles square = m * m;
+  const double norm = std::sqrt(square[0] + square[1] + square[2] + square[3]);
+  if (std::isnan(norm)) {  // so is a magnitude
     qal::WriteError(qal::kQuaternionError);
     return false;
   }
-  const double q[4] = {w * signs[0], x * signs[1], y * signs[2], z * signs[3]};
-  const double norm = NORM(q[0], q[1], q[2], q[3]);
-  const auto component = [norm](double value) {
-    return static_cast<double>(static_cast<float>(value / norm));
-  };
+  const Floats signed_m = Positive(eerot, magnitude) ? magnitude : -magnitude;
+  const Floats q =
+      __builtin_convertvector(__builtin_convertvector(signed_m, Doubles) / norm, Floats);
   arm_pos = Pos(eetrans[0], eetrans[1], eetrans[2]);
-  arm_ori = Ori(component(q[0]), component(q[1]), component(q[2]), component(q[3]));
+  arm_ori = Ori(static_cast<double>(q[0]), static_cast<double>(q[1]), static_cast<double>(q[2]),
+                static_cast<double>(q[3]));
   return true;
 }
 
