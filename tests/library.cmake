@@ -9,6 +9,7 @@ add_executable(
   kinematics/pose/scalars_test.cpp
   kinematics/solve/forward_test.cpp
   kinematics/solve/inverse_test.cpp
+  kinematics/solve/solution_list_test.cpp
   kinematics/trajectory/fixed_line_test.cpp
   kinematics/trajectory/joint_interpolation_test.cpp
   kinematics/trajectory/joint_trapezoid_test.cpp

@@ -24,20 +24,15 @@ bool FindNearest(const SolutionList& solutions, const double* reference, double 
                  double* nearest) {
   bool found = false;
   double nearest_distance = 0.0;  // also the mark of "none yet", as every caller counts on
-  const size_t count = solutions.GetNumSolutions();
-  for (size_t i = 0; i < count; ++i) {
-    const ikfast::IkSolutionBase<double>& solution = solutions.GetSolution(i);
-    if (solution.GetDOF() != kJointCount) continue;  // another arm's solver: never past six values
-    double joints[kJointCount];
-    solution.GetSolution(joints, nullptr);
+  solutions.ForEach([&](const double* joints) {
     const Judgement judgement = Judge(joints, reference, step_bound);
-    if (judgement.refusal != Refusal::kNone) continue;
+    if (judgement.refusal != Refusal::kNone) return;
     if (nearest_distance == 0.0 || judgement.distance < nearest_distance) {
       found = true;
       nearest_distance = judgement.distance;
       std::copy(joints, joints + kJointCount, nearest);
     }
-  }
+  });
   return found;
 }
 

@@ -2,11 +2,9 @@
 #define QAL_KINEMATICS_SOLVE_SOLVER_QUERY_H_
 
 #include "../../core/roadpoint.h"
-#include "../ikfast.h"
+#include "solution_list.h"
 
 namespace qal {
-
-using SolutionList = ikfast::IkSolutionList<ikfast::IkReal>;
 
 /// A waypoint's pose as the solver takes it; see `Ikfunc::CountEerotEetrans`.
 void EncodePose(const RoadPoint& point, double* eerot, double* eetrans);
