@@ -112,16 +112,14 @@ void Ikfunc::getJointStepLength(float joint_distance, int alljointruncount, int 
   }
   const double acc = distance / per_acc;
   const double max_speed = cycles_a * acc;
-  for (long long i = 1; i <= N; ++i) {
-    if (i <= a) {
-      result[i - 1] = (static_cast<double>(i) - 0.5) * qal::kShaftRadPerRpmTick *
-                      qal::kTicksPerCycle * acc / radio;
-    } else if (i <= a + M) {
-      result[i - 1] = max_speed * qal::kShaftRadPerRpmTick * qal::kTicksPerCycle / radio;
-    } else {
-      result[i - 1] = result[M + 2 * a - i];  // the ramp up, backwards
-    }
+  const double max_step = max_speed * qal::kShaftRadPerRpmTick * qal::kTicksPerCycle / radio;
+  long long i = 1;
+  for (; i <= std::min(a, N); ++i) {
+    result[i - 1] = (static_cast<double>(i) - 0.5) * qal::kShaftRadPerRpmTick *
+                    qal::kTicksPerCycle * acc / radio;
   }
+  for (; i <= std::min(a + M, N); ++i) result[i - 1] = max_step;
+  for (; i <= N; ++i) result[i - 1] = result[M + 2 * a - i];  // the ramp up, backwards
 }
 
 bool Ikfunc::CountRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
