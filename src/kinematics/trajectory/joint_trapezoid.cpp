@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -137,16 +138,20 @@ bool Ikfunc::CountRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
     return true;
   }
 
-  // Row j: how far joint j moves in each cycle [rad]. Rows of joints that stand still stay unused.
+  // Row j: how far joint j moves in each cycle [rad], with its sign.
   const std::unique_ptr<double[]> result(new double[qal::kJointCount * static_cast<size_t>(N)]);
   const auto row = [&](int j) { return result.get() + static_cast<ptrdiff_t>(j) * N; };
   for (int j = 0; j < qal::kJointCount; ++j) {
-    if (arm_run_joint[j] == 0.0f) continue;
+    if (!(std::fabs(arm_run_joint[j]) > 0.0f)) {  // NaN stands still as well
+      std::fill_n(row(j), N, 0.0);
+      continue;
+    }
     const double distance = std::fabs(static_cast<double>(arm_run_joint[j]));
     // -1: too far for this acceleration; the joint then runs a steeper triangle of N cycles.
     const int max_speed_count =
         std::max(caltimeslover(N, distance, qal::kCycleS, qal::GearRatio(j), max_acc), 0);
     getJointStepLength(arm_run_joint[j], N, max_speed_count, j, row(j), max_acc);
+    if (arm_run_joint[j] < 0.0f) std::transform(row(j), row(j) + N, row(j), std::negate<>());
   }
   qal::WriteLine(qal::kRunLine, N);
 
@@ -156,11 +161,7 @@ bool Ikfunc::CountRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
   double temp_dis[qal::kJointCount] = {};
   for (int i = 0; i < N - 1; ++i) {
     for (int j = 0; j < qal::kJointCount; ++j) {
-      if (arm_run_joint[j] > 0.0f) {
-        temp_dis[j] += row(j)[i];
-      } else if (arm_run_joint[j] < 0.0f) {
-        temp_dis[j] -= row(j)[i];
-      }  // NaN takes neither: the joint stays
+      temp_dis[j] += row(j)[i];
       temp_point.jointpos[j] = s_point.jointpos[j] + temp_dis[j];
     }
     qal::AppendWithPose(temp_point, *point_road);
