@@ -10,15 +10,6 @@ struct BadUsage {
   const char* line;
 };
 
-class Usage : public testing::TestWithParam<BadUsage> {};
-
-TEST_P(Usage, IsAnsweredInOneLine) {
-  const Outcome outcome = RunQal(GetParam().arguments);
-  EXPECT_EQ(2, outcome.status);
-  EXPECT_EQ("", outcome.out);
-  EXPECT_EQ(std::string(GetParam().line) + "\n", outcome.err);
-}
-
 #define FROM "line --from 0 0.3 0.2 0 1 0 "
 
 constexpr BadUsage kBadUsages[] = {
@@ -72,7 +63,14 @@ constexpr BadUsage kBadUsages[] = {
      "qal fk: --csv - and --json: only one of them can have standard output"},
 };
 
-INSTANTIATE_TEST_SUITE_P(All, Usage, testing::ValuesIn(kBadUsages));
+TEST(Usage, BadOneIsAnsweredInOneLine) {
+  for (const BadUsage& bad : kBadUsages) {
+    const Outcome outcome = RunQal(bad.arguments);
+    EXPECT_EQ(2, outcome.status) << bad.arguments;
+    EXPECT_EQ("", outcome.out) << bad.arguments;
+    EXPECT_EQ(std::string(bad.line) + "\n", outcome.err) << bad.arguments;
+  }
+}
 
 // Anything a solver throws ends in one line, and what it prints doesn't get into the data.
 TEST(Solver, ThatMisbehavesIsContained) {
