@@ -29,6 +29,11 @@ test: test-deps
 	cmake --build --preset dev
 	ctest --preset dev
 
+## Static analysis of src, solver and tools; `make test` includes it.
+lint: test-deps
+	cmake --preset dev
+	ctest --preset dev -R '^Lint'
+
 ## Draws the pictures of the docs from real output.
 figures: demo
 	packaging/install-deps python3-matplotlib

@@ -70,7 +70,7 @@ class IkSolution : public IkSolutionBase<T> {
   /// A joint that follows a free parameter is taken back into (-pi, pi]. Without `freevalues` the
   /// free parameters are taken as 0, which is a solution as good as any other.
   void GetSolution(T* solution, const T* freevalues) const override {
-    const T pi = T(3.14159265358979323846);
+    const T pi = static_cast<T>(3.14159265358979323846);
     for (size_t i = 0; i < _vbasesol.size(); ++i) {
       const IkSingleDOFSolutionBase<T>& joint = _vbasesol[i];
       solution[i] = joint.foffset;

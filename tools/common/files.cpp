@@ -6,8 +6,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include "error.h"
 
@@ -16,7 +16,8 @@ namespace qal::tools {
 namespace {
 
 [[noreturn]] void Fail(std::string_view action, const std::string& path, int error) {
-  throw UsageError(fmt::format("cannot {} {}: {}", action, path, std::strerror(error)));
+  throw UsageError(
+      fmt::format("cannot {} {}: {}", action, path, std::system_category().message(error)));
 }
 
 // 0, or the error that stopped it.

@@ -66,6 +66,7 @@ bool Ikfunc::CountLineToBuffer(RoadPoint s_point, RoadPoint e_point, int step_co
       orientation->y = SectionFourNum(orientation->y);
       orientation->z = SectionFourNum(orientation->z);
     }
+    // cppcheck-suppress knownConditionTrueFalse  ; it doesn't see that the loop has changed both
     if (!(s_point.orientation == e_point.orientation)) {
       ReportNoPair(s_point, e_point);
       return false;
