@@ -14,18 +14,6 @@ endforeach()
 add_test(NAME Abi.IncludeDirections COMMAND ${CMAKE_COMMAND} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
                                             -P ${abi}/include_directions.cmake)
 
-# A solver with a copy of the interface of its own, loaded in place of the one linked against.
-configure_file(${PROJECT_SOURCE_DIR}/src/kinematics/ikfast.h foreign/ikfast.h COPYONLY)
-add_library(qal_foreign_ik SHARED abi/foreign_solver.cpp)
-target_include_directories(qal_foreign_ik PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/foreign)
-target_compile_options(qal_foreign_ik PRIVATE -O0)
-set_target_properties(qal_foreign_ik PROPERTIES OUTPUT_NAME ik LIBRARY_OUTPUT_DIRECTORY foreign)
-add_executable(qal_foreign_client abi/foreign_client.cpp)
-target_link_libraries(qal_foreign_client PRIVATE qal_build_options QAL_kinematics)
-add_test(NAME Abi.ForeignSolver
-         COMMAND ${CMAKE_COMMAND} -DCLIENT=$<TARGET_FILE:qal_foreign_client>
-                 -DFOREIGN=$<TARGET_FILE:qal_foreign_ik> -P ${abi}/foreign_solver.cmake)
-
 # Every header by itself, and every source, with either include root.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src
      ${PROJECT_SOURCE_DIR}/src/*.h)

@@ -1,4 +1,4 @@
-# Runs the client against the foreign solver and looks at every symbol bound between the libraries.
+# Runs the client with the foreign solver and looks at every symbol bound between the libraries.
 #   cmake -DCLIENT=... -DFOREIGN=... -P foreign_solver.cmake
 
 execute_process(COMMAND nm -D --defined-only ${FOREIGN} OUTPUT_VARIABLE symbols)
