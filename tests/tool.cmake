@@ -8,16 +8,13 @@ target_link_libraries(qal_measure_test PRIVATE qal_tool GTest::gtest_main)
 gtest_discover_tests(qal_measure_test)
 
 # The tool as a process, also with a solver that misbehaves in place of the reference arm's.
-add_library(qal_odd_solver SHARED tool/odd_solver.cpp)
-set_target_properties(qal_odd_solver PROPERTIES OUTPUT_NAME ik LIBRARY_OUTPUT_DIRECTORY
-                                                               ${PROJECT_BINARY_DIR}/odd_solver)
 add_executable(qal_command_test tool/run_qal.cpp tool/usage_test.cpp
                                 tool/kinematics_commands_test.cpp tool/move_commands_test.cpp
                                 tool/file_commands_test.cpp)
 target_compile_definitions(
   qal_command_test PRIVATE QAL_BINARY="$<TARGET_FILE:qal>"
-                           QAL_ODD_SOLVER_DIR="${PROJECT_BINARY_DIR}/odd_solver")
+                           QAL_FOREIGN_SOLVER_DIR="${foreign}/g_O0")
 target_link_libraries(qal_command_test PRIVATE qal_build_options nlohmann_json::nlohmann_json
                                                GTest::gtest_main)
-add_dependencies(qal_command_test qal qal_odd_solver)
+add_dependencies(qal_command_test qal qal_foreign_g_O0)
 gtest_discover_tests(qal_command_test)

@@ -1,4 +1,7 @@
+#include <cstdio>
 #include <cstdlib>
+#include <iostream>
+#include <new>
 #include <stdexcept>
 #include <string>
 
@@ -16,9 +19,14 @@ bool Does(const char* fault) {
   return chosen != nullptr && chosen == std::string(fault);
 }
 
-void MayThrow() {
-  if (Does("throws")) throw std::runtime_error("no way");
+void Misbehave() {
+  if (Does("throws")) throw std::runtime_error("no\nway");
   if (Does("throws an int")) throw 42;
+  if (Does("has no memory")) throw std::bad_alloc();
+  if (Does("prints")) {
+    std::puts("solver by printf");
+    std::cout << "solver by stream" << std::endl;
+  }
 }
 
 }  // namespace
@@ -27,7 +35,7 @@ namespace ikfast {
 
 bool ComputeIk(const IkReal* eetrans, const IkReal* /*eerot*/, const IkReal* /*pfree*/,
                IkSolutionListBase<IkReal>& solutions) {
-  MayThrow();
+  Misbehave();
   solutions.Clear();  // as generated solvers do
   if (Does("finds nothing and returns true")) return true;
   const size_t count = Does("has four joints") ? 4 : Does("has seven joints") ? 7 : 6;
@@ -49,10 +57,13 @@ bool ComputeIk(const IkReal* eetrans, const IkReal* /*eerot*/, const IkReal* /*p
 
 #ifndef QAL_WITHOUT_FORWARD
 void ComputeFk(const IkReal* joints, IkReal* eetrans, IkReal* eerot) {
-  MayThrow();
+  Misbehave();
   for (int i = 0; i < 3; ++i) eetrans[i] = joints[i];
   for (int i = 0; i < 9; ++i) eerot[i] = i % 4 == 0 ? 1.0 : 0.0;
 }
 #endif
+
+int GetNumJoints() { return Does("is for seven joints") ? 7 : 6; }
+int GetNumFreeParameters() { return Does("is for a free joint") ? 1 : 0; }
 
 }  // namespace ikfast

@@ -72,25 +72,38 @@ TEST(Usage, BadOneIsAnsweredInOneLine) {
   }
 }
 
-// Anything a solver throws ends in one line, and what it prints doesn't get into the data.
-TEST(Solver, ThatMisbehavesIsContained) {
-  const auto run = [](const std::string& odd) {
-    return RunQal("fk --joints 0 0 0 0 0 0 --json",
-                  {"LD_LIBRARY_PATH=" QAL_ODD_SOLVER_DIR, "ODD_SOLVER=" + odd});
+// Whatever is wrong with a solver ends in one line that names it, and what it prints doesn't get
+// into the data.
+TEST(Solver, ThatMisbehavesIsNamed) {
+  const auto run = [](const std::string& fault) {
+    return RunQal("ik --pose 0.1 0.2 0.3 1 0 0 0 --json",
+                  {"LD_LIBRARY_PATH=" QAL_FOREIGN_SOLVER_DIR, "QAL_FOREIGN_FAULT=" + fault});
   };
   const Outcome prints = run("prints");
   EXPECT_EQ(0, prints.status);
   EXPECT_EQ('{', prints.out[0]) << prints.out;
-  EXPECT_EQ("solver by stream\nsolver by printf\n", prints.err);
-  const std::pair<const char*, const char*> thrown[] = {
-      {"throws a number", "unexpected error of an unknown kind, from the solver"},
-      {"throws", "unexpected error: two lines"},
-      {"has no memory", "out of memory"}};
-  for (const auto& [odd, line] : thrown) {
-    const Outcome outcome = run(odd);
-    EXPECT_EQ(1, outcome.status);
+  EXPECT_EQ(0, prints.err.find("solver by stream\n"));
+  const std::string path = QAL_FOREIGN_SOLVER_DIR "/libik.so";
+  const std::string thrown = " (solver: " + path + ")";
+  const std::string more = "; ikcheck " + path + " tells more";
+  const std::tuple<const char*, int, std::string> faults[] = {
+      {"throws an int", 1, "unexpected error of an unknown kind" + thrown},
+      {"throws", 1, "unexpected error: no way" + thrown},
+      {"has no memory", 1, "out of memory"},
+      {"is for seven joints", 2, path + ": the solver has 7 joints, 6 are expected" + more},
+      {"is for a free joint", 2,
+       path + ": the solver has free parameters, none is expected" + more},
+      {"has four joints", 2,
+       path + ": the solver gives solutions of 4 joints, 6 are expected" + more},
+      {"finds nothing and returns true", 2,
+       path + ": the solver says that there are solutions and gives none" + more},
+      {"finds joints and returns false", 2,
+       path + ": the solver gives solutions and says that there are none" + more}};
+  for (const auto& [fault, status, line] : faults) {
+    const Outcome outcome = run(fault);
+    EXPECT_EQ(status, outcome.status);
     EXPECT_EQ("", outcome.out);
-    EXPECT_EQ(std::string("qal fk: ") + line + "\n", outcome.err);
+    EXPECT_EQ("qal ik: " + line, LastLine(outcome.err));
   }
 }
 

@@ -1,7 +1,6 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <csignal>
 #include <exception>
 #include <new>
 #include <sstream>
@@ -11,6 +10,7 @@
 #include "../common/messages.h"
 #include "arguments.h"
 #include "commands.h"
+#include "solver_check.h"
 
 namespace {
 
@@ -24,6 +24,7 @@ void Describe(CLI::App& app) {
   app.footer("qal COMMAND --help describes a command, with an example.");
   app.set_version_flag("--version", "qal " QAL_VERSION);
   app.require_subcommand(0, 1);
+  app.parse_complete_callback(CheckSolver);
   for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddConvert, AddVerify}) add(app);
 }
 
@@ -53,9 +54,9 @@ void Run(CLI::App& app, int argc, char** argv) {
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
-  // A reader that closes the pipe early is no fault; the write says so.
-  (void)std::signal(SIGPIPE, SIG_IGN);
+  KeepWriteSignalsAway();
   CLI::App app;
   std::string who = "qal";
   const auto command = [&app, &who] {
@@ -74,9 +75,11 @@ int main(int argc, char** argv) {
   } catch (const std::bad_alloc&) {
     SayOnError(command(), "out of memory");
   } catch (const std::exception& error) {
-    SayOnError(command(), fmt::format("unexpected error: {}", error.what()));
+    SayOnError(command(),
+               fmt::format("unexpected error: {} (solver: {})", error.what(), SolverPath()));
   } catch (...) {  // a solver may throw anything
-    SayOnError(command(), "unexpected error of an unknown kind, from the solver");
+    SayOnError(command(),
+               fmt::format("unexpected error of an unknown kind (solver: {})", SolverPath()));
   }
   return kFailed;
 }

@@ -12,6 +12,7 @@
 #include "../common/messages.h"
 #include "agreement.h"
 #include "output.h"
+#include "solver_check.h"
 
 namespace qal::tools {
 
@@ -46,7 +47,10 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
                                     double bound_rad, const Units& units) {
   SolutionList list;
   std::vector<Solution> solutions;
-  if (!AskSolver(target, list)) return solutions;
+  if (!AskSolver(target, list)) {
+    if (list.GetNumSolutions() > 0) BlameSolver("gives solutions and says that there are none");
+    return solutions;
+  }
   Joints nearest;
   const bool found_nearest = FindNearest(list, reference, bound_rad, nearest.data());
   const size_t count = list.GetNumSolutions();
@@ -64,6 +68,11 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
     solution.verdict = Verdict(judgement, solution.joints_rad, reference, bound_rad, units);
     solution.chosen = found_nearest && solution.joints_rad == nearest;
     solutions.push_back(solution);
+  }
+  if (solutions.empty()) {
+    BlameSolver(count == 0 ? "says that there are solutions and gives none"
+                           : fmt::format("gives solutions of {} joints, 6 are expected",
+                                         list.GetSolution(0).GetDOF()));
   }
   return solutions;
 }
