@@ -6,14 +6,19 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <system_error>
 
 #include "error.h"
+#include "held_signals.h"
 
 namespace qal::tools {
 
 namespace {
+
+// An hour of motion with every column, 606 bytes each cycle, is 0.8 of this.
+constexpr size_t kLargestFileBytes = size_t{1} << 29;
 
 [[noreturn]] void Fail(std::string_view action, const std::string& path, int error) {
   throw UsageError(
@@ -35,12 +40,19 @@ int WriteAll(int descriptor, std::string_view content) {
 
 // 0, or the error that stopped it. Closes the descriptor either way.
 int WriteAndClose(int descriptor, std::string_view content) {
-  const int error = WriteAll(descriptor, content);
+  int error = WriteAll(descriptor, content);
+  // A full disk or a lost one may show only now. What has no disk under it says EINVAL.
+  if (error == 0 && ::fsync(descriptor) != 0 && errno != EINVAL) error = errno;
   if (::close(descriptor) != 0 && error == 0) return errno;
   return error;
 }
 
 }  // namespace
+
+void KeepWriteSignalsAway() {
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  (void)std::signal(SIGXFSZ, SIG_IGN);
+}
 
 std::string ReadFile(const std::string& path) {
   const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -51,6 +63,11 @@ std::string ReadFile(const std::string& path) {
     const ssize_t count = ::read(descriptor, block.data(), block.size());
     if (count > 0) {
       content.append(block, 0, static_cast<size_t>(count));
+      if (content.size() > kLargestFileBytes) {
+        (void)::close(descriptor);
+        throw UsageError(
+            fmt::format("cannot read {}: larger than {} MiB", path, kLargestFileBytes >> 20));
+      }
     } else if (count == 0) {
       break;
     } else if (errno != EINTR) {
@@ -76,6 +93,8 @@ void WriteFile(const std::string& path, std::string_view content) {
   std::error_code unresolved;
   const std::filesystem::path resolved = std::filesystem::canonical(path, unresolved);
   const std::string target = unresolved ? path : resolved.string();
+  // Stopped in between, the file beside would stay.
+  const HeldSignals held;
   std::string beside = target + ".XXXXXX";
   const int descriptor = ::mkostemp(beside.data(), O_CLOEXEC);
   if (descriptor < 0) Fail("write", path, errno);

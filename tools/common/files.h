@@ -6,18 +6,24 @@
 
 namespace qal::tools {
 
+/// Lets a write that can't go on say so (a closed pipe, a limit on file sizes), where otherwise a
+/// signal ends the process. Before the first of these.
+void KeepWriteSignalsAway();
+
 /// The content of a file.
-/// @throw UsageError "cannot read PATH: REASON"; a folder is no file
+/// @throw UsageError "cannot read PATH: REASON"; a folder is no file, and one of more than 512 MiB
+///        is none of ours
 std::string ReadFile(const std::string& path);
 
 /// Writes a file as a whole: beside it first, then renamed, so that a failure leaves what stood
-/// there before and nothing half written. A link stays, and what it leads to is replaced. What is
-/// no regular file (a device, a pipe) is written in place.
+/// there before and nothing half written; a stop (Ctrl-C) waits until that is done. A link stays,
+/// and what it leads to is replaced. What is no regular file (a device, a pipe) is written in
+/// place.
 /// @throw UsageError "cannot write PATH: REASON"
 void WriteFile(const std::string& path, std::string_view content);
 
 /// Writes to standard output. A reader that has closed its end of the pipe has all it wanted: no
-/// error (the process has to ignore SIGPIPE).
+/// error.
 /// @throw UsageError "cannot write standard output: REASON"
 void WriteStandardOutput(std::string_view content);
 
