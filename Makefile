@@ -4,13 +4,13 @@
 BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
               libyaml-dev nlohmann-json3-dev
 BENCH_DEPS := libbenchmark-dev liborocos-kdl-dev python3 valgrind
-TEST_DEPS := libgtest-dev pkg-config $(BENCH_DEPS)
+TEST_DEPS := libgtest-dev pkg-config abigail-tools clang-tidy cppcheck $(BENCH_DEPS)
 
 # What the reference arm can do, and how far a point's joints may be off its pose.
 DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
                --max-position-error 1e-6 --max-orientation-error 1e-6
 
-.PHONY: demo test figures bench bench-check build-deps test-deps bench-deps clean
+.PHONY: demo test lint coverage figures bench bench-check build-deps test-deps bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -33,6 +33,14 @@ test: test-deps
 lint: test-deps
 	cmake --preset dev
 	ctest --preset dev -R '^Lint'
+
+## Lines and branches of src and solver that the tests reach.
+coverage: test-deps
+	packaging/install-deps gcovr
+	cmake --preset coverage
+	cmake --build --preset coverage
+	ctest --preset coverage
+	gcovr --branches build/coverage
 
 ## Draws the pictures of the docs from real output.
 figures: demo

@@ -1,6 +1,6 @@
 # Static analysis of what ships, where the tools are installed; `make lint` runs just these. Tests
 # run under the sanitizers instead.
-if(CMAKE_CXX_FLAGS MATCHES "-fsanitize" OR NOT CMAKE_EXPORT_COMPILE_COMMANDS)
+if(NOT CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo OR NOT CMAKE_EXPORT_COMPILE_COMMANDS)
   return()
 endif()
 find_program(QAL_RUN_CLANG_TIDY run-clang-tidy)

@@ -18,3 +18,9 @@ target_link_libraries(qal_command_test PRIVATE qal_build_options nlohmann_json::
                                                GTest::gtest_main)
 add_dependencies(qal_command_test qal qal_foreign_g_O0)
 gtest_discover_tests(qal_command_test)
+
+# Sanitizers need more memory than the limits here leave.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  add_test(NAME Tool.Faults COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tool/faults.sh $<TARGET_FILE:qal>
+                                    $<TARGET_FILE:mkik>)
+endif()

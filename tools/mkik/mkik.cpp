@@ -69,12 +69,11 @@ void Run(const Arguments& arguments) {
   }
   const std::string summary = arguments.json ? SummaryJson(arm, model, verification).dump(2) + '\n'
                                              : SummaryText(arm, model, verification);
-  if (std::fputs(summary.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-    throw UsageError("cannot write standard output");
-  }
+  WriteStandardOutput(summary);
 }
 
 int Main(int argc, char** argv) {
+  KeepWriteSignalsAway();
   CLI::App app(
       "Makes a closed-form solver library, libik.so, of an arm's description.\n"
       "Exit status: 0 done; 1 the arm has no closed form here, or no compiler works; 2 bad usage.");
