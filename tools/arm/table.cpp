@@ -169,14 +169,14 @@ class TableReader {
     return lines;
   }
 
-  // Joint j: Rz(theta) Tz(d) Tx(a) Rx(alpha); modified: Rx(alpha) Tx(a) Rz(theta) Tz(d).
+  // Joint j: Rz(theta) Tz(d) Tx(a) Rx(alpha); modified: Rx(alpha) Tx(a) Rz(theta) Tz(d). Turns about
+  // an axis and moves along it may change places.
   static void DenavitHartenberg(const std::vector<JointLine>& lines, bool modified,
                                 std::array<Frame, 6>& before, std::array<Frame, 6>& after,
                                 std::array<Vector3, 6>& axes) {
     for (size_t j = 0; j < 6; ++j) {
       const JointLine& line = lines[j];
-      const Frame link = modified ? Turned(kX, line.alpha) * Moved(line.a, 0, 0)
-                                  : Moved(line.a, 0, 0) * Turned(kX, line.alpha);
+      const Frame link = Moved(line.a, 0, 0) * Turned(kX, line.alpha);
       const Frame joint = Turned(kZ, line.theta) * Moved(0, 0, line.d);
       before[j] = modified ? link : kIdentity;
       after[j] = modified ? joint : joint * link;

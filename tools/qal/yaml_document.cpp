@@ -58,8 +58,8 @@ YamlDocument::YamlDocument(std::string_view text) {
   document_ = parser.Load();
   if (document_ == nullptr) RefuseLine(1, "the file is empty");
   while (Pointer next = parser.Load()) {
-    const YamlNode root(next.get(), yaml_document_get_root_node(next.get()));
-    if (root.Scalar() != "") root.Refuse("a second document begins; one trajectory was expected");
+    const YamlNode other(next.get(), yaml_document_get_root_node(next.get()));
+    if (other.Scalar() != "") other.Refuse("a second document begins; one trajectory was expected");
   }
 }
 
