@@ -2,7 +2,6 @@
 add_executable(
   qal_library_test
   core/value_types_test.cpp
-  kinematics/extremes_test.cpp
   kinematics/ikfast_test.cpp
   kinematics/pose/euler_test.cpp
   kinematics/pose/frame_moves_test.cpp

@@ -1,9 +1,7 @@
 #include <cstddef>
-#include <iomanip>
 #include <iostream>
 #include <type_traits>
 
-#include "captured.h"
 #include "waypoints.h"
 
 // Binary interface: callers built earlier rely on sizes, offsets and on how each type is passed by

@@ -16,6 +16,9 @@ using BoolOutcome = Outcome<bool>;
 inline const BoolOutcome kSilentTrue(true, "", "");
 inline const BoolOutcome kSilentFalse(false, "", "");
 
+/// What the operations that ask the solver write when it finds nothing.
+inline const std::string kUnsolved = "Failed to get  ik solution ArmJointIK \n";
+
 /// Runs `call` and says all that came of it, as seen at file descriptors 1 and 2.
 template <typename Call>
 auto Captured(Call call) {

@@ -1,7 +1,6 @@
 #include "scripted_solver.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "kinematics/ikfast.h"
 
@@ -10,10 +9,6 @@ SolverScript script;
 SolverPose GantryForward(const Joints& joints) {
   return {joints[0], joints[1], joints[2], 1, 0, 0, 0, 1, 0, 0, 0, 1};
 }
-
-Answer Found(std::vector<std::vector<double>> solutions) { return {true, std::move(solutions)}; }
-
-Answer Nothing() { return {false, {}}; }
 
 Answer GantryInverse(const SolverPose& target) {
   return Found({{target[0], target[1], target[2], 0, 0, 0}});
@@ -28,13 +23,9 @@ bool ComputeIk(const IkReal* eetrans, const IkReal* eerot, const IkReal* pfree,
   std::copy(eerot, eerot + 9, std::copy(eetrans, eetrans + 3, target.begin()));
   script.asked.push_back(target);
 
-  Answer answer;
-  if (script.answers.empty()) {
-    answer = script.inverse(target);
-  } else {
-    answer = script.answers.front();
-    script.answers.pop_front();
-  }
+  const bool scripted = !script.answers.empty();
+  const Answer answer = scripted ? script.answers.front() : script.inverse(target);
+  if (scripted) script.answers.pop_front();
   for (const std::vector<double>& solution : answer.solutions) {
     std::vector<IkSingleDOFSolutionBase<IkReal>> joints(solution.size());
     for (size_t j = 0; j < joints.size(); ++j) joints[j].foffset = solution[j];

@@ -25,8 +25,8 @@ struct Answer {
   bool found;
   std::vector<std::vector<double>> solutions;
 };
-Answer Found(std::vector<std::vector<double>> solutions);
-Answer Nothing();
+inline Answer Found(const std::vector<std::vector<double>>& solutions) { return {true, solutions}; }
+inline Answer Nothing() { return {false, {}}; }
 /// One solution: the coordinates, then zeros.
 Answer GantryInverse(const SolverPose& target);
 
@@ -42,6 +42,23 @@ extern SolverScript script;
 class ScriptedSolver : public testing::Test {
  protected:
   void SetUp() override { script = SolverScript(); }
+
+  /// Lets the gantry answer so many questions, then not so many, then again.
+  static void FindNothing(size_t answered, size_t unanswered) {
+    script.asked.clear();
+    script.inverse = [=](const SolverPose& target) {
+      // This question is among those asked; size_t wraps for the first ones.
+      const size_t place = script.asked.size() - 1 - answered;
+      return place < unanswered ? Nothing() : GantryInverse(target);
+    };
+  }
+
+  /// The gantry, but with joint 4 there.
+  static void MoveJoint4(double angle) {
+    script.inverse = [=](const SolverPose& target) {
+      return Found({{target[0], target[1], target[2], angle, 0, 0}});
+    };
+  }
 };
 
 #endif  // QAL_TESTS_SUPPORT_SCRIPTED_SOLVER_H_

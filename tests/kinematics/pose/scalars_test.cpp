@@ -15,24 +15,14 @@ TEST(Scalars, TakeTheSignOfZeroAsPlusAndOfNanAsMinus) {
 // Half a unit is added, the fraction is cut toward zero, and the unit is 1e-6 (1e-4) held in single
 // precision. A scaled value of 2147483648 and more, or of -2147483649 and less, doesn't fit.
 TEST(Scalars, CutDecimalsWhereTheyFit) {
-  const Cases six = {{1.0, 0.9999999974752427},
-                     {1.2345678, 1.2345679968830154},
-                     {-1.2345678, -1.234566996883018},
-                     {0.5, 0.49999999873762135},
-                     {-1.6e-06, -9.999999974752427e-07},
-                     {-1.4e-06, 0.0},
-                     {2147.4836475, 2147.4836475},
-                     {2147.483647, 2147.483641578125},
-                     {-2147.4836496, -2147.4836496},
-                     {-2147.4836489, -2147.483642578125},
-                     {kInfinity, kInfinity},
-                     {-kInfinity, -kInfinity}};
+  const Cases six = {{1.2345678, 1.2345679968830154}, {-1.2345678, -1.234566996883018},
+                     {0.5, 0.49999999873762135},      {-1.4e-06, 0.0},
+                     {2147.4836475, 2147.4836475},    {2147.483647, 2147.483641578125},
+                     {-2147.4836496, -2147.4836496},  {-2147.4836489, -2147.483642578125},
+                     {kInfinity, kInfinity},          {-kInfinity, -kInfinity}};
   for (const auto& [number, cut] : six) EXPECT_EQ(Ikfunc::SectionNum(number), cut) << number;
   EXPECT_TRUE(std::isnan(Ikfunc::SectionNum(kNan)));
-  const Cases four = {{1.0, 0.9999999747378752},
-                      {0.70716, 0.7071999821346253},
-                      {-0.70716, -0.7070999821371515},
-                      {300000.0, 300000.0}};
+  const Cases four = {{0.70716, 0.7071999821346253}, {-0.70716, -0.7070999821371515}};
   for (const auto& [number, cut] : four) EXPECT_EQ(hidden::SectionFourNum(number), cut) << number;
 }
 

@@ -1,5 +1,3 @@
-#include "captured.h"
-#include "kinematics/ikfunc.h"
 #include "waypoints.h"
 
 namespace {
@@ -8,19 +6,19 @@ using Rotation = std::array<double, 9>;
 
 class Forward : public ScriptedSolver {
  protected:
-  // From here on the solver answers `rotation`.
-  static void AnswerWith(const Rotation& rotation) {
+  static std::array<double, 4> QuaternionOf(const Rotation& rotation) {
+    RoadPoint point;
+    EXPECT_EQ(Forwarded(rotation, point), kSilentTrue);
+    return All(point.orientation);
+  }
+  // What comes of forward kinematics when the solver answers `rotation`.
+  static BoolOutcome Forwarded(const Rotation& rotation, RoadPoint& point) {
     script.forward = [rotation](const Joints& q) {
       SolverPose pose = GantryForward(q);
       std::copy(rotation.begin(), rotation.end(), pose.begin() + 3);
       return pose;
     };
-  }
-  static std::array<double, 4> QuaternionOf(const Rotation& rotation) {
-    AnswerWith(rotation);
-    RoadPoint point;
-    EXPECT_TRUE(Ikfunc::ArmFk(point));
-    return All(point.orientation);
+    return Captured([&] { return Ikfunc::ArmFk(point); });
   }
 };
 
@@ -40,19 +38,15 @@ TEST_F(Forward, GivesTiesToTheEarlierComponentAndTakesZerosAsPlus) {
 
 // Every largest component with every sign of the others: q comes back, its largest part positive.
 TEST_F(Forward, TakesSignsThatFitTheLargestComponent) {
-  for (int largest = 0; largest < 4; ++largest) {
-    for (int signs = 0; signs < 16; signs += 2) {
-      std::array<double, 4> q;
-      for (int k = 0; k < 4; ++k) {
-        q[static_cast<size_t>((largest + k) % 4)] =
-            ((signs >> k & 1) != 0 ? 2 * k - 7 : 7 - 2 * k) / std::sqrt(49.0 + 25 + 9 + 1);
-      }
-      const auto [w, x, y, z] = q;
-      ExpectNear(QuaternionOf({1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y),
-                               2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x),
-                               2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}),
-                 q, 2e-7);
-    }
+  for (size_t i = 0; i < 32; ++i) {
+    std::array<double, 4> q = {7, i & 1 ? 5.0 : -5.0, i & 2 ? 3.0 : -3.0, i & 4 ? 1.0 : -1.0};
+    for (double& part : q) part /= std::sqrt(49.0 + 25 + 9 + 1);
+    std::rotate(q.begin(), q.begin() + i / 8, q.end());
+    const auto [w, x, y, z] = q;
+    ExpectNear(QuaternionOf({1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y),
+                             2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x),
+                             2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}),
+               q, 2e-7);
   }
 }
 
@@ -65,13 +59,11 @@ TEST_F(Forward, RoundsEachStepToSinglePrecision) {
 
 TEST_F(Forward, OverwritesThePoseAloneAndNothingWhenTheMatrixIsNoNumber) {
   RoadPoint point = From({7, 8, 9, 1, 0, 0, 0, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 1});
-  const auto forward = [&] { return Ikfunc::ArmFk(point); };
-  AnswerWith({1, 0, 0, 0, -1, 0, 0, 0, -1});
-  EXPECT_EQ(Captured(forward), kSilentTrue);
+  EXPECT_EQ(Forwarded({1, 0, 0, 0, -1, 0, 0, 0, -1}, point), kSilentTrue);
   const Numbers expected = {0.1, 0.2, 0.3, 0, 1, 0, 0, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 1};
   EXPECT_EQ(All(point), expected);
-  AnswerWith({1, 0, 0, 0, 1, 0, 0, 0, kNan});
-  EXPECT_EQ(Captured(forward), BoolOutcome(false, "", "Error while converting to quaternion!\n"));
+  EXPECT_EQ(Forwarded({1, 0, 0, 0, 1, 0, 0, 0, kNan}, point),
+            BoolOutcome(false, "", "Error while converting to quaternion!\n"));
   EXPECT_EQ(All(point), expected);
 }
 
