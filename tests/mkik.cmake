@@ -10,3 +10,9 @@ target_link_libraries(qal_mkik_test PRIVATE qal_mkik ${orocos_kdl_LIBRARIES} tin
                                             GTest::gtest_main)
 add_dependencies(qal_mkik_test mkik)
 gtest_discover_tests(qal_mkik_test)
+
+# What docs/your-arm.md says is what happens.
+add_test(NAME Mkik.DoesWhatItsDocumentShows
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh
+                 ${PROJECT_SOURCE_DIR}/docs/your-arm.md
+                 ${PROJECT_SOURCE_DIR}/arms/bench_parallel.urdf ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} 5)

@@ -199,6 +199,23 @@ INSTANTIATE_TEST_SUITE_P(Arms, EveryArm, testing::ValuesIn(kArmFiles),
                            return file.substr(0, file.find('.'));
                          });
 
+// Everything at once: the wrist's centre on axis 1 and on axis 2, axis 6 along axis 4 or axis 2.
+TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
+  closed_form::SphericalWristArm spherical = {};
+  spherical.body = {kIdentity, 0, 0, 0.5, 0.5, kIdentity.rotation, {}, {1, 1, 1, 1, 1, 1}, {}};
+  spherical.lean = spherical.skew = {0, 1};
+  const closed_form::ParallelAxesArm parallel = {spherical.body, 0, 0};
+  const auto expect_reached = [](const auto& arm) {
+    const Solutions solutions = closed_form::Solve(arm, kIdentity);
+    EXPECT_GT(solutions.Count(), 0u);
+    for (const Joints& solution : solutions) {
+      EXPECT_LE(LargestDifference(Forward(arm, solution.data()), kIdentity), 1e-15);
+    }
+  };
+  expect_reached(spherical);
+  expect_reached(parallel);
+}
+
 // One solving code: the library's own solver is what mkik makes of the reference arm's URDF.
 TEST(ReferenceArm, IsTheModelOfItsUrdf) {
   const Model model = FindFamily(ReadArm(ArmPath("reference.urdf"), {}));

@@ -90,7 +90,7 @@ TEST(Family, IsNotGuessedButRefusedWithTheAxesThatKeepTheArmOut) {
       {"reference.urdf", "joint_3", "0 1 0", "0 1 1e-7", "no closed form for this arm. Not a spherical wrist: axes 2 and 3 are 1e-07 rad off parallel. Not..."},
       {"reference.urdf", "joint_2", "0 1 0", "0 1 0.1", "no closed form for this arm. Not a spherical wrist: axes 1 and 2 are 5.711 degrees off a right angle, axes 2 and 3 are 5.711 degrees off parallel. Not..."},
       {"reference.urdf", "joint_3", "0 0 0.400", "0 0.4 0", "no closed form for this arm. Not a spherical wrist: axes 2 and 3 are only 0 m apart. Not..."},
-      {"bench_parallel.urdf", "\"wrist_3\" type", "0 0 0.0795", "1e-7 0 0.0795", "no closed form for this arm. Not a spherical wrist: axis 6 and the point where axes 4 and 5 meet are 0.0795 m apart. Not three parallel axes: axes 5 and 6 are 1e-07 m apart. Angles..."},
+      {"bench_parallel.urdf", "\"joint_6\" type", "0 0 0.0795", "1e-7 0 0.0795", "no closed form for this arm. Not a spherical wrist: axis 6 and the point where axes 4 and 5 meet are 0.0795 m apart. Not three parallel axes: axes 5 and 6 are 1e-07 m apart. Angles..."},
       {"bench_spherical.urdf", "joint_2", "1.5707963267948966", "1.5708", "no closed form for this arm. Not a spherical wrist: axes 1 and 2 are 3.67e-06 rad off a right angle. Not three parallel axes: axes 1 and 2 are 3.67e-06 rad off a right angle, axes 3 and 4 are 90 degrees off parallel. Angles between axes: 1-2 89.9998, 2-3 0, 3-4 90, 4-5 90, 5-6 90 degrees (tolerance 1e-10 rad, 1e-10 m). Angles that look rounded, as 1.5708 does: 1; --exact-angles reads them as the multiples of 15 degrees that they stand for."},
   };
   for (const Change& change : changes) ExpectRefused<Failure>(change);
@@ -128,8 +128,8 @@ TEST(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
   EXPECT_EQ(tip("<link name='gripper'/><link name='tool0'/><joint name='t' type='fixed'>"
                 "<parent link='flange'/><child link='tool0'/></joint>"),
             "tool0");
-  const Change nameless = {"bench_parallel.urdf", "\"wrist_3\" type", "wrist_3\"/>",
-                           "wrist_3\"/><!-- -->", ""};
+  const Change nameless = {"bench_parallel.urdf", "\"joint_6\" type", "link_6\"/>",
+                           "link_6\"/><!-- -->", ""};
   EXPECT_EQ(Read(nameless.file, Changed(nameless), {}).tip, "tool0");
 }
 

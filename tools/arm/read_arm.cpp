@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <toml++/toml.h>
 
+#include <algorithm>
+#include <filesystem>
 #include <sstream>
 
 #include "../common/error.h"
@@ -37,16 +39,12 @@ json ParseJson(const std::string& text, const std::string& path) {
 }
 
 Arm ReadArm(const std::string& path, const ReadOptions& options) {
-  const auto ends_in = [&](const std::string& suffix) {
-    return path.size() > suffix.size() &&
-           path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
-  };
-  const bool urdf = ends_in(".urdf") || ends_in(".xml");
-  const bool toml = ends_in(".toml");
-  if (ends_in(".xacro")) {
+  const std::string ending = std::filesystem::path(path).extension();
+  if (ending == ".xacro") {
     throw UsageError(fmt::format("{}: a xacro file; run xacro on it and give its output", path));
   }
-  if (!urdf && !toml && !ends_in(".json")) {
+  const bool urdf = ending == ".urdf" || ending == ".xml";
+  if (!urdf && ending != ".toml" && ending != ".json") {
     throw UsageError(fmt::format("{}: .urdf, .xml, .toml or .json is expected", path));
   }
   if (urdf && options.degrees) {
@@ -56,9 +54,10 @@ Arm ReadArm(const std::string& path, const ReadOptions& options) {
     throw UsageError("--base and --tip are for URDFs; a table has no links");
   }
   const std::string text = ReadFile(path);
-  const Arm arm =
-      urdf ? ReadUrdf(text, path, options)
-           : ReadTable(toml ? ParseToml(text, path) : ParseJson(text, path), path, options);
+  const auto table = [&] {
+    return ending == ".toml" ? ParseToml(text, path) : ParseJson(text, path);
+  };
+  const Arm arm = urdf ? ReadUrdf(text, path, options) : ReadTable(table(), path, options);
   CheckScale(arm, path);
   return arm;
 }

@@ -1,11 +1,14 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <sstream>
 
-#include "../arm/read_arm.h"
+#include "../arm/read_options.h"
 #include "../common/error.h"
 #include "../common/files.h"
+#include "../common/messages.h"
 #include "build.h"
 #include "family.h"
 #include "source.h"
@@ -33,21 +36,8 @@ void Describe(CLI::App& app, Arguments& arguments) {
       ->type_name("FILE");
   app.add_option("--source", arguments.source, "also write the solver as one C++ file")
       ->type_name("FILE");
-  app.add_option("--base", arguments.read.base, "base link (else the one without a parent)")
-      ->type_name("LINK");
-  app.add_option("--tip", arguments.read.tip, "tip link (else where six joints end)")
-      ->type_name("LINK");
-  app.add_flag("--mm", arguments.read.millimetres, "lengths are in millimetres, not metres");
-  app.add_flag("--deg", arguments.read.degrees, "a table's angles are in degrees, not radians");
-  app.add_flag("--exact-angles", arguments.read.exact_angles,
-               "read angles such as 1.5708 as the multiples of 15 degrees that they stand for");
+  AddReadOptions(app, arguments.read);
   app.add_flag("--json", arguments.json, "print what was found as JSON");
-}
-
-bool IsSource(const std::string& path) {
-  const std::string suffix = ".cpp";
-  return path.size() >= suffix.size() &&
-         path.compare(path.size() - suffix.size(), suffix.size(), suffix) == 0;
 }
 
 void Run(const Arguments& arguments) {
@@ -62,48 +52,49 @@ void Run(const Arguments& arguments) {
   }
   const std::string source = SolverSource(arm, model);
   if (!arguments.source.empty()) WriteFile(arguments.source, source);
-  if (IsSource(arguments.output)) {
+  if (std::filesystem::path(arguments.output).extension() == ".cpp") {
     WriteFile(arguments.output, source);
   } else if (!arguments.output.empty()) {
     BuildLibrary(source, SolverExports(), arguments.output);
   }
-  const std::string summary = arguments.json ? SummaryJson(arm, model, verification).dump(2) + '\n'
-                                             : SummaryText(arm, model, verification);
-  WriteStandardOutput(summary);
+  WriteStandardOutput(arguments.json ? SummaryJson(arm, model, verification)
+                                     : SummaryText(arm, model, verification));
 }
 
-int Main(int argc, char** argv) {
-  KeepWriteSignalsAway();
+// Reads the command line, and does what it asks for. --help is an answer as well.
+void Parse(int argc, char** argv) {
   CLI::App app(
       "Makes a closed-form solver library, libik.so, of an arm's description.\n"
-      "Exit status: 0 done; 1 the arm has no closed form here, or no compiler works; 2 bad usage.");
+      "Exit status: 0 done; 1 no closed form, or no compiler works; 2 bad usage.");
   Arguments arguments;
   Describe(app, arguments);
   try {
     app.parse(argc, argv);
-    Run(arguments);
-    return kDone;
-  } catch (const CLI::Success& help) {
-    return app.exit(help);
   } catch (const CLI::ParseError& error) {
-    fmt::print(stderr, "mkik: {} (--help shows the usage)\n", error.what());
-    return kBadUsage;
-  } catch (const Failure& failure) {
-    fmt::print(stderr, "mkik: {}\n", failure.what());
-    return kFailed;
-  } catch (const UsageError& error) {
-    fmt::print(stderr, "mkik: {}\n", error.what());
-    return kBadUsage;
+    std::ostringstream text;
+    if (app.exit(error, text, text) != 0) {
+      throw UsageError(fmt::format("{} (--help shows the usage)", error.what()));
+    }
+    WriteStandardOutput(text.str());
+    return;
   }
+  Run(arguments);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+  KeepWriteSignalsAway();
   try {
-    return Main(argc, argv);
+    Parse(argc, argv);
+    return kDone;
+  } catch (const UsageError& error) {
+    SayOnError("mkik", error.what());
+    return kBadUsage;
+  } catch (const Failure& error) {
+    SayOnError("mkik", error.what());
   } catch (const std::exception& error) {  // out of memory, for one
-    std::fprintf(stderr, "mkik: %s\n", error.what());
-    return qal::tools::kFailed;
+    SayOnError("mkik", fmt::format("unexpected error: {}", error.what()));
   }
+  return kFailed;
 }

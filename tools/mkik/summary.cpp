@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <cmath>
+#include <nlohmann/json.hpp>
 #include <utility>
 #include <vector>
 
@@ -67,7 +68,7 @@ std::string SummaryText(const Arm& arm, const Model& model, const Verification& 
   return text;
 }
 
-ordered_json SummaryJson(const Arm& arm, const Model& model, const Verification& verification) {
+std::string SummaryJson(const Arm& arm, const Model& model, const Verification& verification) {
   ordered_json json = {
       {"name", arm.name}, {"family", FamilyName(model)}, {"base", arm.base}, {"tip", arm.tip}};
   for (const auto& [name, metres] : LengthsOf(model)) json["lengths_m"][name] = metres;
@@ -85,7 +86,8 @@ ordered_json SummaryJson(const Arm& arm, const Model& model, const Verification&
   json["check"] = {{"joint_sets", verification.joint_sets},
                    {"forward", verification.forward},
                    {"solutions", verification.solutions}};
-  return json;
+  // Names come from the file as they are; what is no UTF-8 in them is replaced.
+  return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }
 
 }  // namespace qal::tools

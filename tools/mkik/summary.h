@@ -1,7 +1,6 @@
 #ifndef QAL_TOOLS_MKIK_SUMMARY_H_
 #define QAL_TOOLS_MKIK_SUMMARY_H_
 
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "model.h"
@@ -12,9 +11,8 @@ namespace qal::tools {
 /// What was found, in lines to read.
 std::string SummaryText(const Arm& arm, const Model& model, const Verification& verification);
 
-/// The same for programs: lengths in metres, angles in radians.
-nlohmann::ordered_json SummaryJson(const Arm& arm, const Model& model,
-                                   const Verification& verification);
+/// The same as JSON, for programs: lengths in metres, angles in radians.
+std::string SummaryJson(const Arm& arm, const Model& model, const Verification& verification);
 
 }  // namespace qal::tools
 

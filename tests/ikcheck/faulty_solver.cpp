@@ -1,0 +1,198 @@
+// The reference arm's solver with one fault, which the environment variable FAULT names: none, and
+// it is sound.
+
+#include <dlfcn.h>
+#include <sched.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "kinematics/ikfast.h"
+
+namespace {
+
+using Joints = std::array<double, 6>;
+using List = ikfast::IkSolutionListBase<double>;
+using Entry = ikfast::IkSingleDOFSolutionBase<double>;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+bool Is(const char* fault) {
+  static const char* const chosen = std::getenv("FAULT");
+  return chosen != nullptr && std::strcmp(chosen, fault) == 0;
+}
+
+// The sound solver behind this one.
+template <typename Function>
+Function Sound(const char* name) {
+  static void* const library = ::dlopen(QAL_SOUND_SOLVER, RTLD_NOW | RTLD_LOCAL);
+  return reinterpret_cast<Function>(::dlsym(library, name));
+}
+
+bool SoundIk(const double* eetrans, const double* eerot, std::vector<Joints>& solutions) {
+  static const auto solve = Sound<decltype(&ikfast::ComputeIk)>(
+      "_ZN6ikfast9ComputeIkEPKdS1_S1_RNS_18IkSolutionListBaseIdEE");
+  ikfast::IkSolutionList<double> list;
+  const bool found = solve(eetrans, eerot, nullptr, list);
+  solutions.resize(list.GetNumSolutions());
+  for (size_t i = 0; i < solutions.size(); ++i) {
+    list.GetSolution(i).GetSolution(solutions[i].data(), nullptr);
+  }
+  return found;
+}
+
+void SoundFk(const double* joints, double* eetrans, double* eerot) {
+  static const auto forward = Sound<decltype(&ikfast::ComputeFk)>("_ZN6ikfast9ComputeFkEPKdPdS2_");
+  forward(joints, eetrans, eerot);
+}
+
+// Faults that show in how a call ends. Only poses low in front have them.
+void Misbehave(const double* eetrans, List& list) {
+  if (!(eetrans[0] > 0.2 && eetrans[2] < 0.3)) return;
+  if (Is("crash")) (void)std::raise(SIGSEGV);
+  if (Is("exit")) std::_Exit(3);
+  if (Is("throw")) throw std::runtime_error("no way");
+  if (Is("print")) std::puts("solving");
+  while (Is("hang")) {
+  }
+  while (Is("endless")) (void)list.AddSolution(std::vector<Entry>(6), {});
+}
+
+// Faults of single solutions.
+void Spoil(Joints& solution) {
+  if (Is("wrong")) solution[5] -= std::copysign(0.01, solution[5]);
+  if (Is("loose")) solution[5] *= 1 - 1e-8;
+  if (Is("nan")) solution[3] = kNan;
+  if (Is("range")) solution[1] += std::copysign(2 * kPi, solution[1]);
+  for (double& joint : solution) {
+    if (Is("minus pi") && std::fabs(joint - kPi) < 1e-9) joint = -kPi;
+  }
+}
+
+// Drops solutions by the sine of joint 5, unless none is left then.
+template <typename Condition>
+void Drop(std::vector<Joints>& solutions, Condition condition) {
+  const std::vector<Joints> all = solutions;
+  const auto drop = [&](const Joints& joints) { return condition(std::fabs(std::sin(joints[4]))); };
+  solutions.erase(std::remove_if(solutions.begin(), solutions.end(), drop), solutions.end());
+  if (solutions.empty()) solutions = all;
+}
+
+// Faults of the solutions of a pose that has some.
+void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
+  const bool front = eetrans[0] > 0.2;
+  for (Joints& solution : solutions) {
+    if (front) Spoil(solution);
+  }
+  if (Is("duplicate") && front) solutions.push_back(solutions[0]);
+  if (Is("miss") && front) solutions.resize(1);
+  if (Is("miss near 0")) Drop(solutions, [](double bend) { return bend > 1e-9 && bend < 1e-4; });
+  if (Is("miss at 0")) Drop(solutions, [](double bend) { return bend < 1e-9; });
+  if (Is("unsolved") && front) solutions.clear();
+  if (Is("unsolved at 0") && std::fabs(std::sin(solutions[0][4])) < 1e-9) solutions.clear();
+
+  static int calls = 0;
+  if (Is("drift") && ++calls % 7 == 0) solutions[0][0] = std::nextafter(solutions[0][0], 0.0);
+  static Joints shared;
+  if (Is("shared buffer")) {
+    shared = solutions[0];
+    (void)::sched_yield();
+    solutions[0] = shared;
+  }
+}
+
+// Faults in answers to what has no solution.
+void Invent(const double* eetrans, const double* eerot, std::vector<Joints>& solutions) {
+  double sum = eetrans[0] + eetrans[1] + eetrans[2];
+  double squares = 0.0;
+  for (int i = 0; i < 9; ++i) {
+    sum += eerot[i];
+    squares += eerot[i] * eerot[i];
+  }
+  const bool invents = std::isfinite(sum) ? Is("accept any matrix") && std::fabs(squares - 3) > 1e-4
+                                          : Is("accept nan");
+  if (invents) solutions.push_back({});
+}
+
+// Entries as later headers have them.
+struct LateEntry {
+  virtual ~LateEntry() = default;
+  Entry entry;
+};
+
+void Add(const std::vector<Joints>& solutions, List& list) {
+  std::vector<Entry> entries(6);
+  std::vector<LateEntry> late(6);
+  std::vector<int> free;
+  if (Is("free joint")) {
+    entries[2].freeind = 0;
+    free.push_back(0);
+  }
+  for (const Joints& solution : solutions) {
+    for (size_t j = 0; j < 6; ++j) entries[j].foffset = late[j].entry.foffset = solution[j];
+    const void* vector = &entries;
+    if (Is("late layout")) vector = &late;
+    (void)list.AddSolution(*static_cast<const std::vector<Entry>*>(vector), free);
+  }
+}
+
+struct AtLoad {
+  AtLoad() {
+    if (Is("print at load")) std::puts("\xFFhello");
+    if (Is("crash at load")) (void)std::raise(SIGABRT);
+  }
+} at_load;
+
+}  // namespace
+
+namespace ikfast {
+
+bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& list) {
+  double position[3] = {eetrans[0], eetrans[1], eetrans[2]};
+  for (double& value : position) value /= Is("millimetres") ? 1000 : 1;
+  Misbehave(position, list);
+  if (Is("clear")) list.Clear();
+  std::vector<Joints> solutions;
+  bool found = SoundIk(position, eerot, solutions);
+  if (found) {
+    Spoil(position, solutions);
+    found = !solutions.empty();
+  } else {
+    Invent(position, eerot, solutions);
+    found = !solutions.empty() || Is("true");
+    if (Is("append")) solutions.push_back({});
+  }
+  Add(solutions, list);
+  return Is("count") ? list.GetNumSolutions() > 0 : found;
+}
+
+void ComputeFk(const double* joints, double* eetrans, double* eerot) {
+  Joints moved;
+  std::memcpy(moved.data(), joints, sizeof(moved));
+  if (Is("stuck")) moved[3] = 0;
+  if (Is("crash forward") && moved[0] > 2) (void)std::raise(SIGFPE);
+  SoundFk(moved.data(), eetrans, eerot);
+  if (Is("nan forward") && moved[0] > 2) eetrans[1] = kNan;
+  if (Is("skewed forward")) eerot[0] += 1e-8;
+  for (int i = 0; i < 3; ++i) eetrans[i] *= Is("millimetres") ? 1000 : 1;
+}
+
+int GetNumFreeParameters() { return Is("free parameter") ? 1 : 0; }
+int* GetFreeParameters() { return nullptr; }
+int GetNumJoints() { return Is("seven joints") ? 7 : 6; }
+int GetIkRealSize() { return Is("float") ? 4 : 8; }
+const char* GetIkFastVersion() { return "61"; }
+int GetIkType() { return Is("translation only") ? 0x33000003 : 0x67000001; }
+const char* GetKinematicsHash() { return "faulty"; }
+
+}  // namespace ikfast

@@ -1,0 +1,89 @@
+#include "../../tools/ikcheck/jacobian.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "../../solver/reference_arm.h"
+#include "../../tools/ikcheck/measures.h"
+
+namespace {
+
+using namespace qal::ikcheck;
+namespace arm = qal::reference_arm;
+
+class JacobianTest : public testing::Test {
+ protected:
+  Report report_;
+  Session session_{{QAL_SOUND_SOLVER, 100, 20261124, 5.0}, report_};
+};
+
+// Joint 1 turns the tool about the base's z axis: at x = 0.05 + 0.38 + 0.08 = 0.51 m the tool moves
+// along y. Joint 6 turns it about its own axis, which then is x.
+TEST_F(JacobianTest, HoldsTheVelocitiesOfTheReferenceArm) {
+  session_.reach = 2.0;
+  const Jacobian jacobian = Jacobians(session_, {Joints{}})[0];
+  const double expected[2][6] = {{0, 0.51 / 2, 0, 0, 0, 1}, {0, 0, 0, 1, 0, 0}};
+  for (int i = 0; i < 6; ++i) {
+    EXPECT_NEAR(jacobian(i, 0), expected[0][i], 1e-10);
+    EXPECT_NEAR(jacobian(i, 5), expected[1][i], 1e-10);
+  }
+  EXPECT_LT(SmallestSingularValue(jacobian), 1e-10);  // axes 4 and 6 are one line
+}
+
+// What has to be zero at a wrist, elbow or shoulder singularity of the reference arm.
+TEST_F(JacobianTest, FindsAllKindsOfSingularities) {
+  session_.reach = 1.2;
+  int wrist = 0;
+  int elbow = 0;
+  int shoulder = 0;
+  std::vector<Joints> sets;
+  for (const auto& [q, joint] : FindSingularities(session_, 8)) {
+    const double pitch = q[1] + q[2];
+    const double radius = arm::kShoulderOffsetM + arm::kUpperArmM * std::sin(q[1]) +
+                          arm::kForearmM * std::cos(pitch) + arm::kElbowOffsetM * std::sin(pitch);
+    const double stretch = std::cos(q[2] - std::atan2(arm::kElbowOffsetM, arm::kForearmM));
+    const bool zero[] = {std::sin(q[4]) == 0 || std::fabs(q[4]) == kPi, std::fabs(stretch) < 1e-8,
+                         std::fabs(radius) < 1e-8};
+    wrist += zero[0];
+    elbow += zero[1];
+    shoulder += zero[2];
+    EXPECT_TRUE(zero[0] || zero[1] || zero[2]) << testing::PrintToString(q);
+    sets.push_back(q);
+    sets.push_back(q);
+    sets.back()[joint] += 1e-5;
+  }
+  EXPECT_GT(wrist, 10);
+  EXPECT_GT(elbow, 10);
+  EXPECT_GT(shoulder, 5);
+  const std::vector<Jacobian> jacobians = Jacobians(session_, sets);
+  for (size_t i = 0; i < sets.size(); i += 2) {
+    EXPECT_LT(SmallestSingularValue(jacobians[i]), kSingularValue);
+    EXPECT_GT(SmallestSingularValue(jacobians[i + 1]), kSingularValue);
+  }
+}
+
+TEST(Measures, TakeWholeTurnsForNothingAndNanForTheWorst) {
+  const double nan = std::nan("");
+  EXPECT_NEAR(Difference(Joints{kPi, 1, 0, 0, 0, 0}, Joints{-kPi, 1 + 4 * kPi, 0.25, 0, 0, 0}),
+              0.25, 1e-15);
+  EXPECT_TRUE(std::isnan(Difference(Joints{nan, 0, 0, 0, 0, 0}, Joints{0, 1, 0, 0, 0, 0})));
+  const Pose pose = {{0, 2, 0}, {1, 0, 0, 0, 1, 0, 0, 0, 1}};
+  Pose other = pose;
+  other.position[1] = 1;
+  EXPECT_EQ(Difference(pose, other, 4.0), 0.25);
+  other.rotation[3] = -0.5;
+  EXPECT_EQ(Difference(pose, other, 4.0), 0.5);
+  other.position[0] = nan;
+  EXPECT_TRUE(std::isnan(Difference(pose, other, 4.0)));
+
+  EXPECT_EQ(OffRotation(pose.rotation), 0.0);
+  const double mirrored[9] = {-1, 0, 0, 0, 1, 0, 0, 0, 1};
+  const double scaled[9] = {1, 0, 0, 0, 1.5, 0, 0, 0, 1};
+  const double broken[9] = {1, 0, 0, 0, 1, 0, nan, 0, 1};
+  EXPECT_EQ(OffRotation(mirrored), 2.0);
+  EXPECT_EQ(OffRotation(scaled), 1.25);
+  EXPECT_TRUE(std::isnan(OffRotation(broken)));
+}
+
+}  // namespace

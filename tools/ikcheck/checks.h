@@ -1,0 +1,43 @@
+#ifndef QAL_TOOLS_IKCHECK_CHECKS_H_
+#define QAL_TOOLS_IKCHECK_CHECKS_H_
+
+#include "session.h"
+
+namespace qal::ikcheck {
+
+/// One thing to look at. A check asks the session for answers, judges them as findings of the
+/// session's report, and may put figures into its row.
+struct Check {
+  const char* name;
+  void (*run)(Session& session, Row& row);
+};
+
+/// Runs all checks on a library.
+/// @throw UsageError "PATH: REASON" when it can't be loaded
+Report RunChecks(const Session::Options& options);
+
+// In the order in which they run; each needs those before the empty line.
+void CheckInterface(Session& session, Row& row);
+void CheckForward(Session& session, Row& row);
+
+void CheckRandomPoses(Session& session, Row& row);
+void CheckQuarterTurns(Session& session, Row& row);
+void CheckEighthTurns(Session& session, Row& row);
+void CheckSingularPoses(Session& session, Row& row);
+void CheckNearSingularPoses(Session& session, Row& row);
+void CheckAxisAlignedTool(Session& session, Row& row);
+void CheckOutOfReach(Session& session, Row& row);
+
+void CheckNonFiniteInput(Session& session, Row& row);
+void CheckNonRotations(Session& session, Row& row);
+
+void CheckStandingEntries(Session& session, Row& row);
+void CheckRepeatedCalls(Session& session, Row& row);
+void CheckTwoThreads(Session& session, Row& row);
+/// Only when the options describe an arm.
+void CheckArm(Session& session, Row& row);
+void CheckTime(Session& session, Row& row);
+
+}  // namespace qal::ikcheck
+
+#endif  // QAL_TOOLS_IKCHECK_CHECKS_H_

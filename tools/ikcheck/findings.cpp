@@ -1,0 +1,87 @@
+#include "findings.h"
+
+#include <fmt/format.h>
+
+namespace qal::ikcheck {
+
+namespace {
+
+constexpr bool kFault = true;
+constexpr bool kNote = false;
+
+// In the order of the enumeration.
+constexpr FindingKind kKinds[] = {
+    {"missing-functions", "exports ikfast::ComputeIk and ikfast::ComputeFk in double precision",
+     kFault},
+    {"plain-c-names",
+     "ComputeIk and ComputeFk in namespace ikfast, not plain C names, which don't link: generate "
+     "or compile the solver again with the namespace ikfast and without the C option",
+     kFault},
+    {"single-precision", "GetIkRealSize is 8: built for double", kFault},
+    {"not-six-joints", "six joints", kFault},
+    {"free-parameters", "no free parameters: none are passed", kFault},
+    {"not-full-pose", "solves full poses: type 0x67000001", kFault},
+    {"solution-layout",
+     "a solution is handed over as six entries of 24 bytes: the interface's versions 60 to early "
+     "0x1000004b",
+     kFault},
+    {"crash", "every call returns", kFault},
+    {"exit", "does not end the process", kFault},
+    {"hang", "every call comes to an end", kFault},
+    {"exception", "throws nothing", kFault},
+    {"prints", "writes nothing to standard output and standard error", kFault},
+    {"forward-not-pose", "ComputeFk gives finite positions and rotation matrices", kFault},
+    {"forward-stuck",
+     "each joint moves the tool in its own way: most joint sets have a Jacobian of full rank",
+     kFault},
+    {"wrong-solution",
+     "ComputeFk takes each solution back to its pose, within 1e-6 of the reach and per matrix "
+     "element",
+     kFault},
+    {"non-finite-solution", "solutions are finite", kFault},
+    {"free-joint", "solutions depend on no free parameter", kFault},
+    {"joint-out-of-range", "joints lie in (-pi, pi]", kFault},
+    {"unsolved", "every pose that the arm reaches away from singularities is solved", kFault},
+    {"missed-joints",
+     "the joints that a pose was made from are among its solutions, away from singularities",
+     kFault},
+    {"appends-on-failure", "adds nothing to the list when it returns false", kFault},
+    {"true-without-solution", "returns true only with a solution", kFault},
+    {"accepts-non-finite", "refuses poses that are not finite", kFault},
+    {"unrepeatable", "the same call gives the same answer to the last bit", kFault},
+    {"thread-unsafe", "calls from two threads give the answers of one, to the last bit", kFault},
+    {"other-arm", "ComputeFk gives the poses of the arm described", kFault},
+
+    {"missing-queries", "answers GetNumJoints, GetIkRealSize and the other queries", kNote},
+    {"length-unit", "lengths in metres: a reach of 0.05 to 20", kNote},
+    {"loose-solution", "solutions of regular poses are good to 1e-9", kNote},
+    {"unsolved-singular", "singular poses and those beside them are solved", kNote},
+    {"missed-singular",
+     "at and near singularities, too, a pose's joints are found again as well as they are "
+     "determined",
+     kNote},
+    {"duplicate-solution", "each solution stands in the list once", kNote},
+    {"minus-pi", "a half turn is pi, not -pi or past pi by a rounding", kNote},
+    {"accepts-non-rotation", "refuses matrices that are no rotations", kNote},
+    {"clears-list", "leaves the entries that the list has beforehand", kNote},
+    {"needs-empty-list", "gives the same answer when the list has entries beforehand", kNote},
+};
+static_assert(sizeof(kKinds) / sizeof(kKinds[0]) == kFindingCount);
+
+}  // namespace
+
+const FindingKind& KindOf(Finding finding) { return kKinds[static_cast<size_t>(finding)]; }
+
+std::string FindingsHelp() {
+  std::string help = fmt::format(
+      "A joint set is away from singularities, and its pose regular, when the smallest singular\n"
+      "value of its numeric Jacobian is {:g} or more, with lengths as parts of the reach.\n\n"
+      "Findings, with what is expected:\n",
+      kRegularValue);
+  for (const FindingKind& kind : kKinds) {
+    help += fmt::format("  {} {}: {}\n", kind.fault ? "fault" : "note ", kind.name, kind.expected);
+  }
+  return help;
+}
+
+}  // namespace qal::ikcheck

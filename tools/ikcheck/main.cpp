@@ -1,0 +1,98 @@
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+#include <sstream>
+
+#include "../arm/read_options.h"
+#include "../common/error.h"
+#include "../common/files.h"
+#include "../common/messages.h"
+#include "checks.h"
+
+namespace {
+
+using namespace qal;
+
+constexpr const char* kDescription =
+    "Checks a solver library, libik.so, in a process of its own, so that nothing it does ends the\n"
+    "check. Exit status: 0 sound, 1 faults found (with --strict notes, too), 2 bad usage, or not "
+    "a\n"
+    "library that can be loaded.";
+
+struct Arguments {
+  ikcheck::Session::Options options;
+  bool json = false;
+  bool strict = false;
+  std::string arm;
+  tools::ReadOptions read;
+};
+
+void Describe(CLI::App& app, Arguments& arguments) {
+  app.name("ikcheck");
+  app.description(kDescription);
+  app.footer(ikcheck::FindingsHelp());
+  app.set_version_flag("--version", "ikcheck " QAL_VERSION);
+  ikcheck::Session::Options& options = arguments.options;
+  app.add_option("library", options.library, "the solver library")->required();
+  app.add_option("--poses", options.poses, "random joint sets to check with")
+      ->check(CLI::Range(1, 10000000))
+      ->capture_default_str();
+  app.add_option("--seed", options.seed, "of the random numbers")->capture_default_str();
+  app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
+      ->check(CLI::Range(0.1, 3600.0))
+      ->capture_default_str();
+  app.add_option("--urdf,--table", arguments.arm,
+                 "the arm that the solver should be for: URDF (.urdf, .xml) or table of\n"
+                 "parameters (.toml, .json); base and tip frames have to agree, too")
+      ->type_name("FILE");
+  tools::AddReadOptions(app, arguments.read);
+  app.add_flag("--json", arguments.json, "print the report as JSON");
+  app.add_flag("--strict", arguments.strict, "let notes count as faults in the exit status");
+}
+
+ikcheck::Pose Forward(const tools::Arm& arm, const ikcheck::Joints& joints) {
+  const tools::Frame frame = tools::TipFrame(arm, joints);
+  ikcheck::Pose pose;
+  for (int i = 0; i < 3; ++i) {
+    pose.position[i] = frame.position[i];
+    for (int j = 0; j < 3; ++j) pose.rotation[3 * i + j] = frame.rotation[i][j];
+  }
+  return pose;
+}
+
+int Run(int argc, char** argv) {
+  CLI::App app;
+  Arguments arguments;
+  Describe(app, arguments);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream text;
+    if (app.exit(error, text, text) != 0) throw tools::UsageError(error.what());
+    tools::WriteStandardOutput(text.str());
+    return tools::kDone;
+  }
+  if (!arguments.arm.empty()) {
+    const tools::Arm arm = tools::ReadArm(arguments.arm, arguments.read);
+    arguments.options.arm = [arm](const ikcheck::Joints& joints) { return Forward(arm, joints); };
+  }
+  const ikcheck::Report report = ikcheck::RunChecks(arguments.options);
+  tools::WriteStandardOutput(arguments.json ? report.JsonText() : report.Text());
+  const bool bad = arguments.strict ? report.HasFindings() : report.HasFaults();
+  return bad ? tools::kFailed : tools::kDone;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader that closes the pipe early is no fault; the write says so.
+  (void)std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return Run(argc, argv);
+  } catch (const std::exception& error) {  // what can't be used, and what the machine doesn't have
+    tools::SayOnError("ikcheck", error.what());
+    return tools::kBadUsage;
+  }
+}

@@ -1,0 +1,180 @@
+#include "report.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "../common/numbers.h"
+
+namespace qal::ikcheck {
+
+namespace {
+
+constexpr size_t kLabelWidth = 30;
+constexpr size_t kFigureWidth = 7;
+
+// What a library says may hold anything; a terminal takes control characters at their word.
+std::string Printable(std::string text) {
+  for (char& c : text) {
+    if (c < ' ' || c > '~') c = c == '\n' ? ' ' : '?';
+  }
+  return text;
+}
+
+std::string Plain(const Json& value) {
+  if (value.is_string()) return Printable(value.get<std::string>());
+  if (!value.is_number_float()) return value.dump();
+  const double number = value.get<double>();
+  return number >= 1000 ? fmt::format("{:.0f}", number) : fmt::format("{:.3g}", number);
+}
+
+// The text's name of a value.
+std::string Label(std::string key) {
+  std::replace(key.begin(), key.end(), '_', ' ');
+  return key;
+}
+
+bool SameKeys(const Json& a, const Json& b) {
+  return a.size() == b.size() &&
+         std::equal(a.items().begin(), a.items().end(), b.items().begin(),
+                    [](const auto& x, const auto& y) { return x.key() == y.key(); });
+}
+
+std::string Header(const Json& values) {
+  std::string line = fmt::format("  {:{}}", "", kLabelWidth);
+  for (const auto& item : values.items())
+    line += fmt::format("  {:>{}}", Label(item.key()), kFigureWidth);
+  return line + '\n';
+}
+
+std::string TableLine(const Row& row) {
+  std::string line = fmt::format("  {:{}}", row.check, kLabelWidth);
+  for (const auto& item : row.values.items()) {
+    line += fmt::format("  {:>{}}", Plain(item.value()), std::max(kFigureWidth, item.key().size()));
+  }
+  return line + '\n';
+}
+
+std::string Line(const Row& row) {
+  std::string values;
+  for (const auto& item : row.values.items()) {
+    values +=
+        fmt::format("{}{} {}", values.empty() ? "" : ", ", Label(item.key()), Plain(item.value()));
+  }
+  return fmt::format("  {:{}}  {}\n", row.check, kLabelWidth, values);
+}
+
+// Rows with the same figures stand below each other as a table.
+std::string Rows(const std::vector<Row>& rows) {
+  std::string text;
+  bool in_table = false;
+  for (size_t i = 0; i < rows.size(); ++i) {
+    const bool as_before = i > 0 && SameKeys(rows[i].values, rows[i - 1].values);
+    const bool as_after = i + 1 < rows.size() && SameKeys(rows[i].values, rows[i + 1].values);
+    if (!as_before && (as_after || in_table)) text += '\n';
+    if (!as_before && as_after) text += Header(rows[i].values);
+    in_table = as_before || as_after;
+    text += in_table ? TableLine(rows[i]) : Line(rows[i]);
+  }
+  return text;
+}
+
+// All digits, so that the case can be repeated.
+std::string Numbers(const Case& shown) {
+  std::string text;
+  for (const auto& [name, values] : shown.numbers) {
+    text += fmt::format("\n      {:9}", name);
+    for (size_t i = 0; i < values.size(); ++i) {
+      text += fmt::format("{}{}", i == 0 ? "" : ", ", tools::FormatNumber(values[i]));
+    }
+  }
+  return text;
+}
+
+}  // namespace
+
+bool Report::HasFaults() const {
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    if (tallies_[i].bad > 0 && KindOf(static_cast<Finding>(i)).fault) return true;
+  }
+  return false;
+}
+
+bool Report::HasFindings() const {
+  return std::any_of(tallies_.begin(), tallies_.end(),
+                     [](const Tally& tally) { return tally.bad > 0; });
+}
+
+std::string Report::FindingText(Finding finding) const {
+  const Tally& tally = tallies_[static_cast<size_t>(finding)];
+  const FindingKind& kind = KindOf(finding);
+  std::string text =
+      fmt::format("  {} {}: {} of {}\n    expected: {}\n", kind.fault ? "fault" : "note", kind.name,
+                  tally.bad, tally.judged, kind.expected);
+  text += fmt::format("    {}: {}{}\n", tally.badness != 0 ? "worst" : "found",
+                      Printable(tally.worst.words), Numbers(tally.worst));
+  return text;
+}
+
+std::string Report::Text() const {
+  std::string text = "ikcheck " + library + "\n\n";
+  for (const auto& item : interface.items()) {
+    text += fmt::format("  {:{}}  {}\n", Label(item.key()), kLabelWidth, Plain(item.value()));
+  }
+  if (!rows.empty()) text += Rows(rows) + '\n';
+  for (const auto& [check, lost] : unfinished) {
+    text += fmt::format("  not finished: \"{}\", {} calls did not return\n", check, lost);
+  }
+  if (!stopped.empty()) text += "  stopped " + stopped + '\n';
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    if (tallies_[i].bad > 0) text += FindingText(static_cast<Finding>(i));
+  }
+  if (!HasFindings()) text += "  sound, nothing found\n";
+  return text;
+}
+
+Json Report::FindingJson(Finding finding) const {
+  const Tally& tally = tallies_[static_cast<size_t>(finding)];
+  const FindingKind& kind = KindOf(finding);
+  Json json = {{"severity", kind.fault ? "fault" : "note"},
+               {"name", kind.name},
+               {"expected", kind.expected},
+               {"count", tally.bad},
+               {"of", tally.judged}};
+  Json shown = Json::object();
+  shown["words"] = tally.worst.words;
+  for (const auto& [name, values] : tally.worst.numbers) {
+    for (const double value : values) {
+      // JSON has no numbers for these.
+      shown[name].push_back(std::isfinite(value) ? Json(value) : Json(tools::FormatNumber(value)));
+    }
+  }
+  json["case"] = shown;
+  return json;
+}
+
+// What a library says need not be UTF-8, which JSON has to be.
+std::string Report::JsonText() const {
+  return ToJson().dump(2, ' ', false, Json::error_handler_t::replace) + '\n';
+}
+
+Json Report::ToJson() const {
+  Json json = {{"library", library}, {"sound", !HasFaults()}, {"interface", interface}};
+  json["checks"] = Json::array();
+  for (const Row& row : rows) {
+    json["checks"].push_back({{"check", row.check}});
+    json["checks"].back().update(row.values);
+  }
+  json["unfinished"] = Json::array();
+  for (const auto& [check, lost] : unfinished) {
+    json["unfinished"].push_back({{"check", check}, {"lost_calls", lost}});
+  }
+  json["stopped"] = stopped;
+  json["findings"] = Json::array();
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    if (tallies_[i].bad > 0) json["findings"].push_back(FindingJson(static_cast<Finding>(i)));
+  }
+  return json;
+}
+
+}  // namespace qal::ikcheck

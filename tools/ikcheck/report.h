@@ -1,0 +1,86 @@
+#ifndef QAL_TOOLS_IKCHECK_REPORT_H_
+#define QAL_TOOLS_IKCHECK_REPORT_H_
+
+#include <array>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "findings.h"
+
+namespace qal::ikcheck {
+
+using Json = nlohmann::ordered_json;
+
+/// A case in which something was found: in words, and in numbers that it can be repeated with, such
+/// as {"joints", {6 values}}.
+struct Case {
+  std::string words;
+  std::vector<std::pair<std::string, std::vector<double>>> numbers = {};
+};
+
+/// What one check has measured; a line of the report. Keys are snake_case.
+struct Row {
+  std::string check;
+  Json values = Json::object();
+};
+
+/// Collects what the checks judge and measure.
+class Report {
+ public:
+  /// Counts one judged case.
+  /// @param badness    how bad a case is that isn't good; of all of them the worst is kept
+  /// @param make_case  gives the `Case` to keep; called only then
+  template <typename MakeCase>
+  void Judge(Finding finding, bool good, double badness, MakeCase make_case) {
+    Tally& tally = tallies_[static_cast<size_t>(finding)];
+    ++tally.judged;
+    if (good) return;
+    // NaN is worse than any number.
+    const bool worse = std::isnan(badness) ? !std::isnan(tally.badness) : badness > tally.badness;
+    if (tally.bad++ > 0 && !worse) return;
+    tally.badness = badness;
+    tally.worst = make_case();
+  }
+  /// The same where every case is as bad as any other: the first is kept.
+  template <typename MakeCase>
+  void Judge(Finding finding, bool good, MakeCase make_case) {
+    Judge(finding, good, 0.0, make_case);
+  }
+
+  void Passed(Finding finding) { ++tallies_[static_cast<size_t>(finding)].judged; }
+
+  size_t Judged(Finding finding) const { return tallies_[static_cast<size_t>(finding)].judged; }
+  size_t Count(Finding finding) const { return tallies_[static_cast<size_t>(finding)].bad; }
+  bool HasFaults() const;
+  bool HasFindings() const;
+
+  std::string library;              ///< its path
+  Json interface = Json::object();  ///< what the library says of itself
+  std::vector<Row> rows;
+  /// Checks that have left something out, with the number of calls that didn't return.
+  std::vector<std::pair<std::string, size_t>> unfinished;
+  std::string stopped;  ///< at which check all ended, and why; empty: it went to the end
+
+  std::string Text() const;
+  Json ToJson() const;
+  std::string JsonText() const;
+
+ private:
+  struct Tally {
+    size_t judged = 0;
+    size_t bad = 0;
+    double badness = 0.0;
+    Case worst;
+  };
+  std::string FindingText(Finding finding) const;
+  Json FindingJson(Finding finding) const;
+
+  std::array<Tally, kFindingCount> tallies_;
+};
+
+}  // namespace qal::ikcheck
+
+#endif  // QAL_TOOLS_IKCHECK_REPORT_H_

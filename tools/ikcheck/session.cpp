@@ -1,0 +1,175 @@
+#include "session.h"
+
+#include <fmt/format.h>
+
+#include <cstring>
+
+#include "../common/error.h"
+#include "measures.h"
+
+namespace qal::ikcheck {
+
+namespace {
+
+// So many steps of a run that don't return, and the rest of it is left out. A hang costs its
+// timeout, a crash next to nothing.
+constexpr size_t kCrashesPerRun = 10;
+constexpr size_t kHangsPerRun = 2;
+constexpr size_t kHangsInAll = 15;
+
+struct RunEnded {};
+
+struct LoadFailure {
+  char text[1024];
+};
+
+Finding FindingOf(Loss::Kind kind) {
+  switch (kind) {
+    case Loss::Kind::kCrash:
+      return Finding::kCrash;
+    case Loss::Kind::kExit:
+      return Finding::kExit;
+    case Loss::Kind::kHang:
+      break;
+  }
+  return Finding::kHang;
+}
+
+}  // namespace
+
+Case CaseOf(const std::string& words, const Joints& joints) {
+  return {words, {{"joints", {joints.begin(), joints.end()}}}};
+}
+
+Case CaseOf(const std::string& words, const Question& question) {
+  Case shown{words};
+  if (question.from) shown = CaseOf(words, *question.from);
+  const Pose& pose = question.pose;
+  shown.numbers.push_back({"eetrans", {pose.position, pose.position + 3}});
+  shown.numbers.push_back({"eerot", {pose.rotation, pose.rotation + 9}});
+  return shown;
+}
+
+Session::Session(const Options& options_in, Report& report_in)
+    : options(options_in),
+      report(report_in),
+      library_(options.library),
+      sandbox_(options.timeout_s),
+      engine_(options.seed) {}
+
+void Session::Run(size_t count, const std::function<void(const Solver&, size_t)>& step,
+                  const std::function<Case(size_t, std::string)>& case_of) {
+  size_t crashes = 0;
+  size_t hangs = 0;
+  const auto on_loss = [&](const Loss& loss) {
+    report.Judge(FindingOf(loss.kind), false, [&] { return case_of(loss.step, loss.how); });
+    ++lost_;
+    const bool hang = loss.kind == Loss::Kind::kHang;
+    ++(hang ? hangs : crashes);
+    if (hang && ++hangs_ >= kHangsInAll) throw GivenUp("too many calls have not returned");
+    if (hangs >= kHangsPerRun || crashes >= kCrashesPerRun) throw RunEnded();
+  };
+  SharedArray<LoadFailure> failure(1);
+  const auto load_and_step = [&](size_t i) {
+    try {
+      step(library_.Get(), i);
+    } catch (const LoadError& error) {
+      std::strncpy(failure[0].text, error.what(), sizeof(failure[0].text) - 1);
+    }
+  };
+  Printed printed;
+  try {
+    printed = sandbox_.Run(count, load_and_step, on_loss);
+  } catch (const RunEnded&) {
+  }
+  if (failure[0].text[0] != '\0') {
+    throw tools::UsageError(fmt::format("cannot load {}", failure[0].text));
+  }
+  report.Judge(Finding::kPrints, printed.text.empty(), [&] {
+    return case_of(printed.step, fmt::format("wrote \"{}\"", printed.text.substr(0, 200)));
+  });
+}
+
+template <typename Answer>
+void Session::JudgeEnds(const SharedArray<Answer>& answers,
+                        const std::function<Case(size_t, std::string)>& case_of) {
+  for (size_t i = 0; i < answers.size(); ++i) {
+    const Answer& answer = answers[i];
+    if (answer.outcome == Outcome::kNotRun) continue;  // lost, which is judged, or left out
+    report.Passed(Finding::kCrash);
+    report.Passed(Finding::kExit);
+    report.Judge(Finding::kHang, answer.outcome != Outcome::kEndless,
+                 [&] { return case_of(i, "adds solutions without end"); });
+    report.Judge(Finding::kException, answer.outcome != Outcome::kThrew,
+                 [&] { return case_of(i, fmt::format("threw \"{}\"", answer.what)); });
+  }
+}
+
+SharedArray<FkAnswer> Session::Forward(const std::vector<Joints>& joints) {
+  SharedArray<FkAnswer> answers(joints.size());
+  const auto case_of = [&](size_t i, const std::string& words) {
+    return CaseOf("ComputeFk: " + words, joints[i]);
+  };
+  Run(
+      joints.size(), [&](const Solver& solver, size_t i) { solver.Forward(joints[i], answers[i]); },
+      case_of);
+  JudgeEnds(answers, case_of);
+  return answers;
+}
+
+SharedArray<IkAnswer> Session::Solve(const std::vector<Question>& questions) {
+  SharedArray<IkAnswer> answers(questions.size());
+  const auto case_of = [&](size_t i, const std::string& words) {
+    return CaseOf("ComputeIk: " + words, questions[i]);
+  };
+  Run(
+      questions.size(),
+      [&](const Solver& solver, size_t i) {
+        solver.Solve(questions[i].pose, questions[i].standing, answers[i]);
+      },
+      case_of);
+  JudgeEnds(answers, case_of);
+  for (size_t i = 0; i < answers.size(); ++i) {
+    if (answers[i].outcome == Outcome::kReturned) JudgeContract(questions[i], answers[i]);
+  }
+  if (report.Count(Finding::kSolutionLayout) > 0) throw GivenUp("its solutions can't be read");
+  return answers;
+}
+
+void Session::JudgeLayout(const Question& question, const IkAnswer& answer) {
+  if (answer.added == 0) return;  // nothing to see
+  constexpr size_t kPolymorphicBytes = 6 * 32;
+  report.Judge(Finding::kSolutionLayout, answer.odd_bytes == 0, [&] {
+    return CaseOf(fmt::format("a solution of {} bytes{}", answer.odd_bytes,
+                              answer.odd_bytes == kPolymorphicBytes
+                                  ? ": six entries of 32, so the solver was built with a header of "
+                                    "late 0x1000004b or after; build it again with an earlier one"
+                                  : ""),
+                  question);
+  });
+}
+
+void Session::JudgeContract(const Question& question, const IkAnswer& answer) {
+  JudgeLayout(question, answer);
+  // What a list that isn't empty makes of the result is judged by a check of its own.
+  if (question.standing > 0) return;
+  report.Judge(Finding::kAppendsOnFailure, answer.found || answer.added == 0, [&] {
+    return CaseOf(fmt::format("returned false, added {}", answer.added), question);
+  });
+  report.Judge(Finding::kTrueWithoutSolution, !answer.found || answer.added > 0,
+               [&] { return CaseOf("returned true, added nothing", question); });
+}
+
+Joints Session::RandomJoints() {
+  Joints joints;
+  for (double& joint : joints) joint = kPi * Random();
+  return joints;
+}
+
+std::vector<Joints> Session::RandomJoints(size_t count) {
+  std::vector<Joints> sets(count);
+  for (Joints& joints : sets) joints = RandomJoints();
+  return sets;
+}
+
+}  // namespace qal::ikcheck
