@@ -18,7 +18,7 @@ struct SphericalWristArm {
 };
 
 /// The turn of axis 1 to try in part `part`, between 0 and 1, of what is open: any as good.
-inline Lanes AngleToTry(const SphericalWristArm&, const Shoulder& shoulder, double part) {
+inline Lanes AngleToTry(const SphericalWristArm& /*arm*/, const Shoulder& shoulder, double part) {
   return shoulder.open * (2 * part - 1) * kOne;
 }
 
