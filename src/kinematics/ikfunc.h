@@ -25,8 +25,13 @@
 /// - Pointers must not be null and must point to as many elements as said.
 /// - Messages to standard error are raw bytes; lines to standard output go through `std::cout`.
 /// - Nothing throws but the containers (std::bad_alloc), the streams where the host has switched
-///   their exceptions on, and a solver that throws; all of these pass through.
-/// - Operations may run at once on distinct data as far as the solver allows it.
+///   their exceptions on, and a solver that throws; all of these pass through. They leave waypoints
+///   as they were, and in a vector or an array whole points only: what was there, or the beginning
+///   of the trajectory.
+/// - Operations may run at once on distinct data as far as the solver allows it, and while
+///   `std::cout` is synchronised with stdio, as it is unless the host has switched that off.
+/// - Only the range of an `int` bounds the points of an S-curve line and of a ramped joint move: a
+///   jerk next to nothing, or joints turning for hours, ask for gigabytes.
 class QAL_API Ikfunc {
  public:
   Ikfunc();
@@ -200,6 +205,10 @@ class QAL_API Ikfunc {
   /// the jump to the end point covers what is left, less than one cruise step. 2 * speed + cruise
   /// steps + 2 points. Every point has the start orientation and is solved within 0.518 rad of the
   /// one before, but for the last: that is `e_point` as given, unsolved.
+  ///
+  /// The direction comes from the slopes against the first axis along which the points differ.
+  /// Where this difference is 1e154 times smaller than another, the steps have no length or are
+  /// NaN.
   /// @param s_point    start, joints known
   /// @param e_point    end, within 1 m on each axis and 0.0001 in each quaternion component
   /// @param point_road out: cleared and refilled

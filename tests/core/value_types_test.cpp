@@ -54,11 +54,13 @@ TEST(ValueTypes, CutTheirDecimals) {
 
 TEST(ValueTypes, PrintOneBlockWhateverTheStreamsFormat) {
   const std::ios_base::fmtflags flags = std::cout.setf(std::ios_base::fixed | std::ios_base::hex);
+  std::cout.width(400);
   EXPECT_EQ(Printed(From({0.123456789012, -2, 1e-7, 1, 0, 0, 0, 0.5, -0.25, 3, 0, 0, kNan, 1})),
             "position [m]: x 0.123456789  y -2  z 1e-07\n"
             "orientation (quaternion): w 1  x 0  y 0  z 0\n"
             "joints [rad]:  q1 0.5  q2 -0.25  q3 3  q4 0  q5 0  q6 nan\n"
             "ik_flag: true\n");
+  EXPECT_EQ(std::cout.width(0), 400);
   std::cout.flags(flags);
   EXPECT_NE(Printed(RoadPoint()).find("\nik_flag: false\n"), std::string::npos);
 }

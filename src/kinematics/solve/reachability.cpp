@@ -18,8 +18,10 @@ bool Ikfunc::ChekcArmPointok(RoadPoint testpoint) {
 bool Ikfunc::ArmCheckAndCountSimilarIk(RoadPoint& cur_stat) {
   qal::SolutionList solutions;
   if (qal::AskSolver(cur_stat, solutions)) return true;
-  if (ArmJointIk(cur_stat, cur_stat.jointpos, qal::kHoldStepRad)) {
-    (void)ArmFk(cur_stat);  // on failure the unreachable pose stands, with its message
+  RoadPoint similar = cur_stat;  // so that a solver that throws leaves no half of it behind
+  if (ArmJointIk(similar, similar.jointpos, qal::kHoldStepRad)) {
+    (void)ArmFk(similar);  // on failure the unreachable pose stands, with its message
+    cur_stat = similar;
     return true;
   }
   qal::WriteLine(qal::kUnreachableLine);

@@ -81,11 +81,13 @@ bool Ikfunc::CountCurveLineToBuffer(RoadPoint s_point, RoadPoint e_point, int st
                                     RoadPoint* point_array) {
   if (step_count < 1) return false;
   for (int i = 0; i < step_count - 1; ++i) {
+    RoadPoint point = point_array[i];
     for (int j = 0; j < qal::kJointCount; ++j) {
       const double dst = e_point.jointpos[j] - s_point.jointpos[j];
-      point_array[i].jointpos[j] = dst * i / step_count + s_point.jointpos[j];
+      point.jointpos[j] = dst * i / step_count + s_point.jointpos[j];
     }
-    (void)ArmFk(point_array[i]);  // on failure the element keeps the pose it had
+    (void)ArmFk(point);  // on failure the element keeps the pose it had
+    point_array[i] = point;
   }
   point_array[step_count - 1] = e_point;
   return true;

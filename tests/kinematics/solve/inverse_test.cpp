@@ -206,6 +206,15 @@ TEST_F(Inverse, ReachabilityLeavesASolvableWaypointAndHoldsAnother) {
     EXPECT_EQ(Ikfunc::ArmIk(point), nothing == 0);  // only asks
     EXPECT_EQ(All(point), All(start));
   }
+  // A solver that throws when it is asked for the held joints' pose, after the nudged ones'.
+  RoadPoint point = start;
+  FindNothing(2);
+  script.inverse = [&](const SolverPose&) { return Found({{0.5, 0, -0.5, 0.1, 0.1, 0.1}}); };
+  script.forward = [calls = 0](const Joints& joints) mutable {
+    return ++calls == 1 ? GantryForward(joints) : throw std::bad_alloc();
+  };
+  EXPECT_ANY_THROW(Ikfunc::ArmCheckAndCountSimilarIk(point));
+  EXPECT_EQ(All(point), All(start));
 }
 
 TEST_F(Inverse, PositionsAgreeWithJointsToTwoMillimetresAnAxis) {

@@ -54,6 +54,11 @@ TEST_F(JointMove, FillsAnArrayAtEvenFractionsAndEndsWithTheEndPoint) {
   array[0] = Solved(Waypoint(Pos(1, 2, 3)), {9, 9, 9, 9, 9, 9});
   (void)Captured([&] { return Ikfunc::CountCurveLineToBuffer(start_, end, 2, array); });
   EXPECT_EQ(All(array[0]), All(Solved(Waypoint(Pos(1, 2, 3)), {0, 0, 0, 0, 0, 0})));
+  // Where it throws, the element is what it was.
+  array[0] = start_;
+  script.forward = [](const Joints&) -> SolverPose { throw std::bad_alloc(); };
+  EXPECT_ANY_THROW(Ikfunc::CountCurveLineToBuffer(end, end, 2, array));
+  EXPECT_EQ(All(array[0]), All(start_));
 }
 
 // Travel in ramp units, top speed 5: 15 up, 27.3 cruise in 5 steps, 14 down, and 1 to the end
