@@ -10,7 +10,11 @@ TEST_DEPS := libgtest-dev pkg-config abigail-tools clang-tidy cppcheck $(BENCH_D
 DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
                --max-position-error 1e-6 --max-orientation-error 1e-6
 
-.PHONY: demo test lint coverage figures bench bench-check build-deps test-deps bench-deps clean
+# How long `fuzz` takes with each harness, and `tsan`.
+SECONDS ?= 60
+
+.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check build-deps test-deps \
+        bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -56,6 +60,29 @@ bench: bench-deps
 bench-check: bench-deps
 	cmake --preset bench
 	cmake --build --preset bench --target bench-check
+
+## Searches for inputs that break something, with each fuzz harness for SECONDS.
+fuzz: test-deps
+	packaging/install-deps clang libclang-rt-14-dev
+	cmake --preset fuzz
+	cmake --build --preset fuzz
+	tests/fuzz/run $(SECONDS)
+
+## Runs every operation in 8 threads at once for SECONDS, under the thread sanitizer.
+tsan: test-deps
+	cmake --preset tsan
+	cmake --build --preset tsan
+	QAL_THREAD_SECONDS=$(SECONDS) ctest --preset tsan
+
+## Runs the library's and the solver's tests under valgrind.
+valgrind: test-deps
+	packaging/install-deps valgrind
+	cmake --preset dev
+	cmake --build --preset dev
+	for test in library robustness solver; do \
+	  valgrind -q --leak-check=full --error-exitcode=1 \
+	    --soname-synonyms=somalloc=nouserintercepts build/dev/bin/qal_$${test}_test || exit 1; \
+	done
 
 build-deps:
 	packaging/install-deps $(BUILD_DEPS)

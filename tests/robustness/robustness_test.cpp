@@ -1,0 +1,178 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <clocale>
+#include <cstdlib>
+#include <iomanip>
+#include <iostream>
+#include <random>
+#include <thread>
+
+#include "captured.h"
+#include "kinematics/ikfunc.h"
+#include "operations.h"
+#include "stand_ins.h"
+
+namespace {
+
+constexpr int kMostQuestions = 100;
+
+Bytes Random(unsigned seed) {
+  Bytes bytes(700);
+  std::mt19937 random(seed);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  return bytes;
+}
+
+// Calls an operation with many arguments.
+std::vector<Frame> PerformAll(const Operation& operation) {
+  const unsigned count = operation.group == "solve" ? 500 : 100;  // they are short, and branch most
+  std::vector<Frame> frames;
+  for (unsigned seed = 0; seed < count; ++seed) {
+    frames.push_back(Perform(operation, Random(seed), kMostQuestions));
+  }
+  return frames;
+}
+
+using AllTold = Outcome<std::vector<Frame>>;
+
+AllTold Told(const Operation& operation) {
+  return Captured([&] { return PerformAll(operation); });
+}
+
+void ExpectSame(const AllTold& expected, const AllTold& found, bool with_out = true) {
+  const std::vector<Frame>& frames = std::get<0>(expected);
+  for (size_t seed = 0; seed < frames.size(); ++seed) {
+    EXPECT_EQ(frames[seed].fault, "") << "seed " << seed;
+    EXPECT_TRUE(SameBits(frames[seed], std::get<0>(found)[seed])) << "seed " << seed;
+  }
+  EXPECT_EQ(with_out ? std::get<1>(expected) : "", std::get<1>(found));
+  EXPECT_EQ(std::get<2>(expected), std::get<2>(found));
+}
+
+struct Grouped : std::numpunct<char> {
+  char do_decimal_point() const override { return ','; }
+  std::string do_grouping() const override { return "\1"; }
+};
+
+TEST(Operations, DependOnNothingButTheirArguments) {
+  const std::ios defaults(nullptr);
+  const std::locale odd(std::locale::classic(), new Grouped);
+  for (const Operation& operation : Operations()) {
+    SCOPED_TRACE(operation.name);
+    const AllTold plain = Told(operation);
+    ExpectSame(plain, Told(operation));
+
+    std::cout << std::hex << std::showpos << std::scientific << std::setprecision(2) << std::left
+              << std::setfill('*') << std::setw(99);
+    std::cout.imbue(odd);
+    std::locale::global(odd);
+    (void)std::setlocale(LC_ALL, "de_DE.UTF-8");  // where the machine has it
+    ExpectSame(plain, Told(operation));
+    EXPECT_EQ(std::cout.width(), 99);
+    std::locale::global(std::locale::classic());
+    std::cout.copyfmt(defaults);
+
+    std::cout.setstate(std::ios::failbit);
+    ExpectSame(plain, Told(operation), false);
+    std::cout.clear();
+    ExpectSame(plain, Captured([&] { return close(1), PerformAll(operation); }), false);
+    std::cout.clear();
+  }
+}
+
+// Whether each point is whole: as the complete call wrote it, unless that has taken all back, or as
+// it was.
+bool IsPrefix(const std::vector<RoadPoint>& part, const std::vector<RoadPoint>& whole) {
+  for (size_t i = 0; i < part.size() && !whole.empty(); ++i) {
+    if (SameBits(part[i], Canary())) continue;
+    if (i >= whole.size() || !SameBits(part[i], whole[i])) return false;
+  }
+  return true;
+}
+
+// Lets each allocation fail in a call of its own. Returns what is wrong.
+std::string Starve(const Operation& operation, const Bytes& bytes) {
+  constexpr int kFewQuestions = 25;
+  const Frame whole = Perform(operation, bytes, kFewQuestions);
+  for (long k = 1;; ++k) {
+    const long live = allocations.live;
+    auto part = std::make_optional(Perform(operation, bytes, kFewQuestions, k));
+    if (!part->fault.empty()) return part->fault;
+    if (!part->starved) return "";
+    if (part->result) return "not told of allocation " + std::to_string(k);
+    if (!IsPrefix(part->road, whole.road) || !IsPrefix(part->array, whole.array)) return "half";
+    part.reset();
+    if (allocations.live != live) return "leaks at allocation " + std::to_string(k);
+  }
+}
+
+TEST(Operations, PassOnThatMemoryHasRunOutAndLeakNothing) {
+  for (const Operation& operation : Operations()) {
+    const auto wrong = [&] {
+      std::string all;
+      for (unsigned seed = 0; seed < 100; ++seed) all += Starve(operation, Random(seed));
+      return all;
+    };
+    EXPECT_EQ(std::get<0>(Captured(wrong)), "") << operation.name;
+  }
+}
+
+TEST(Operations, AllocateTheTrapezoidsStepTableOnce) {
+  const Bytes none;
+  ByteInput in(none);
+  byte_solver = {&in, 1000, false, true, {}};
+  RoadPoint end;
+  end.jointpos[0] = 0.01;
+  std::vector<RoadPoint> road;
+  road.reserve(1000);
+  const auto made = [&] {
+    const long before = allocations.made;
+    (void)Ikfunc::CountRunCurvelLineToBuffer(RoadPoint(), end, &road, 50, 10000);
+    return allocations.made - before;
+  };
+  EXPECT_EQ(std::get<0>(Captured(made)), 1);
+  EXPECT_EQ(road.size(), 24u);
+}
+
+// Runs for QAL_THREAD_SECONDS, otherwise shortly.
+TEST(Threads, GetTheResultsOfOneByItself) {
+  constexpr size_t kThreads = 8;
+  constexpr size_t kSeeds = 10;  // each thread has its own
+  const char* seconds = std::getenv("QAL_THREAD_SECONDS");
+  const std::vector<Operation>& operations = Operations();
+  const auto perform = [&](size_t i) {
+    const auto seed = static_cast<unsigned>(i / operations.size());
+    return Perform(operations[i % operations.size()], Random(seed), kMostQuestions);
+  };
+  std::atomic<long> calls{0}, different{0};
+  const auto run = [&] {
+    // The messages go nowhere: a minute's would fill the disk.
+    const int nowhere = open("/dev/null", O_WRONLY);
+    for (const int descriptor : {1, 2}) dup2(nowhere, descriptor);
+    close(nowhere);
+    std::vector<Frame> expected;
+    const size_t share = kSeeds * operations.size();
+    for (size_t i = 0; i < kThreads * share; ++i) expected.push_back(perform(i));
+    const auto end = std::chrono::steady_clock::now() +
+                     std::chrono::duration<double>(seconds != nullptr ? std::atof(seconds) : 0.3);
+    const auto work = [&](size_t thread) {
+      for (size_t k = 0; std::chrono::steady_clock::now() < end; ++k, ++calls) {
+        const size_t i = thread * share + k % share;
+        if (!SameBits(perform(i), expected[i])) ++different;
+      }
+    };
+    std::vector<std::thread> threads;
+    for (size_t thread = 0; thread < kThreads; ++thread) threads.emplace_back(work, thread);
+    for (std::thread& thread : threads) thread.join();
+    return 0;
+  };
+  (void)Captured(run);
+  EXPECT_EQ(different, 0);
+  RecordProperty("calls", std::to_string(calls));
+}
+
+}  // namespace
