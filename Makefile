@@ -51,7 +51,7 @@ figures: demo
 	packaging/install-deps python3-matplotlib
 	docs/plot_trajectories.py build/release/bin
 
-## Times the library beside its peers: the table of docs/performance.md, anew.
+## Times the library beside its peers: a table of ratios, as text, JSON and a picture.
 bench: bench-deps
 	cmake --preset bench
 	cmake --build --preset bench --target bench
