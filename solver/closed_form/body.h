@@ -140,6 +140,9 @@ inline Shoulder TurnedOn(const Body& body, const Shoulder& shoulder, Lanes angle
 /// the family's `AngleToTry` proposes.
 template <class Arm>
 Solutions Solve(const Arm& arm, const Frame& target) {
+  // Rounding is judged by the size of the position: by an infinite one, everything is within reach.
+  const Vector<double>& p = target.position;
+  if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return {};
   const Shoulder shoulder = SolveShoulder(arm.body, target);
   Solutions solutions = SolveFrom(arm, shoulder);
   constexpr double kOpenRad = 1e-10;  // a smaller change brings nothing within reach

@@ -54,7 +54,11 @@ inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& 
   Lanes end_along = start_along < least ? least : start_along;
   end_along = end_along > most ? most : end_along;
   const Lanes product2 = along * along + across * across;
-  const Mask possible = (product2 > 0) & (end_along * end_along <= product2);
+  // On the rim the palm has to point straight at axis 2 or away from it: as far as rounding goes.
+  const Lanes product = Sqrt(product2);
+  const Lanes past = product + shoulder.rounding * outer;
+  const Mask possible = (product2 > 0) & (end_along <= past) & (-end_along <= past);
+  end_along = end_along > product ? product : end_along < -product ? -product : end_along;
   const Lanes end_across = NegatedWhere(start_across < 0, Sqrt(product2 - end_along * end_along));
   const Lanes per_product2 = 1 / (possible ? product2 : kOne);
   const Lanes off_along = end_along - start_along;

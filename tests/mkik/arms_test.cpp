@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <kdl/chainfksolverpos_recursive.hpp>
+#include <limits>
 #include <random>
 
 #include "../../solver/reference_arm.h"
@@ -170,6 +171,26 @@ KDL::Chain ChainOf(const Arm& arm, const std::string& path) {
   if (ortho_parallel) before = before * KDL::Frame(KDL::Vector(0, 0, length("c4")));
   chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), before * fixed("flange")));
   return chain;
+}
+
+// Joints at multiples of 90 degrees put several singularities together, the stretched arm among
+// them, where a wrist that is free has just one angle that reaches.
+TEST_P(EveryArm, AnswersRightAnglesAndRefusesWhatIsNotFinite) {
+  constexpr double kInfinity = std::numeric_limits<double>::infinity();
+  for (int code = 0; code < 4096; ++code) {
+    Joints q;
+    for (int j = 0; j < 6; ++j) q[j] = (((code >> (2 * j)) & 3) - 1) * kPi / 2;
+    SCOPED_TRACE(code);
+    ExpectSound(Solve(Forward(q)), Forward(q), 1e-12);
+    if (HasFatalFailure()) return;
+  }
+  for (const double value : {kInfinity, -kInfinity, std::nan(""), 1e200}) {
+    for (int i = 0; i < 3; ++i) {
+      Frame target = Forward(RandomJoints());
+      target.position.element[i] = value;
+      EXPECT_EQ(Solve(target).Count(), 0u) << value << " at " << i;
+    }
+  }
 }
 
 TEST_P(EveryArm, HasTheForwardKinematicsOfAnIndependentLibrary) {
