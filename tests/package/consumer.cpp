@@ -1,5 +1,6 @@
-#include <cmath>
 #include <kinematics/ikfunc.h>
+
+#include <cmath>
 
 // Solves a pose for the joints it came from, with the solver that the loader finds.
 int main() {

@@ -169,8 +169,8 @@ class TableReader {
     return lines;
   }
 
-  // Joint j: Rz(theta) Tz(d) Tx(a) Rx(alpha); modified: Rx(alpha) Tx(a) Rz(theta) Tz(d). Turns about
-  // an axis and moves along it may change places.
+  // Joint j: Rz(theta) Tz(d) Tx(a) Rx(alpha); modified: Rx(alpha) Tx(a) Rz(theta) Tz(d). Turns
+  // about an axis and moves along it may change places.
   static void DenavitHartenberg(const std::vector<JointLine>& lines, bool modified,
                                 std::array<Frame, 6>& before, std::array<Frame, 6>& after,
                                 std::array<Vector3, 6>& axes) {
