@@ -1,7 +1,7 @@
 # Thin calls of the CMake presets. Each target first installs the Debian packages that it needs and
 # that are missing (as root, or through sudo).
 
-BUILD_DEPS := g++ cmake make libcli11-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
+BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
               libyaml-dev nlohmann-json3-dev
 BENCH_DEPS := libbenchmark-dev liborocos-kdl-dev python3 valgrind
 TEST_DEPS := libgtest-dev pkg-config abigail-tools clang-tidy cppcheck $(BENCH_DEPS)
