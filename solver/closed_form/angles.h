@@ -32,6 +32,9 @@ inline Lanes Sqrt(Lanes v) {
   return Lanes{std::sqrt(positive[0]), std::sqrt(positive[1])};
 }
 
+/// `v`, but not further from zero than `most`.
+inline Lanes Clamped(Lanes v, Lanes most) { return v > most ? most : v < -most ? -most : v; }
+
 /// Sine and cosine of an angle; T is double or Lanes.
 template <class T>
 struct Turn {

@@ -135,9 +135,16 @@ inline Shoulder TurnedOn(const Body& body, const Shoulder& shoulder, Lanes angle
   return turned;
 }
 
+/// How many more angles 1 are tried where rounding has left it open.
+constexpr int kTrials = 10;
+
+/// Trial `trial` of those spread evenly over what is open: how far to turn angle 1 on [rad].
+inline Lanes SpreadAngle(const Shoulder& shoulder, int trial) {
+  return shoulder.open * ((2 * trial + 1.0) / kTrials - 1) * kOne;
+}
+
 /// All joints for the tool frame `target`. Where rounding has left model angle 1 open and the arm
-/// doesn't reach with the first choice, others are tried: spread over what is open, and what
-/// the family's `AngleToTry` proposes.
+/// doesn't reach with the first choice, the family's `AngleToTry` proposes others.
 template <class Arm>
 Solutions Solve(const Arm& arm, const Frame& target) {
   // Rounding is judged by the size of the position: by an infinite one, everything is within reach.
@@ -145,14 +152,10 @@ Solutions Solve(const Arm& arm, const Frame& target) {
   if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return {};
   const Shoulder shoulder = SolveShoulder(arm.body, target);
   Solutions solutions = SolveFrom(arm, shoulder);
-  constexpr double kOpenRad = 1e-10;  // a smaller change brings nothing within reach
+  constexpr double kOpenRad = 1e-12;  // a smaller change does less than `reached` allows for
   if (!(shoulder.open > kOpenRad)) return solutions;
-  constexpr int kTrials = 32;
-  for (int i = 0; i < kTrials && solutions.Count() == 0; ++i) {
-    const double part = (i + 0.5) / kTrials;
-    const Lanes most = shoulder.open * kOne;
-    Lanes angle = i % 2 == 0 ? AngleToTry(arm, shoulder, part) : (2 * part - 1) * most;
-    angle = angle > most ? most : angle < -most ? -most : angle;
+  for (int trial = 0; trial < kTrials && solutions.Count() == 0; ++trial) {
+    const Lanes angle = Clamped(AngleToTry(arm, shoulder, trial), shoulder.open * kOne);
     solutions = SolveFrom(arm, TurnedOn(arm.body, shoulder, angle));
   }
   return solutions;

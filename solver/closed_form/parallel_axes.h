@@ -26,6 +26,17 @@ struct Palm {
         z(pitch.cosine * arm.palm_z - pitch.sine * arm.palm_x) {}
 };
 
+/// How far axis 4 is from axis 2: the square of it is far2 - 2 * along. The pitch that is more by
+/// an angle turns (along, across) by it, from along towards across.
+struct PalmReach {
+  Lanes along, across, far2;
+  PalmReach(const Shoulder& shoulder, const Palm<Lanes>& palm)
+      : along(palm.x * shoulder.x + palm.z * shoulder.z),
+        across(palm.x * shoulder.z - palm.z * shoulder.x),
+        far2(shoulder.x * shoulder.x + shoulder.z * shoulder.z + palm.x * palm.x +
+             palm.z * palm.z) {}
+};
+
 /// With axis 6 nearly parallel to axes 2 to 4, the pitch is lost in the rounding of the target, and
 /// may lie out of reach while another that does as well does not. Then this is the nearest within
 /// reach; else `pitch` itself.
@@ -35,12 +46,7 @@ inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& 
   constexpr double kPitchNoise = 1e-12;
   const double outer = arm.body.upper_arm + arm.body.forearm;
   const double inner = arm.body.upper_arm - arm.body.forearm;
-  // The square of axis 4's distance from axis 2 is far2 - 2 * along.
-  const Palm<Lanes> palm(arm, pitch);
-  const Lanes along = palm.x * shoulder.x + palm.z * shoulder.z;
-  const Lanes across = palm.x * shoulder.z - palm.z * shoulder.x;
-  const Lanes far2 =
-      shoulder.x * shoulder.x + shoulder.z * shoulder.z + palm.x * palm.x + palm.z * palm.z;
+  const auto [along, across, far2] = PalmReach(shoulder, Palm<Lanes>(arm, pitch));
   const Lanes least = (far2 - outer * outer) / 2;
   const Lanes most = (far2 - inner * inner) / 2;
   const Mask within = ((along >= least) & (along <= most)) | ((-along >= least) & (-along <= most));
@@ -58,7 +64,7 @@ inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& 
   const Lanes product = Sqrt(product2);
   const Lanes past = product + shoulder.rounding * outer;
   const Mask possible = (product2 > 0) & (end_along <= past) & (-end_along <= past);
-  end_along = end_along > product ? product : end_along < -product ? -product : end_along;
+  end_along = Clamped(end_along, product);
   const Lanes end_across = NegatedWhere(start_across < 0, Sqrt(product2 - end_along * end_along));
   const Lanes per_product2 = 1 / (possible ? product2 : kOne);
   const Lanes off_along = end_along - start_along;
@@ -73,15 +79,30 @@ inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& 
           allowed ? NegatedWhere(over, moved.cosine) : pitch.cosine};
 }
 
-/// The turn of axis 1 that gives the pitch `part` * pi, for `part` between 0 and 1: what is within
-/// reach depends on the pitch.
-inline Lanes AngleToTry(const ParallelAxesArm&, const Shoulder& shoulder, double part) {
+/// Trial `trial` of model angle 1 where it is open. What is within reach depends on the pitch, and
+/// the pitch on angle 1: so besides the spread ones there are those with axis 6 as parallel to axes
+/// 2 to 4 as it gets, where every pitch does, and with axis 4 on the rims of what can be reached.
+inline Lanes AngleToTry(const ParallelAxesArm& arm, const Shoulder& shoulder, int trial) {
+  if (trial % 2 != 0) return SpreadAngle(shoulder, trial);
   // In the arm's frame axis 6 is (-sin(5) cos(pitch), cos(5), sin(5) sin(pitch)). Its height is
   // given, so that the pitch says how far forward it has to point.
   const Vector<Lanes> axis6 = {{shoulder.hand[0][1], shoulder.hand[1][1], shoulder.hand[2][1]}};
-  const double angle = part * kPi;
-  const Lanes forward = -axis6[2] * (std::cos(angle) / std::sin(angle));
+  Lanes forward = kZero;
+  if (trial > 0) {
+    const double rim = arm.body.upper_arm + (trial % 4 == 0 ? arm.body.forearm : -arm.body.forearm);
+    // From the palm at pitch zero to where it takes axis 4 to the rim, on either side.
+    const auto [along, across, far2] =
+        PalmReach(shoulder, Palm<Lanes>(arm, Turn<Lanes>{kZero, kOne}));
+    const Lanes product2 = along * along + across * across;
+    const Lanes end_along = Clamped((far2 - rim * rim) / 2, Sqrt(product2));
+    const Lanes end_across = Sqrt(product2 - end_along * end_along) * (trial > 4 ? -kOne : kOne);
+    const Lanes sine = along * end_across - across * end_along;
+    const Lanes cosine = along * end_along + across * end_across;
+    // With sine and height both zero any will do.
+    forward = -axis6[2] * cosine / (sine == 0 ? kOne : sine);
+  }
   const Lanes level2 = axis6[0] * axis6[0] + axis6[1] * axis6[1];
+  forward = Clamped(forward, Sqrt(level2));
   const Lanes lateral = NegatedWhere(axis6[1] < 0, Sqrt(level2 - forward * forward));
   const Turn<Lanes> now = {axis6[1], axis6[0]};
   const Turn<Lanes> then = {lateral, forward};

@@ -17,9 +17,9 @@ struct SphericalWristArm {
   Turn<double> skew;  ///< {0, 1} for the usual arm, whose axis 4 is at right angles to axis 3
 };
 
-/// The turn of axis 1 to try in part `part`, between 0 and 1, of what is open: any as good.
-inline Lanes AngleToTry(const SphericalWristArm& /*arm*/, const Shoulder& shoulder, double part) {
-  return shoulder.open * (2 * part - 1) * kOne;
+/// Trial `trial` of model angle 1 where it is open: any is as good.
+inline Lanes AngleToTry(const SphericalWristArm& /*arm*/, const Shoulder& shoulder, int trial) {
+  return SpreadAngle(shoulder, trial);
 }
 
 /// All joints for what is left of a target: facing it, then with the back to it; elbow angle

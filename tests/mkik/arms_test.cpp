@@ -103,18 +103,21 @@ TEST_P(EveryArm, SolvesRandomPosesAndFindsTheJointsTheyCameFrom) {
   EXPECT_GT(exact, kPoses / 1000 * 998);
 }
 
-// Wrist (model angle 5), elbow (model angle 3) and shoulder, alone and in pairs, on the spot and
-// 1e-16 to 1e-4 rad beside it.
+// Wrist (model angle 5), elbow (model angle 3) and shoulder, alone and together, on the spot and
+// 1e-16 to 1e-4 rad beside it; the other joints anywhere or at right angles.
 TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
   const closed_form::Body& body = BodyOf(model_);
   const auto put = [&](Joints& q, size_t j, double angle) {
     q[j] = body.direction[j] * (angle - body.zero[j]);
   };
   int shoulders = 0;
-  for (int i = 0; i < 6000; ++i) {
+  for (int i = 0; i < 7000; ++i) {
     Joints joints = RandomJoints();
-    const int kind = 1 + i % 6;  // a bit each: wrist, elbow, shoulder
-    const double off = i % 14 == 0 ? 0.0 : std::pow(10.0, -17 + i % 14) * (i % 4 < 2 ? 1 : -1);
+    if (i % 3 == 0) {
+      for (size_t j = 0; j < 6; ++j) put(joints, j, std::round(joints[j] / kPi * 2) * kPi / 2);
+    }
+    const int kind = 1 + i % 7;  // a bit each: wrist, elbow, shoulder
+    const double off = i % 13 == 0 ? 0.0 : std::pow(10.0, -17 + i % 13) * (i % 4 < 2 ? 1 : -1);
     if (kind & 1) put(joints, 4, (i % 5 < 2 ? 0 : kPi) + off);
     if (kind & 2) put(joints, 2, (i % 5 < 3 ? 0 : kPi) + off);
     if (kind & 4) {
