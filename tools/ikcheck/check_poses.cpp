@@ -112,7 +112,9 @@ void CheckSingularPoses(Session& session, Row& row) {
   session.singularities = FindSingularities(session, starts);
   std::vector<Joints> sets;
   for (const Singularity& at : session.singularities) sets.push_back(at.joints);
-  CheckJoints(session, sets, row);
+  PoseJudge judge(session);
+  judge.AskFor(sets, true);
+  judge.Fill(row);
 }
 
 // Beside those of the check before.

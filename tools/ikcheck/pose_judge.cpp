@@ -129,7 +129,7 @@ void PoseJudge::JudgeOriginal(const Original& original, const Asked& asked) {
                [&] { return shown(fmt::format("nearest solution {:.3g} rad away", nearest)); });
 }
 
-void PoseJudge::AskFor(const std::vector<Joints>& joints) {
+void PoseJudge::AskFor(const std::vector<Joints>& joints, bool counter_turns) {
   const auto poses = session_.Forward(joints);
   const std::vector<Jacobian> jacobians = Jacobians(session_, joints);
   std::vector<Original> originals;
@@ -137,7 +137,9 @@ void PoseJudge::AskFor(const std::vector<Joints>& joints) {
     const double smallest = SmallestSingularValue(jacobians[i]);
     if (poses[i].outcome != Outcome::kReturned || std::isnan(smallest)) continue;
     originals.push_back({{poses[i].pose, joints[i]}, smallest, std::nullopt});
-    if (smallest < kSingularValue) originals.back().counter_turn = CounterTurn(jacobians[i]);
+    if (counter_turns && smallest < kSingularValue) {
+      originals.back().counter_turn = CounterTurn(jacobians[i]);
+    }
   }
   std::vector<Question> questions;
   for (const Original& original : originals) questions.push_back(original.question);

@@ -25,7 +25,10 @@ class PoseJudge {
 
   /// Poses made from joints: they have to be solved, and the joints to be found again. Some
   /// thousand at a time: the answers of 1000 take 4 MB.
-  void AskFor(const std::vector<Joints>& joints);
+  /// @param counter_turns also judge singular sets where two axes are one line: the joints may come
+  ///                      back with these two turned against each other. Not for sets that are
+  ///                      singular in several ways, where there is more to choose from.
+  void AskFor(const std::vector<Joints>& joints, bool counter_turns = false);
 
   void Fill(Row& row) const;
 
