@@ -11,7 +11,7 @@ install(FILES src/core/export.h src/core/pos.h src/core/roadpoint.h
 install(FILES src/kinematics/ikfast.h src/kinematics/ikfunc.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/QAL_kinematics/kinematics)
 install(DIRECTORY solver/closed_form DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/QAL_kinematics/solver)
-install(FILES arms/reference.urdf DESTINATION ${CMAKE_INSTALL_DATADIR}/QAL_kinematics/arms)
+install(DIRECTORY arms DESTINATION ${CMAKE_INSTALL_DATADIR}/QAL_kinematics)
 
 install(EXPORT QAL_kinematics_targets NAMESPACE QAL:: DESTINATION ${QAL_CMAKE_DIR})
 configure_package_config_file(packaging/QAL_kinematicsConfig.cmake.in QAL_kinematicsConfig.cmake
