@@ -11,6 +11,15 @@ foreach(target QAL_kinematics ik)
   add_dependencies(update_exports ${target})
 endforeach()
 
+# One initialiser, the compiler's own. Sanitizers and coverage bring more.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage")
+  foreach(target QAL_kinematics ik)
+    add_test(NAME Abi.NothingRunsAtLoad.${target} COMMAND readelf -SW $<TARGET_FILE:${target}>)
+    set_tests_properties(Abi.NothingRunsAtLoad.${target} PROPERTIES PASS_REGULAR_EXPRESSION
+                                                                    "INIT_ARRAY +[^ ]+ [^ ]+ 000008 ")
+  endforeach()
+endif()
+
 add_test(NAME Abi.IncludeDirections COMMAND ${CMAKE_COMMAND} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
                                             -P ${abi}/include_directions.cmake)
 

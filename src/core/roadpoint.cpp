@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <iostream>
 #include <iterator>
 #include <string_view>
 
 #include "decimals.h"
+#include "standard_output.h"
 
 RoadPoint::RoadPoint() : jointpos{}, ik_flag(false) {}
 
@@ -58,5 +58,5 @@ void RoadPoint::printfPoint() {
   }
   const std::string_view truth = flag ? "true\n" : "false\n";
   end = std::copy(truth.begin(), truth.end(), end);
-  std::cout.write(block, end - block).flush();
+  qal::StandardOutput().write(block, end - block).flush();
 }

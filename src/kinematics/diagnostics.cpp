@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <iostream>
+#include <ostream>
+
+#include "../core/standard_output.h"
 
 namespace qal {
 
@@ -27,8 +29,9 @@ void WriteError(std::string_view message) {
 
 void WriteLine(std::string_view text) {
   // Unformatted: the width and fill that the host has set don't reach the line.
-  std::cout.write(text.data(), static_cast<std::streamsize>(text.size()));
-  std::cout << std::endl;
+  std::ostream& out = StandardOutput();
+  out.write(text.data(), static_cast<std::streamsize>(text.size()));
+  out << std::endl;
 }
 
 void WriteLine(std::string_view text, int number) { WriteNumbered(text, number); }
