@@ -24,17 +24,17 @@ demo: build-deps
 	build/release/bin/02_pick_and_place out/pick_and_place.csv
 	build/release/bin/qal verify out/pick_and_place.csv $(DEMO_LIMITS)
 
-## Builds and runs every test, plain and under the address and undefined-behaviour sanitizers. The
-## slow half of the static analysis is in `make lint`.
+## Builds and runs every test, plain and under the address and undefined-behaviour sanitizers, static
+## analysis with them.
 test: test-deps
 	cmake --preset asan
 	cmake --build --preset asan
 	ctest --preset asan
 	cmake --preset dev
 	cmake --build --preset dev
-	ctest --preset dev -E '^Lint.ClangTidy'
+	ctest --preset dev
 
-## Static analysis of src, solver and tools.
+## The static analysis of src, solver and tools alone.
 lint: test-deps
 	cmake --preset dev
 	ctest --preset dev -R '^Lint'

@@ -13,6 +13,7 @@ namespace qal {
 // This library runs nothing then: it takes the stream by its symbol, and sees to it when it first
 // writes.
 #ifdef __GLIBCXX__
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
 extern std::ostream standard_output __asm__("_ZSt4cout");
 
 /// `std::cout`.

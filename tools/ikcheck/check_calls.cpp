@@ -40,6 +40,7 @@ Asked AskSome(Session& session, size_t count) {
 }
 
 // To the last bit, which takes NaN for the same as itself.
+// NOLINTBEGIN(bugprone-suspicious-memory-comparison)
 bool Same(const IkAnswer& a, const IkAnswer& b) {
   if (a.outcome != b.outcome || a.found != b.found || a.added != b.added || a.kept != b.kept) {
     return false;
@@ -52,6 +53,7 @@ bool Same(const IkAnswer& a, const IkAnswer& b) {
   return true;
 }
 bool Same(const Pose& a, const Pose& b) { return std::memcmp(&a, &b, sizeof(Pose)) == 0; }
+// NOLINTEND(bugprone-suspicious-memory-comparison)
 bool Same(const FkAnswer& a, const FkAnswer& b) {
   return a.outcome == b.outcome && Same(a.pose, b.pose);
 }

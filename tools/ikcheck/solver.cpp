@@ -26,6 +26,7 @@ class WatchedList : public ikfast::IkSolutionList<double> {
     // By the vector's own begin and end: its size() is meaningless when the solver was built with
     // entries of another size.
     const char* ends[2];
+    // NOLINTNEXTLINE(bugprone-sizeof-container)
     static_assert(sizeof(joints) >= sizeof(ends));
     std::memcpy(ends, static_cast<const void*>(&joints), sizeof(ends));
     const auto bytes = static_cast<size_t>(ends[1] - ends[0]);

@@ -32,6 +32,7 @@ Floats Magnitudes(const double* r) {
 /// counts as negative.
 Flags NotNegative(double a, double b) {
   using TwoDoubles [[gnu::vector_size(16)]] = double;
+  // The same bits as twice as many flags. NOLINTNEXTLINE(*-reinterpret-cast)
   return reinterpret_cast<Flags>(TwoDoubles{a - b, a + b} >= 0.0);
 }
 

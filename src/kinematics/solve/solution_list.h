@@ -39,6 +39,7 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
 
   const ikfast::IkSolutionBase<ikfast::IkReal>& GetSolution(size_t index) const override {
     // What the list holds doesn't change, only where.
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
     const_cast<SolutionList*>(this)->MoveToList();
     return Base::GetSolution(index);
   }
@@ -54,7 +55,7 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
   /// over solutions that don't have six joints.
   template <typename Visit>
   void ForEach(Visit visit) const {
-    double joints[kJointCount];
+    double joints[kJointCount] = {};
     for (size_t i = 0; i < kept_count_; ++i) {
       for (int j = 0; j < kJointCount; ++j) joints[j] = kept_[i][j].foffset;
       visit(joints);

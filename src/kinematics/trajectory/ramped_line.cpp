@@ -51,7 +51,8 @@ bool Ikfunc::CountLineToBuffer(RoadPoint s_point, RoadPoint e_point,
       speed > 0 ? static_cast<int>((length - min_distance) / (speed * qal::kRampUnitM)) : 0;
   point_road->clear();
   // Up with the start, cruise, down, and the end point; a negative speed walks nothing.
-  point_road->reserve(static_cast<size_t>(2 * std::max(speed, 0) + step_count + 2));
+  point_road->reserve(2 * static_cast<size_t>(std::max(speed, 0)) +
+                      static_cast<size_t>(step_count) + 2);
   RoadPoint temp_point = s_point;
   // Moves on by `units` unit steps, solves against the joints before, and appends.
   const auto advance = [&](qal::RampPhase phase, int units) {
