@@ -67,13 +67,12 @@ void Read(const std::string& format, const std::string& text) {
 
 }  // namespace
 
-// Reads a file of one format: it is refused with one line, or what has been read is sound.
+// Reads a file of one format: it is refused with a reason, or what has been read is sound.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     Read(QAL_FUZZ_FORMAT, std::string(data, data + size));
   } catch (const UsageError& error) {
-    const std::string line = error.what();
-    Require(!line.empty() && line.find('\n') == std::string::npos, "not one line");
+    Require(*error.what() != '\0', "no reason");
   }
   return 0;
 }

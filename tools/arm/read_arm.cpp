@@ -35,6 +35,8 @@ json ParseJson(const std::string& text, const std::string& path) {
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(error.byte, text.size()));
     throw UsageError(fmt::format("{}, line {}: not well-formed JSON", path,
                                  1 + std::count(text.begin(), end, '\n')));
+  } catch (const json::out_of_range&) {
+    throw UsageError(fmt::format("{}: a number is too large", path));
   }
 }
 

@@ -8,7 +8,8 @@ namespace qal::tools {
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
 
-/// Writes "WHO: TEXT" as one line to standard error; line ends inside become blanks.
+/// Writes "WHO: TEXT" as one line to standard error; control characters inside, line ends
+/// among them, become blanks.
 void SayOnError(const std::string& who, const std::string& text);
 
 }  // namespace qal::tools
