@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes bytes(data + 1, data + size);
   const Frame once = Perform(operation, bytes, kMostQuestions);
   if (!once.fault.empty()) throw std::logic_error(once.fault);
-  if (!SameBits(once, Perform(operation, bytes, kMostQuestions))) {
+  if (!SameFrames(once, Perform(operation, bytes, kMostQuestions))) {
     throw std::logic_error(operation.name + ": not the same twice");
   }
   return 0;

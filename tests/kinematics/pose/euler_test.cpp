@@ -17,20 +17,20 @@ Triple EulerOf(const Ori& q) {
 TEST(Euler, ReadsTheQuaternionAsItIs) {
   ExpectNear(EulerOf(Ori(-1, 0, 0, 0)), {0, 0, 0}, 0);
   ExpectNear(EulerOf(Ori(1, 1, 0, 0)), {2.0344439357957027, 0, 0}, kRounding);
-  ExpectNear(EulerOf(Ori(0.7072, 0, 0.7072, 0)), {kPi, kNan, kPi}, kRounding);
+  ExpectNear(EulerOf(Ori(0.7072, 0, 0.7072, 0)), {M_PI, kNan, M_PI}, kRounding);
   ExpectNear(EulerOf(Ori(0.5, -0.1, 0.3, 0.7)),
              {std::atan2(0.32, 0.8), std::asin(0.44), std::atan2(0.64, -0.16)}, kRounding);
 }
 
 // R = Rz(yaw) Ry(pitch) Rx(roll): the product of the three quaternions in this order.
 TEST(Euler, MakesTheQuaternionOfRollThenPitchThenYaw) {
-  for (Triple angles : {Triple{}, {kPi, 0, 0}, {0.3, -1.2, 2.9}, {-3.1, 1.5, -0.4}, {0, 0, 4}}) {
+  for (Triple angles : {Triple{}, {M_PI, 0, 0}, {0.3, -1.2, 2.9}, {-3.1, 1.5, -0.4}, {0, 0, 4}}) {
     const auto [roll, pitch, yaw] = angles;
     const Ori expected = Product(Product(Turn(yaw, 2), Turn(pitch, 1)), Turn(roll, 0));
     Ori q(9, 9, 9, 9);
     Ikfunc::EulerAngleToQuaternion(q, angles.data());
-    ExpectNear(All(q), All(expected), kRounding);          // w is below 0 for the last one
-    if (yaw < kPi) ExpectNear(EulerOf(q), angles, 1e-13);  // asin loses digits beside pi/2
+    ExpectNear(All(q), All(expected), kRounding);           // w is below 0 for the last one
+    if (yaw < M_PI) ExpectNear(EulerOf(q), angles, 1e-13);  // asin loses digits beside pi/2
   }
 }
 

@@ -1,6 +1,6 @@
 #include <climits>
 
-#include "waypoints.h"
+#include "scripted_solver.h"
 
 namespace {
 
@@ -17,29 +17,30 @@ Pos PointOf(int i, int n) {
 }
 RoadPoint SolvedAt(const Pos& p) { return Solved(Waypoint(p), {p.x, p.y, p.z, 0, 0, 0}); }
 
-class FixedLine : public ScriptedSolver {
+class FixedLine : public ScriptedMove {
  protected:
+  FixedLine() {
+    start_ = Waypoint(kFrom, {1, 0.25, -0.5});
+    end_ = Waypoint(kTo, {0.5, 0.5, 0.5, 0.5, 0.5, 0.5});
+    road_.assign(6, kCanary);
+  }
   // A speed of 10 is a step of 0.0004.
   auto Count(int speed = 10) {
     return Captured([=] { return Ikfunc::CountLineSize(start_, end_, speed); });
   }
-  // Both start one element on, so that a write before it shows as well as one behind.
+  // The array starts one element on, so that a write before it shows as well as one behind.
   auto Fill(int count) {
-    return Captured([=] { return Ikfunc::CountLineToBuffer(start_, end_, count, &array_[1], 10); });
+    return Captured([=] { return Ikfunc::CountLineToBuffer(start_, end_, count, &road_[1], 10); });
   }
   auto FillPrecisely(double precis) {
-    return Captured([=] { return Ikfunc::CountLineToBuffer(start_, end_, precis, &array_[1]); });
+    return Captured([=] { return Ikfunc::CountLineToBuffer(start_, end_, precis, &road_[1]); });
   }
   void ExpectArray(std::vector<RoadPoint> written) {
     written.insert(written.begin(), kCanary);
-    written.resize(array_.size(), kCanary);
-    for (size_t i = 0; i < array_.size(); ++i) EXPECT_EQ(All(array_[i]), All(written[i])) << i;
-    array_.assign(array_.size(), kCanary);
+    written.resize(road_.size(), kCanary);
+    EXPECT_EQ(All(road_), All(written));
+    road_.assign(road_.size(), kCanary);
   }
-
-  RoadPoint start_ = Waypoint(kFrom, {1, 0.25, -0.5});
-  RoadPoint end_ = Waypoint(kTo, {0.5, 0.5, 0.5, 0.5, 0.5, 0.5});
-  std::vector<RoadPoint> array_ = std::vector<RoadPoint>(6, kCanary);
 };
 
 TEST_F(FixedLine, CountsWholeStepsAndTheEndPoint) {
@@ -52,10 +53,11 @@ TEST_F(FixedLine, CountsWholeStepsAndTheEndPoint) {
     end_ = Waypoint(position, {}, kTilted);
     EXPECT_EQ(Count(speed), Outcome<int>(count, "", ""));
   }
-  end_ = Waypoint(Pos(), {}, Ori(1, 0, 2e-4, 0));
-  EXPECT_EQ(Count(0), Outcome<int>(-2, kNoPair + Printed(start_) + Printed(end_), ""));
-  end_ = Waypoint(Pos(0, -1.01, 0));
-  EXPECT_EQ(std::get<0>(Count()), -2);
+  for (const RoadPoint& far :
+       {Waypoint(Pos(), {}, Ori(1, 0, 2e-4, 0)), Waypoint(Pos(0, -1.01, 0))}) {
+    end_ = far;
+    EXPECT_EQ(Count(0), Outcome<int>(-2, kNoPair + Printed(start_) + Printed(end_), ""));
+  }
 }
 
 TEST_F(FixedLine, CountSolvesThreeStepsAndTheEnd) {
@@ -136,7 +138,7 @@ TEST_F(FixedLine, BoundsTheMoveFromPointToPoint) {
     EXPECT_EQ(std::get<0>(Fill(2)), part < 1);
     MoveJoint4(0.043633200000000004 * part);
     (void)FillPrecisely(2);
-    EXPECT_EQ(array_[1].ik_flag, part < 1);
+    EXPECT_EQ(road_[1].ik_flag, part < 1);
   }
 }
 

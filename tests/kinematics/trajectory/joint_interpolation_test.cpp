@@ -1,23 +1,18 @@
 #include <climits>
 
-#include "waypoints.h"
+#include "scripted_solver.h"
 
 namespace {
 
 constexpr double kUnit = 0.0001745329;
 
-class JointMove : public ScriptedSolver {
+class JointMove : public ScriptedMove {
  protected:
-  // From zero; the end has a pose of its own, which has to come out as it is.
-  static RoadPoint End(const Joints& joints) { return Waypoint(Pos(7, 8, 9), joints); }
-
-  BoolOutcome Plan(const Joints& end, int speed) {
-    return Captured(
-        [&] { return Ikfunc::CountCurvelLineToBuffer(start_, End(end), &road_, speed); });
+  JointMove() { road_ = {start_}; }
+  BoolOutcome Plan(const Joints& joints, int speed) {
+    end_ = End(joints);
+    return Captured([&] { return Ikfunc::CountCurvelLineToBuffer(start_, end_, &road_, speed); });
   }
-
-  RoadPoint start_ = Waypoint(Pos(4, 5, 6));
-  std::vector<RoadPoint> road_{Waypoint(Pos(1, 2, 3))};
 };
 
 // 0.5 rad are 28.6 steps of 0.01745329 rad, and 286.5 of a tenth of that. 174.532901 rad are
@@ -50,15 +45,10 @@ TEST_F(JointMove, FillsAnArrayAtEvenFractionsAndEndsWithTheEndPoint) {
     EXPECT_FALSE(Ikfunc::CountCurveLineToBuffer(start_, end, count, nullptr));
   }
   // Where forward kinematics fails, the element keeps the pose and the flag it had.
-  script.forward = [](const Joints&) { return SolverPose{kNan, kNan, kNan, kNan}; };
+  FailForward();
   array[0] = Solved(Waypoint(Pos(1, 2, 3)), {9, 9, 9, 9, 9, 9});
   (void)Captured([&] { return Ikfunc::CountCurveLineToBuffer(start_, end, 2, array); });
   EXPECT_EQ(All(array[0]), All(Solved(Waypoint(Pos(1, 2, 3)), {0, 0, 0, 0, 0, 0})));
-  // Where it throws, the element is what it was.
-  array[0] = start_;
-  script.forward = [](const Joints&) -> SolverPose { throw std::bad_alloc(); };
-  EXPECT_ANY_THROW(Ikfunc::CountCurveLineToBuffer(end, end, 2, array));
-  EXPECT_EQ(All(array[0]), All(start_));
 }
 
 // Travel in ramp units, top speed 5: 15 up, 27.3 cruise in 5 steps, 14 down, and 1 to the end
@@ -78,7 +68,7 @@ TEST_F(JointMove, RampsUpCruisesAndRampsDown) {
       expected.ik_flag = true;
       ExpectNear(All(road_[i]), All(expected), 1e-15);
     }
-    EXPECT_EQ(All(road_.back()), All(End(end)));
+    EXPECT_EQ(All(road_.back()), All(end_));
   }
 }
 
@@ -95,14 +85,14 @@ TEST_F(JointMove, TakesTheHighestRampThatFitsAShortTravelOrNone) {
     for (size_t i = 0; i < expected.size(); ++i) {
       EXPECT_NEAR(road_[i].jointpos[3], expected[i], 1e-11);  // the cut's own digits
     }
-    EXPECT_EQ(All(road_.back().position), All(Pos(7, 8, 9)));
+    EXPECT_EQ(All(road_.back().position), All(end_.position));
   }
   EXPECT_EQ(All(road_[0]), All(start_));
 }
 
 TEST_F(JointMove, RefusesSpeedsWithoutARampAndTravelsWithoutACount) {
   for (const auto& [travel, speed] :
-       {std::pair(1.0, 1), {1.0, -10}, {1.0, INT_MIN}, {1e12, 10}, {kInfinity, 10}}) {
+       {std::pair(1.0, 1), {1.0, -10}, {1.0, INT_MIN}, {1e12, 10}, {INFINITY, 10}}) {
     EXPECT_EQ(Plan({travel}, speed), kSilentFalse);
   }
   EXPECT_EQ(road_.size(), 1u);

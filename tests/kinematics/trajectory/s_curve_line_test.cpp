@@ -1,7 +1,6 @@
 #include <climits>
 
-#include "private_members.h"
-#include "waypoints.h"
+#include "scripted_solver.h"
 
 namespace {
 
@@ -26,14 +25,18 @@ TEST(JointStepCheck, TellsTheFirstJointThatIsTooFastAndItsOwnLimit) {
   for (const auto& [step, rpm, said] : cases) {
     RoadPoint from;
     RoadPoint to = Waypoint(Pos(), step);
-    EXPECT_EQ(Captured([&, rpm = rpm] { return hidden::CheckRobotJointStep(from, to, rpm); }),
+    EXPECT_EQ(Captured([&, rpm = rpm] { return Ikfunc::CheckRobotJointStep(from, to, rpm); }),
               BoolOutcome(said.empty(), said, ""));
   }
 }
 
 // The gantry's joints 1 to 3 are the coordinates.
-class SCurveLine : public ScriptedSolver {
+class SCurveLine : public ScriptedMove {
  protected:
+  SCurveLine() {
+    start_ = end_ = Waypoint(Pos(0.1, 0.2, 0.3), {0.1, 0.2, 0.3});
+    road_ = {Waypoint(Pos(7, 8, 9))};
+  }
   // The outcome of a line along x, into `road_`.
   Outcome<int> Plan(double length, float acc, float jerk, int rpm = 3000) {
     end_.position.x = end_.jointpos[0] = 0.1 + length;
@@ -41,10 +44,6 @@ class SCurveLine : public ScriptedSolver {
       return Ikfunc::CountSRunCurvelLineToBuffer(start_, end_, &road_, 1.0f, acc, jerk, rpm);
     });
   }
-
-  RoadPoint start_ = Waypoint(Pos(0.1, 0.2, 0.3), {0.1, 0.2, 0.3});
-  RoadPoint end_ = start_;
-  std::vector<RoadPoint> road_{Waypoint(Pos(7, 8, 9))};
 };
 
 // 2 * 10 * t^3 = 0.01 at t = 0.0794 s: 15 samples of 5 ms, at 10 * t^3 / 6 along the line. The yaw
