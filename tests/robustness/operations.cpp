@@ -11,8 +11,6 @@ namespace {
 constexpr unsigned kStart = 1, kEnd = 2, kJoints = 4, kRoad = 8, kArray = 16;
 // Written on failure too.
 constexpr unsigned kFailing = 32;
-// Numbers may come out that aren't finite although all that went in were.
-constexpr unsigned kMaybeNan = 64;
 
 void Require(bool holds, const char* what) {
   if (!holds) throw std::logic_error(what);
@@ -36,19 +34,6 @@ unsigned Changed(const Frame& a, const Frame& b) {
   return (SameBits(a.s, b.s) ? 0 : kStart) | (SameBits(a.e, b.e) ? 0 : kEnd) |
          (SameBytes(a.joints, b.joints) ? 0 : kJoints) | (SameBits(a.road, b.road) ? 0 : kRoad) |
          (SameBits(a.array, b.array) ? 0 : kArray);
-}
-
-template <typename Predicate>
-bool AllNumbers(const Frame& frame, Predicate number) {
-  std::vector<RoadPoint> points = frame.road;
-  points.insert(points.end(), frame.array.begin(), frame.array.end());
-  points.insert(points.end(), {frame.s, frame.e});
-  const auto all = [number](const double* n, int count) {
-    return std::all_of(n, n + count, number);
-  };
-  return all(frame.joints, 6) && number(frame.number) &&
-         std::all_of(points.begin(), points.end(),
-                     [all](const RoadPoint& point) { return all(&point.position.x, 13); });
 }
 
 // New joints are in the arm's range, and a solution that the solver gave, where it is ours.
@@ -135,10 +120,6 @@ void Check(const Operation& operation, const Frame& before, const Frame& after) 
   }
   Require((Changed(before, after) & ~allowed) == 0, "written what it should have left");
   if (!after.result) return;
-  if (byte_solver.ordinary && (operation.writes & kMaybeNan) == 0 &&
-      AllNumbers(before, IsOrdinary)) {
-    Require(AllNumbers(after, [](double x) { return std::isfinite(x); }), "a number not finite");
-  }
   if (operation.check != nullptr) operation.check(before, after);
 }
 
@@ -168,11 +149,10 @@ const std::vector<Operation>& Operations() {
   using I = Ikfunc;
   constexpr auto kAny = nullptr;
   static const std::vector<Operation> operations = {
-      QAL_ROW("pose", kJoints | kMaybeNan, kAny,
-              I::QuaternionToEulerAngle(f.s.orientation, f.joints), 1),
+      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerAngle(f.s.orientation, f.joints), 1),
       QAL_ROW("pose", kStart, kAny, I::EulerAngleToQuaternion(f.s.orientation, f.joints), 1),
-      QAL_ROW("pose", kJoints | kMaybeNan, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
-      QAL_ROW("pose", kStart | kMaybeNan, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
+      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
+      QAL_ROW("pose", kStart, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
       QAL_ROW("pose", kJoints, kAny, f.joints[0] = I::SectionNum(f.number), 1),
       QAL_ROW("pose", 0, kAny, I::PositionCompare(f.s, f.e, f.Limit(0), f.Limit(1))),
       QAL_ROW("pose", 0, kAny, I::JointCompare(f.s, f.e, f.Limit(0))),
@@ -201,7 +181,7 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("lines", kRoad | kFailing, CheckArrival,
               I::CountLineToBuffer(f.s, f.e, &f.road, f.whole)),
       QAL_ROW(
-          "lines", kRoad | kFailing | kMaybeNan, kAny,
+          "lines", kRoad | kFailing, kAny,
           I::CountSRunCurvelLineToBuffer(f.s, f.e, &f.road, 1, f.Limit(0), f.Limit(1), f.limit)),
 
       QAL_ROW("joints", 0, kAny, I::CountCurvelLineSize(f.s, f.e, f.whole)),
@@ -223,7 +203,7 @@ Frame Perform(const Operation& operation, const Bytes& bytes, int most_questions
   // Room for all that the solver's patience allows, and something behind it.
   const size_t room = static_cast<size_t>(most_questions) + 2;
   if (operation.writes & kArray) frame.array.assign(room, Canary());
-  byte_solver = {&in, most_questions, false, true, {}};
+  byte_solver = {&in, most_questions, false, {}};
   try {
     Draw(in, frame);
   } catch (const SolverFault&) {

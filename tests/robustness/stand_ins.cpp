@@ -38,12 +38,6 @@ namespace {
 
 using Vector = std::vector<ikfast::IkSingleDOFSolutionBase<double>>;
 
-double Drawn() {
-  const double number = byte_solver.bytes->Number();
-  byte_solver.ordinary &= IsOrdinary(number);
-  return number;
-}
-
 // Counts the question, and draws what kind of answer it gets.
 int Kind() {
   if (byte_solver.questions_left-- <= 0) throw SolverFault();
@@ -61,8 +55,8 @@ Function* Own(const char* name) {
 void Give(const Vector& joints, bool free, ikfast::IkSolutionListBase<double>& solutions) {
   (void)solutions.AddSolution(joints, std::vector<int>(free));
   if (joints.size() != 6) return;
-  byte_solver.given.emplace_back();
-  for (size_t j = 0; j < 6; ++j) byte_solver.given.back()[j] = joints[j].foffset;
+  auto& given = byte_solver.given.emplace_back();
+  for (size_t j = 0; j < 6; ++j) given[j] = joints[j].foffset;
 }
 
 bool Answer(const double* eetrans, int kind, ikfast::IkSolutionListBase<double>& solutions) {
@@ -74,7 +68,7 @@ bool Answer(const double* eetrans, int kind, ikfast::IkSolutionListBase<double>&
   for (int left = kind < 8 ? 0 : byte_solver.bytes->Take<uint8_t>() % 12; left > 0; --left) {
     const auto shape = byte_solver.bytes->Take<uint8_t>();
     joints.resize(shape < 240 ? 6 : kOddSizes[shape % 4]);
-    for (auto& joint : joints) joint.foffset = Drawn();
+    for (auto& joint : joints) joint.foffset = byte_solver.bytes->Number();
     for (int times = 0; times <= shape % 3; ++times) Give(joints, shape % 32 == 31, solutions);
     if (kind == 10 && shape % 8 == 0) (void)solutions.GetSolution(0);
     if (kind == 11 && shape % 8 == 0) solutions.Clear();
@@ -100,8 +94,8 @@ void ComputeFk(const IkReal* joints, IkReal* eetrans, IkReal* eerot) {
   const int kind = Kind();
   if (byte_solver.reference_arm) return own(joints, eetrans, eerot);
   const Vector scratch(static_cast<size_t>(kind));  // this too may run out of memory
-  for (int i = 0; i < 9; ++i) eerot[i] = kind < 12 ? i % 4 == 0 : Drawn();
-  for (int i = 0; i < 3; ++i) eetrans[i] = kind < 14 ? joints[i] : Drawn();
+  for (int i = 0; i < 9; ++i) eerot[i] = kind < 12 ? i % 4 == 0 : byte_solver.bytes->Number();
+  for (int i = 0; i < 3; ++i) eetrans[i] = kind < 14 ? joints[i] : byte_solver.bytes->Number();
 }
 
 }  // namespace ikfast

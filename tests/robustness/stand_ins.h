@@ -20,7 +20,6 @@ struct ByteSolver {
   ByteInput* bytes;
   int questions_left;
   bool reference_arm;                        ///< answers as libik.so's own instead
-  bool ordinary;                             ///< whether all numbers drawn so far were
   std::vector<std::array<double, 6>> given;  ///< every solution of six joints
 };
 extern thread_local ByteSolver byte_solver;
