@@ -91,12 +91,13 @@ std::string Starve(const Operation& operation, const Bytes& bytes) {
   const Frame whole = Perform(operation, bytes, kFewQuestions);
   for (long k = 1;; ++k) {
     const long live = allocations.live;
-    auto part = std::make_optional(Perform(operation, bytes, kFewQuestions, k));
-    if (!part->fault.empty()) return part->fault;
-    if (!part->starved) return "";
-    if (part->result) return "not told of allocation " + std::to_string(k);
-    if (!IsPrefix(part->road, whole.road) || !IsPrefix(part->array, whole.array)) return "half";
-    part.reset();
+    {
+      const Frame part = Perform(operation, bytes, kFewQuestions, k);
+      if (!part.fault.empty()) return part.fault;
+      if (!part.starved) return "";
+      if (part.result) return "not told of allocation " + std::to_string(k);
+      if (!IsPrefix(part.road, whole.road) || !IsPrefix(part.array, whole.array)) return "half";
+    }
     if (allocations.live != live) return "leaks at allocation " + std::to_string(k);
   }
 }

@@ -15,9 +15,9 @@ bool ikfast::ComputeIk(const IkReal* eetrans, const IkReal* eerot, const IkReal*
   std::copy(eerot, eerot + 9, std::copy(eetrans, eetrans + 3, target.begin()));
   script.asked.push_back(target);
 
-  if (script.answers.empty()) script.answers.push_back(script.inverse(target));
-  const Answer answer = script.answers.front();
-  script.answers.pop_front();
+  // This question is among those asked; size_t wraps for the first ones.
+  const bool silent = script.asked.size() - 1 - script.answered < script.unanswered;
+  const Answer answer = silent ? Answer{} : script.inverse(target);
   for (const std::vector<double>& solution : answer.solutions) {
     std::vector<IkSingleDOFSolutionBase<IkReal>> joints(solution.size());
     for (size_t j = 0; j < joints.size(); ++j) joints[j].foffset = solution[j];

@@ -1,7 +1,6 @@
 #ifndef QAL_TESTS_SUPPORT_SCRIPTED_SOLVER_H_
 #define QAL_TESTS_SUPPORT_SCRIPTED_SOLVER_H_
 
-#include <deque>
 #include <functional>
 
 #include "waypoints.h"
@@ -29,10 +28,10 @@ inline Answer GantryInverse(const SolverPose& target, double joint4 = 0.0) {
 }
 
 struct SolverScript {
-  std::deque<Answer> answers;  ///< given first, one a question; then `inverse` answers
   std::function<Answer(const SolverPose&)> inverse = [](auto& t) { return GantryInverse(t); };
   std::function<SolverPose(const Joints&)> forward = GantryForward;
-  std::vector<SolverPose> asked;  ///< every inverse question so far
+  std::vector<SolverPose> asked;        ///< every inverse question so far
+  size_t answered = 0, unanswered = 0;  ///< so many get an answer, then so many don't
 };
 extern SolverScript script;
 
@@ -41,14 +40,11 @@ class ScriptedSolver : public testing::Test {
  protected:
   ScriptedSolver() { script = SolverScript(); }
 
-  /// Lets the script's `inverse` answer so many questions, then not so many, then again.
+  /// From now on so many questions get an answer, then so many don't, then all do.
   static void FindNothing(size_t answered, size_t unanswered) {
     script.asked.clear();
-    script.inverse = [=](const SolverPose& target) {
-      // This question is among those asked; size_t wraps for the first ones.
-      const size_t place = script.asked.size() - 1 - answered;
-      return place < unanswered ? Answer{} : GantryInverse(target);
-    };
+    script.answered = answered;
+    script.unanswered = unanswered;
   }
 
   /// The gantry, but with joint 4 there.

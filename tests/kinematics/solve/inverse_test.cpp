@@ -40,7 +40,7 @@ class Inverse : public ScriptedSolver {
       SCOPED_TRACE(testing::PrintToString(solutions) + testing::PrintToString(operation));
       RoadPoint point = point_;
       script.asked.clear();
-      script.answers = {{true, solutions}};
+      script.inverse = [&](auto&) { return Answer{true, solutions}; };
       EXPECT_EQ(Captured([&] { return Solve(operation, point, reference, bound); }),
                 BoolOutcome(chosen != kNone, "", chosen == kNone ? kRefusals[operation] : ""));
       ExpectNear(All(point), All(chosen == kNone ? point_ : Solved(point_, solutions[chosen])), 0);
@@ -50,9 +50,8 @@ class Inverse : public ScriptedSolver {
 
   // The solver finds nothing so many times, then `solution`.
   static void FindNothing(size_t times, const std::vector<double>& solution = kSolution) {
-    script.asked.clear();
-    script.answers.assign(times, Answer{});
-    script.inverse = [=](const SolverPose&) { return Answer{true, {solution}}; };
+    ScriptedSolver::FindNothing(0, times);
+    script.inverse = [=](auto&) { return Answer{true, {solution}}; };
   }
 
   // Expects these questions when the solver finds nothing but for the last one, or not even then

@@ -7,14 +7,11 @@ namespace {
 // 1500 rpm at 10000 rpm/s: 30 ramp cycles. 0.01 rad are an even triangle.
 TEST(Trapezoid, CountsTheCyclesOfOneJoint) {
   EXPECT_EQ(Ikfunc::countmaxruntime(0.01, 1500, 10000, 0.005, 363), 24);
-  EXPECT_EQ(Ikfunc::countmaxruntime(1.0, 1500, 0, 0.005, 363), 0);
-  EXPECT_EQ(Ikfunc::countmaxruntime(1.0, 0, 10000, 0.005, 363), 0);
   EXPECT_EQ(Ikfunc::countmaxruntime(kNan, 1500, 10000, 0.005, 363), 0);
   EXPECT_EQ(Ikfunc::caltimeslover(492, 0.5, 0.005, 363, 10000), 462);
   EXPECT_EQ(Ikfunc::caltimeslover(492, 0.3, 0.005, 303, 10000), 477);
   EXPECT_EQ(Ikfunc::caltimeslover(10, 1.0, 0.005, 363, 10000), -1);
   EXPECT_EQ(Ikfunc::caltimeslover(492, kNan, 0.005, 363, 10000), -1);
-  EXPECT_EQ(Ikfunc::caltimeslover(INT_MAX, 1.0, 0.005, 363, 0), -1);
 }
 
 // (joint, cycles, cruise) and the ramp and level cycles that come of it. An odd count without a
@@ -42,9 +39,7 @@ TEST(Trapezoid, DefinesTheStepsWhereNoRampIsLeft) {
   EXPECT_EQ(steps[9], 0.1);
   Ikfunc::getJointStepLength(1.0f, 1, 0, 0, steps.data(), 1);
   EXPECT_EQ(steps[0], 1.0);
-  for (const int none : {0, INT_MIN}) {
-    Ikfunc::getJointStepLength(1.0f, none, INT_MAX, 0, nullptr, 1);
-  }
+  Ikfunc::getJointStepLength(1.0f, 0, INT_MAX, 0, nullptr, 1);
 }
 
 class JointRun : public ScriptedMove {
@@ -57,24 +52,17 @@ class JointRun : public ScriptedMove {
   }
 };
 
-// 2 * 30 cycles on the ramps and 432; (0.3 - 0.0777616) / 0.002592054 = 85.7 at speed; more than a
+// 2 * 30 cycles on the ramps and (0.3 - 0.0777616) / 0.002592054 = 85.7 at speed; more than a
 // run may have, but counted. The dead bands are 4.22584e-06 and 5.06242e-06 rad, and just above
 // them sqrt(4 * d / g) is 4.9.
 TEST_F(JointRun, TakesTheCyclesOfTheSlowerGroup) {
-  const std::tuple<Joints, int, int, int> cases[] = {{{1.0, 0.5, 0, 0, 0, -0.3}, 50, 10000, 492},
-                                                     {{0.01, 0, 0, 0, 0, -0.3}, 50, 10000, 145},
-                                                     {{3.0}, 1, 10000, 69328},
-                                                     {{4.2e-06, 0, 0, 5e-06, 0, 0}, 50, 100, 0},
-                                                     {{4.3e-06}, 50, 100, 4},
-                                                     {{0, 0, 0, 5.1e-06, 0, 0}, 50, 100, 4},
-                                                     {{kNan}, 50, 10000, 0},
-                                                     {{1.0}, 0, 10000, 0},
-                                                     {{1.0}, 50, 0, 0},
-                                                     {{INFINITY}, 50, 10000, 0}};
+  const std::tuple<Joints, int, int, int> cases[] = {
+      {{0.01, 0, 0, 0, 0, -0.3}, 50, 10000, 145}, {{3.0, kNan}, 1, 10000, 69328},
+      {{4.2e-06, 0, 0, 5e-06, 0, 0}, 50, 100, 0}, {{4.3e-06}, 50, 100, 4},
+      {{0, 0, 0, 5.1e-06, 0, 0}, 50, 100, 4},     {{INFINITY}, 50, 10000, 0}};
   for (const auto& [end, speed, acc, cycles] : cases) {
     EXPECT_EQ(Ikfunc::CountRunCurvelLineSize(RoadPoint(), End(end), speed, acc), cycles) << end[0];
   }
-  EXPECT_GT(Ikfunc::CountRunCurvelLineSize(RoadPoint(), End({1.0}), INT_MAX, 1), 0);
 }
 
 // Joint 1: 31 ramp cycles and 430 at speed, so the first step is 0.5 / (31 * 461); the last one is

@@ -67,17 +67,12 @@ TEST_F(RampedLine, IsTrueAndWritesNothingWhereTheRampsDoNotFit) {
   }
   EXPECT_EQ(Plan(Pos(0, 0, 2 * kUnit), 1), kSilentTrue);  // just fits
   EXPECT_EQ(road_.size(), 4u);
+  EXPECT_EQ(Plan(Pos(0, 0.01, 0), 0), kSilentTrue);  // stands still
+  EXPECT_EQ(All(road_), All({Solved(start_, {0, 0, 0, 0, 0, 0}), end_}));
   const auto [result, line, error] = Plan(Pos(0, 0, 1.5), 1);
   EXPECT_EQ(line, "CountLineToBuffer error the point data is\n" + Printed(start_) + Printed(end_));
   EXPECT_FALSE(result || !error.empty());
   EXPECT_EQ(road_.size(), 3u);
-}
-
-TEST_F(RampedLine, StandsStillAtSpeedZeroAndOnlyJumpsBelow) {
-  EXPECT_EQ(Plan(Pos(0, 0.01, 0), 0), kSilentTrue);
-  EXPECT_EQ(All(road_), All({Solved(start_, {0, 0, 0, 0, 0, 0}), end_}));
-  EXPECT_EQ(Plan(Pos(0, 0.01, 0), -3), kSilentTrue);
-  EXPECT_EQ(All(road_), All(std::vector{end_}));
 }
 
 TEST_F(RampedLine, BoundsTheMoveFromPointToPoint) {
