@@ -43,7 +43,8 @@ TEST(SolverInterface, KeepsVirtualSlotsAndMembersInPlace) {
             reinterpret_cast<const void* const*>(&one) + 1);
 }
 
-// A free parameter that isn't given counts as 0; with 0.1, 3 + 2 * 0.1 is taken back by a turn.
+// A free parameter that isn't given counts as 0; with 0.1, 3 + 2 * 0.1 is taken back by a turn, and
+// with -4, 3 - 2 * 4 on by one.
 TEST(SolverInterface, HandsBackWhatASolverAdds) {
   Joint joint;
   joint.foffset = 3.0;
@@ -55,6 +56,20 @@ TEST(SolverInterface, HandsBackWhatASolverAdds) {
   EXPECT_EQ(values, Values{3.0});
   solution.GetSolution(values, {0.1});
   EXPECT_EQ(values, Values{3.2 - 2 * M_PI});
+  solution.GetSolution(values, {-4.0});
+  EXPECT_EQ(values, Values{-5.0 + 2 * M_PI});
+  // Each joint has come from branches 1 and 3 of four: 1 + 4 * 1, 1 + 4 * 3, 3 + 4 * 1, 3 + 4 * 3.
+  joint.maxsolutions = 4;
+  joint.indices[0] = 1;
+  joint.indices[1] = 3;
+  std::vector<unsigned int> branches;
+  Solution({joint, joint, Joint()}, {}).GetSolutionIndices(branches);
+  EXPECT_EQ(branches, (std::vector<unsigned int>{5, 13, 7, 15}));
+  EXPECT_NO_THROW(Solution({joint}, {}).Validate());
+  for (const int too_few : {0xFF, 3}) {
+    joint.maxsolutions = static_cast<unsigned char>(too_few);
+    EXPECT_THROW(Solution({joint}, {}).Validate(), std::runtime_error);
+  }
   try {
     FAIL() << &ikfast::IkSolutionList<double>().GetSolution(0);
   } catch (const std::runtime_error& error) {

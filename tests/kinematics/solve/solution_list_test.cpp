@@ -7,7 +7,7 @@ namespace {
 using Joint = ikfast::IkSingleDOFSolutionBase<double>;
 using Values = std::vector<double>;
 
-class Lists : public testing::Test {
+class SolutionLists : public testing::Test {
  protected:
   // Adds the n-th solution to both lists: every field its own.
   void Add(int n, size_t dof, const std::vector<int>& free) {
@@ -44,7 +44,7 @@ class Lists : public testing::Test {
 
 // Lists of up to 20 solutions with one that is kept apart at each place: none, one of five joints,
 // one with a free joint. What has been handed out stays where it is.
-TEST_F(Lists, AreTheSameToTheSolver) {
+TEST_F(SolutionLists, AreTheSameToTheSolver) {
   for (int count = 0; count <= 20; ++count) {
     for (int odd_place = 0; odd_place <= 2 * count + 1; ++odd_place) {
       SCOPED_TRACE(testing::Message() << count << ' ' << odd_place);
