@@ -22,4 +22,3 @@ target_link_libraries(qal_library_test PRIVATE qal_build_options QAL_kinematics 
 # Its ikfast functions take the place of libik.so's.
 set_target_properties(qal_library_test PROPERTIES ENABLE_EXPORTS ON)
 gtest_discover_tests(qal_library_test)
-
