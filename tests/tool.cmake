@@ -8,9 +8,8 @@ target_link_libraries(qal_measure_test PRIVATE qal_tool GTest::gtest_main)
 gtest_discover_tests(qal_measure_test)
 
 # The tool as a process, also with a solver that misbehaves in place of the reference arm's.
-add_executable(qal_command_test tool/run_qal.cpp tool/usage_test.cpp
-                                tool/kinematics_commands_test.cpp tool/move_commands_test.cpp
-                                tool/file_commands_test.cpp)
+add_executable(qal_command_test tool/usage_test.cpp tool/kinematics_commands_test.cpp
+                                tool/move_commands_test.cpp tool/file_commands_test.cpp)
 target_compile_definitions(
   qal_command_test PRIVATE QAL_BINARY="$<TARGET_FILE:qal>"
                            QAL_FOREIGN_SOLVER_DIR="${foreign}/g_O0")

@@ -5,7 +5,8 @@ set -uo pipefail
 qal=$1 mkik=$2
 folder=$(mktemp -d)
 trap 'umount "$folder/small" 2>/dev/null; rm -rf "$folder"' EXIT
-failures=0
+failed=0
+fail() { echo "$@" && failed=1; }
 line=(line --from 0 0.3 0.2 0 1 0 --by 0 0.3 0 --speed 1 --profile fixed --full)
 
 # expect LAST-LINE-PATTERN FOLDER COMMAND...: bad usage, and the folder's good.csv stays, alone.
@@ -14,14 +15,10 @@ expect() {
   shift 2
   message=$("$@" 2>&1 >/dev/null)
   status=$?
-  if [ $status -ne 2 ] || ! [[ ${message##*$'\n'} =~ $pattern ]]; then
-    echo "status $status, '$message' (expected 2, '$pattern'): $*"
-    failures=$((failures + 1))
-  fi
-  if [ "$(ls -A "$where")" != good.csv ] || [ "$(cat "$where/good.csv")" != good ]; then
-    echo "left behind by $*:" && ls -la "$where"
-    failures=$((failures + 1))
-  fi
+  [ $status -eq 2 ] && [[ ${message##*$'\n'} =~ $pattern ]] ||
+    fail "status $status, '$message' (expected 2, '$pattern'): $*"
+  [ "$(ls -A "$where")" = good.csv ] && [ "$(cat "$where/good.csv")" = good ] ||
+    fail "left behind by $*: $(ls -la "$where")"
 }
 good() { mkdir -p "$1" && echo good >"$1/good.csv" && echo "$1"; }
 
@@ -64,10 +61,7 @@ done
 # No environment at all, and a locale that isn't there, change no byte.
 plain=$("$qal" "${line[@]}" --csv -)
 for odd in "env -i" "env LC_ALL=tlh_QO LANG=C.UTF-8 HOME=/nowhere"; do
-  [ "$($odd "$qal" "${line[@]}" --csv - 2>&1)" = "$plain" ] || {
-    echo "another output with $odd"
-    failures=$((failures + 1))
-  }
+  [ "$($odd "$qal" "${line[@]}" --csv - 2>&1)" = "$plain" ] || fail "another output with $odd"
 done
 
 # Stopped while the file is written beside: the old file or the whole new one, and nothing else.
@@ -78,11 +72,9 @@ for try in $(seq 10); do
   until compgen -G "$stopped/good.csv.*" >/dev/null || ! kill -0 $! 2>/dev/null; do :; done
   kill -TERM $! 2>/dev/null
   wait $! 2>/dev/null
-  if [ "$(ls -A "$stopped")" != good.csv ] ||
-    { [ "$(cat "$stopped/good.csv")" != good ] && ! cmp -s {"$folder/whole","$stopped/good"}.csv; }; then
-    echo "stopped, try $try:" && ls -la "$stopped"
-    failures=$((failures + 1))
-    rm -f "$stopped"/good.csv.*
-  fi
+  [ "$(ls -A "$stopped")" = good.csv ] &&
+    { [ "$(cat "$stopped/good.csv")" = good ] || cmp -s {"$folder/whole","$stopped/good"}.csv; } ||
+    fail "stopped, try $try: $(ls -la "$stopped")"
+  rm -f "$stopped"/good.csv.*
 done
-exit $((failures > 0))
+exit $failed

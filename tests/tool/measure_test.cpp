@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 
 #include "../../tools/qal/differences.h"
@@ -30,72 +29,78 @@ Trajectory FourSamples() {
   return trajectory;
 }
 
+struct Expected {
+  FigureIndex figure;
+  size_t entry;
+  double value;
+  size_t sample;
+};
+
+void ExpectPeaks(const Trajectory& trajectory, const std::vector<Expected>& expected) {
+  const auto figures = Measure(trajectory);
+  for (const auto& [figure, entry, value, sample] : expected) {
+    const std::optional<Peak>& peak = figures[figure].at(entry);
+    SCOPED_TRACE(testing::Message() << kFigures[figure].key << ", entry " << entry);
+    ASSERT_TRUE(peak);
+    // The quaternions of forward kinematics are of single precision.
+    EXPECT_NEAR(value, peak->value, figure == kOrientationError ? 1e-6 : 1e-12);
+    EXPECT_EQ(sample, peak->sample);
+  }
+}
+
 // Between standstills, joint 1 moves at 0.1, 0.2, 0 rad/s: changes of 0.1, 0.1, -0.2, 0 at the
 // samples, which change by 0.1, 0, -0.3, 0.2, 0. Joint 4 at 0, 0, -0.2: 0, 0, -0.2, 0.2, and 0, 0,
 // -0.2, 0.4, -0.2. Joint 6 at 0.1, 0.14, 0.09: 0.1, 0.04, -0.05, -0.09, and 0.1, -0.06, -0.09,
 // -0.04, 0.09.
 TEST(Measure, FindsThePeaksAndWhereTheyAre) {
-  const auto figures = Measure(FourSamples());
   const double rpm_per_rad_s = 0.005 / 0.000523595;
-  const struct {
-    FigureIndex figure;
-    size_t entry;
-    double value;
-    size_t sample;
-  } expected[] = {
-      {kJointSpeed, 0, 0.2, 2},
-      {kJointSpeed, 1, 0.0, 0},
-      {kJointSpeed, 3, 0.2, 3},
-      {kJointAcceleration, 0, 0.2, 2},
-      {kJointAcceleration, 3, 0.2, 2},
-      {kJointJerk, 0, 0.3, 2},
-      {kJointJerk, 3, 0.4, 3},
-      {kJointJerk, 5, 0.1, 0},
-      {kMotorSpeed, 0, 0.2 * 363 * rpm_per_rad_s, 2},
-      {kMotorSpeed, 3, 0.2 * 303 * rpm_per_rad_s, 3},
-      {kJointStep, 0, 0.2, 2},
-      {kPositionError, 0, 0.003, 2},
-      {kOrientationError, 0, 0.02, 2},
-      {kRepeatedTimes, 0, 0.0, 0},
-      {kBackwardTimes, 0, 0.0, 0},
-  };
-  for (const auto& e : expected) {
-    const std::optional<Peak>& peak = figures[e.figure].at(e.entry);
-    ASSERT_TRUE(peak) << kFigures[e.figure].key;
-    // The quaternions of forward kinematics are of single precision.
-    EXPECT_NEAR(e.value, peak->value, 1e-6 * std::max(1.0, e.value)) << kFigures[e.figure].key;
-    EXPECT_EQ(e.sample, peak->sample) << kFigures[e.figure].key << ", entry " << e.entry;
-  }
+  ExpectPeaks(FourSamples(), {{kJointSpeed, 0, 0.2, 2},
+                              {kJointSpeed, 1, 0.0, 0},
+                              {kJointSpeed, 3, 0.2, 3},
+                              {kJointAcceleration, 0, 0.2, 2},
+                              {kJointAcceleration, 3, 0.2, 2},
+                              {kJointJerk, 0, 0.3, 2},
+                              {kJointJerk, 3, 0.4, 3},
+                              {kJointJerk, 5, 0.1, 0},
+                              {kMotorSpeed, 0, 0.2 * 363 * rpm_per_rad_s, 2},
+                              {kMotorSpeed, 3, 0.2 * 303 * rpm_per_rad_s, 3},
+                              {kJointStep, 0, 0.2, 2},
+                              {kPositionError, 0, 0.003, 2},
+                              {kOrientationError, 0, 0.02, 2},
+                              {kRepeatedTimes, 0, 0.0, 0},
+                              {kBackwardTimes, 0, 0.0, 0}});
 }
 
 // By its leading joint, the first step is three times, the last twice as large as the other one.
 TEST(Measure, HoldsTheEndStepsAgainstTheOthers) {
-  const Trajectory trajectory = {
-      {0, {0, 0}, {}}, {1, {-0.3, 0.1}, {}}, {2, {-0.3, 0.2}, {}}, {3, {-0.3, 0.4}, {}}};
-  const auto figures = Measure(trajectory);
-  const std::pair<FigureIndex, Peak> expected[] = {
-      {kFirstStep, {0.3, 1}}, {kOtherStep, {0.1, 2}}, {kLastStep, {0.2, 3}}, {kEndStep, {3.0, 1}}};
-  for (const auto& [figure, peak] : expected) {
-    EXPECT_NEAR(peak.value, figures[figure][0]->value, 1e-12) << kFigures[figure].key;
-    EXPECT_EQ(peak.sample, figures[figure][0]->sample) << kFigures[figure].key;
-  }
+  ExpectPeaks({{0, {0, 0}, {}}, {1, {-0.3, 0.1}, {}}, {2, {-0.3, 0.2}, {}}, {3, {-0.3, 0.4}, {}}},
+              {{kFirstStep, 0, 0.3, 1},
+               {kOtherStep, 0, 0.1, 2},
+               {kLastStep, 0, 0.2, 3},
+               {kEndStep, 0, 3.0, 1}});
 }
 
 // The tool goes 3 cm along x in even steps, 4 mm off the line at sample 1; then it overshoots the
 // end by 2 cm in 2 s and comes back: that is off the line as well.
 TEST(Measure, TakesTheToolFromTheFile) {
-  Trajectory trajectory(5);
-  const Pos path[] = {{0, 0, 0}, {0.01, 0.004, 0}, {0.02, 0, 0}, {0.05, 0, 0}, {0.03, 0, 0}};
-  const double times[] = {0, 1, 2, 4, 5};
-  for (size_t i = 0; i < 5; ++i) {
-    trajectory[i].time_s = times[i];
-    trajectory[i].pose = Sample::Pose{path[i], {1, 0, 0, 0}};
-  }
-  EXPECT_NEAR(0.02, Measure(trajectory)[kLineDeviation][0]->value, 1e-15);
-  EXPECT_NEAR(0.02, Measure(trajectory)[kToolSpeed][0]->value, 1e-15);
-  EXPECT_EQ(4u, Measure(trajectory)[kToolSpeed][0]->sample);
+  const auto at = [](double time_s, double x, double y) {
+    return Sample{time_s, {}, Sample::Pose{{x, y, 0}, {1, 0, 0, 0}}};
+  };
+  Trajectory trajectory = {at(0, 0, 0), at(1, 0.01, 0.004), at(2, 0.02, 0), at(4, 0.05, 0),
+                           at(5, 0.03, 0)};
+  ExpectPeaks(trajectory, {{kLineDeviation, 0, 0.02, 3}, {kToolSpeed, 0, 0.02, 4}});
   trajectory.resize(3);
-  EXPECT_NEAR(0.004, Measure(trajectory)[kLineDeviation][0]->value, 1e-15);
+  ExpectPeaks(trajectory, {{kLineDeviation, 0, 0.004, 1}});
+}
+
+// Rates leave out the repeated and the backward interval: 0.1 rad/s in the first and the last
+// remain.
+TEST(Measure, CountsTimesThatDoNotIncrease) {
+  const Trajectory trajectory = {
+      {0, {0.0}, {}}, {1, {0.1}, {}}, {1, {0.2}, {}}, {0.5, {0.3}, {}}, {1.5, {0.4}, {}}};
+  ExpectPeaks(trajectory,
+              {{kRepeatedTimes, 0, 1.0, 2}, {kBackwardTimes, 0, 1.0, 3}, {kJointSpeed, 0, 0.1, 4}});
+  EXPECT_EQ(2u, FindViolations(Measure(trajectory), DefaultLimits()).size());
 }
 
 // q = t^2 has the speed 2 t and the acceleration 2, however it is sampled.
@@ -109,21 +114,6 @@ TEST(Differences, AreExactForAParabolaAtUnevenTimes) {
   EXPECT_DOUBLE_EQ(2.0, rates.JointAcceleration(2, 0));
   EXPECT_EQ(0.0, rates.JointSpeedAt(0, 0));
   EXPECT_EQ(0.0, rates.JointSpeedAt(3, 0));
-}
-
-// Rates leave out the repeated and the backward interval: 0.1 rad/s in the first and the last
-// remain.
-TEST(Measure, CountsTimesThatDoNotIncrease) {
-  Trajectory trajectory(5);
-  const double times[] = {0, 1, 1, 0.5, 1.5};
-  for (size_t i = 0; i < 5; ++i) trajectory[i] = {times[i], {0.1 * static_cast<double>(i)}, {}};
-  const auto figures = Measure(trajectory);
-  EXPECT_EQ(1.0, figures[kRepeatedTimes][0]->value);
-  EXPECT_EQ(2u, figures[kRepeatedTimes][0]->sample);
-  EXPECT_EQ(1.0, figures[kBackwardTimes][0]->value);
-  EXPECT_EQ(3u, figures[kBackwardTimes][0]->sample);
-  EXPECT_NEAR(0.1, figures[kJointSpeed][0]->value, 1e-15);
-  EXPECT_EQ(2u, FindViolations(figures, DefaultLimits()).size());
 }
 
 // At its peak each limit holds, a thousandth below it it doesn't; each limit is its figure's alone.

@@ -1,133 +1,168 @@
 #include <gtest/gtest.h>
 
-#include "run_qal.h"
+#include <tuple>
+
+#include "qal_run.h"
 
 namespace {
 
-// Bad usage: status 2, nothing on standard output, and exactly one line.
-struct BadUsage {
+using Refusal = InOwnFolder;
+
+// What a command with these arguments says, behind its name; "..." at the end is any text.
+struct Row {
+  const char* command;
   const char* arguments;
-  const char* line;
+  const char* message;
 };
 
-#define FROM "line --from 0 0.3 0.2 0 1 0 "
+#define FROM "--from 0 0.3 0.2 0 1 0 "
 
-constexpr BadUsage kBadUsages[] = {
-    {"", "qal: a command is expected; qal --help lists them"},
-    {"fkk", "qal: 'fkk' is no command; qal --help lists them"},
-    {"fk 1 2", "qal fk: '1' was not expected; qal fk --help lists the options"},
-    // Numbers: how many, and each of them.
-    {"fk", "qal fk: --joints: six joint angles [rad] expected, none given"},
-    {"fk --deg --joints 1,2 3", "qal fk: --joints: six joint angles [deg] expected, 3 given"},
-    {"fk --joints 1 2 3 x 5 6", "qal fk: --joints, value 4: 'x' is not a number"},
-    {"fk --joints 1 2 3 -inf 5 6", "qal fk: --joints, value 4: '-inf' is not a finite number"},
-    {"fk --joints 1 2 3 4 5 1e999",
-     "qal fk: --joints, value 6: '1e999' is too large or too small for a number"},
-    {"jog --axis x --step 0.1 --deg --joints 0 0 -171 0 0 0",
-     "qal jog: --joints, value 3: -171 deg is outside the joint's range, -169.99999711284502 to "
-     "169.99999711284502"},
-    // Poses.
-    {"ik --pose 0.4 0 0.5 0 0 -0 0",
-     "qal ik: --pose: the quaternion is zero; qw qx qy qz of length 1 are expected"},
-    {"ik --pose 0.4 0 0.5",
-     "qal ik: --pose: x y z [m] qw qx qy qz, or x y z with --rpy, expected, 3 given"},
-    {"ik --pose 0.4 0 0.5 1 0 0 0 --rpy 0 0 0",
-     "qal ik: --pose: x y z [m] with --rpy expected, 7 given"},
-    {"ik --pose 0.4 0 0.5 --rpy 0 0", "qal ik: --rpy: roll pitch yaw [rad] expected, 2 given"},
-    {"ik --pose 0.4 0 0.5 1 0 0 0 --step-bound -1",
-     "qal ik: --step-bound: -1 is not from 0 to 1000"},
-    // Choices, and options that don't go together.
-    {"jog --joints 0 0 0 0 0 0 --axis q", "qal jog: --axis: q not in {x,y,z,rx,ry,rz}"},
-    {"jog --joints 0 0 0 0 0 0 --axis rz --step 0.1",
-     "qal jog: --axis rz: turns are about the tool's axes, with --frame tool"},
-    {FROM "--speed 5", "qal line: one of --to, --to-pose and --by is expected, for the end"},
-    {FROM "--by 0 0 .1 --speed 2.5",
-     "qal line: --speed: '2.5' is no whole number from 1 to 1000000000"},
-    {FROM "--by 0 0 .1 --speed 0",
-     "qal line: --speed: '0' is no whole number from 1 to 1000000000"},
-    {FROM "--by 0 0 .1 --speed 5 --jerk 1", "qal line: --jerk does not go with --profile ramp"},
-    {FROM "--by 0 0 .1 --profile fixed --speed 1 --precision 1",
-     "qal line: --profile fixed: one of --speed and --precision is expected"},
-    {FROM "--by 0 0 .1 --profile fixed --precision 1e-5",
-     "qal line: --precision 1e-05: 5e+07 points on this line, at most 1e+06 are planned"},
-    {"joint --from 0 0 0 0 0 0 --to 1 0 0 0 0 0 --acc 1 --speed 101",
-     "qal joint: --speed: '101' is no whole number from 1 to 100"},
-    {"joint --from 0 0 0 0 0 0 --to 1 0 0 0 0 0 --profile ramp --speed 1",
-     "qal joint: --speed: '1' is no whole number from 2 to 1000000000"},
-    // Files.
-    {"fk --joints 0 0 0 0 0 0 --csv /nowhere/a.csv",
-     "qal fk: cannot write /nowhere/a.csv: No such file or directory"},
-    {"fk --joints 0 0 0 0 0 0 --csv /dev/full",
-     "qal fk: cannot write /dev/full: No space left on device"},
-    {"fk --joints 0 0 0 0 0 0 --json --csv -",
-     "qal fk: --csv - and --json: only one of them can have standard output"},
-};
-
-TEST(Usage, BadOneIsAnsweredInOneLine) {
-  for (const BadUsage& bad : kBadUsages) {
-    const Outcome outcome = RunQal(bad.arguments);
-    EXPECT_EQ(2, outcome.status) << bad.arguments;
-    EXPECT_EQ("", outcome.out) << bad.arguments;
-    EXPECT_EQ(std::string(bad.line) + "\n", outcome.err) << bad.arguments;
+// One line on standard error, the last one; nothing on standard output, and no file is touched.
+template <size_t kCount>
+void ExpectRefused(int status, const Row (&rows)[kCount]) {
+  std::ofstream("good.csv") << kFourRows;
+  std::ofstream("repeated.csv") << kFourRows << "3,0,0,0,0,0,0\n";
+  std::ofstream("out.csv") << "kept";
+  for (const auto& [command, arguments, message] : rows) {
+    SCOPED_TRACE(std::string(command) + ' ' + arguments);
+    const ToolRun run =
+        Qal(std::string(command) + ' ' + arguments + (status == 1 ? " --csv failed.csv" : ""));
+    const std::string line =
+        (*command == '\0' ? "qal" : std::string("qal ") + command) + ": " + message;
+    const size_t dots = line.find("...");
+    EXPECT_EQ(status, run.status);
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(line.substr(0, dots), run.LastLine().substr(0, dots));
+    EXPECT_TRUE(status == 1 || run.err == run.LastLine() + '\n') << run.err;
+    EXPECT_EQ("good.csv\nout.csv\nrepeated.csv\n", Files());
+    EXPECT_EQ("kept", FileContent("out.csv"));
   }
 }
 
+// clang-format off
+TEST_F(Refusal, OfBadUsageIsOneLine) {
+  constexpr Row kRows[] = {
+      {"", "", "a command is expected; qal --help lists them"},
+      {"", "fkk", "'fkk' is no command; qal --help lists them"},
+      {"fk", "1 2", "'1' was not expected; qal fk --help lists the options"},
+      // Numbers: how many, and each of them.
+      {"fk", "", "--joints: six joint angles [rad] expected, none given"},
+      {"fk", "--deg --joints 1,2 3", "--joints: six joint angles [deg] expected, 3 given"},
+      {"fk", "--joints 1 2 3 x 5 6", "--joints, value 4: 'x' is not a number"},
+      {"fk", "--joints 1 2 3 -inf 5 6", "--joints, value 4: '-inf' is not a finite number"},
+      {"fk", "--joints 1 2 3 4 5 1e999", "--joints, value 6: '1e999' is too large or too small for a number"},
+      {"jog", "--axis x --step 0.1 --deg --joints 0 0 -171 0 0 0", "--joints, value 3: -171 deg is outside the joint's range, -169.99999711284502 to 169.99999711284502"},
+      // Poses.
+      {"ik", "--pose 0.4 0 0.5 0 0 -0 0", "--pose: the quaternion is zero; qw qx qy qz of length 1 are expected"},
+      {"ik", "--pose 0.4 0 0.5", "--pose: x y z [m] qw qx qy qz, or x y z with --rpy, expected, 3 given"},
+      {"ik", "--pose 0.4 0 0.5 1 0 0 0 --rpy 0 0 0", "--pose: x y z [m] with --rpy expected, 7 given"},
+      {"ik", "--pose 0.4 0 0.5 --rpy 0 0", "--rpy: roll pitch yaw [rad] expected, 2 given"},
+      {"ik", "--pose 0 0 0 1 0 0 0 --step-bound -1", "--step-bound: -1 is not from 0 to 1000"},
+      // Choices, and options that don't go together.
+      {"jog", "--joints 0 0 0 0 0 0 --axis q", "--axis: q not in {x,y,z,rx,ry,rz}"},
+      {"jog", "--joints 0 0 0 0 0 0 --axis rz --step 0.1", "--axis rz: turns are about the tool's axes, with --frame tool"},
+      {"line", FROM "--speed 5", "one of --to, --to-pose and --by is expected, for the end"},
+      {"line", FROM "--by 0 0 .1 --speed 2.5", "--speed: '2.5' is no whole number from 1 to 1000000000"},
+      {"line", FROM "--by 0 0 .1 --speed 0", "--speed: '0' is no whole number from 1 to 1000000000"},
+      {"line", FROM "--by 0 0 .1 --speed 5 --jerk 1", "--jerk does not go with --profile ramp"},
+      {"line", FROM "--by 0 0 .1 --profile fixed --speed 1 --precision 1", "--profile fixed: one of --speed and --precision is expected"},
+      {"line", FROM "--by 0 0 .1 --profile fixed --precision 1e-5", "--precision 1e-05: 5e+07 points on this line, at most 1e+06 are planned"},
+      {"joint", FROM "--to 1 0 0 0 0 0 --acc 1 --speed 101", "--speed: '101' is no whole number from 1 to 100"},
+      {"joint", FROM "--to 1 0 0 0 0 0 --profile ramp --speed 1", "--speed: '1' is no whole number from 2 to 1000000000"},
+      {"verify", "good.csv --max-joint-acc 1,2", "--max-joint-acc: one number, or six with commas between, expected, 2 given"},
+      {"verify", "good.csv --max-deviation 1,1", "--max-deviation: one number expected, 2 given"},
+      {"verify", "good.csv --max-tool-speed -1", "--max-tool-speed: -1 is below 0"},
+      // Files.
+      {"fk", "--joints 0 0 0 0 0 0 --csv /nowhere/a.csv", "cannot write /nowhere/a.csv: No such file or directory"},
+      {"fk", "--joints 0 0 0 0 0 0 --csv /dev/full", "cannot write /dev/full: No space left on device"},
+      {"fk", "--joints 0 0 0 0 0 0 --json --csv -", "--csv - and --json: only one of them can have standard output"},
+      {"convert", "repeated.csv out.csv", "repeated.csv: sample 4 (line 6): the time 3 s is not after the one before, 3 s"},
+      {"convert", "good.csv out.txt", "out.txt: the name tells no format; .csv, .json, .yaml or .yml, or --to csv, json or ros was expected"},
+      {"convert", "good.csv --to json --full out.csv", "--full: only a CSV file has these columns"},
+      {"convert", "good.csv --joint-names a,a,c,d,e,f out.csv", "--joint-names: a name stands twice"},
+      {"convert", "good.csv --from json out.csv", "good.csv: line 1, column 2: no valid JSON from here"},
+  };
+  ExpectRefused(2, kRows);
+}
+
+// The arm reaches 0.2786 m out along x from the start of the lines.
+TEST_F(Refusal, OfWhatTheArmCannotDoSaysWhereAndWhy) {
+  constexpr Row kRows[] = {
+      {"ik", "--pose 2 0 0.5 1 0 0 0", "no solution at 2 0 0.5 m (orientation 1 0 0 0): out of reach, the solver finds no joints for it"},
+      // The bounded form answers it with the reference joints; that is no solution either.
+      {"ik", "--pose 2 0 0.5 1 0 0 0 --step-bound 0.1 --near 0 0.3 0.2 0 1 0", "no solution at 2 0 0.5 m (orientation 1 0 0 0): out of reach; the library falls back to joints that are 1.48 m and 3.07 rad off"},
+      {"ik", "--pose 0.45 0.1 0.5 0 0 1 0 --near 0 0.3 0.2 0 1 0 --step-bound 0.2", "no solution at 0.45 0.1 0.5 m (orientation 0 0 1 0): none of the 8 solutions is admissible; the nearest: joint 1 moves 0.218669 rad, 0.0186689 rad over the step bound of 0.2 rad"},
+      {"jog", "--joints 0 0 0 0 1 0 --axis x --step 1", "no solution for 1 m along x of the base frame from..."},
+      {"line", FROM "--by 0.5 0 0 --speed 20", "no solution at point 706, 0.2786 m (55.7 %) along the line, at 0.802728 0 0.530869 m (orientation 0.0353908 0 0.999374 0): out of reach, the solver finds no joints for it"},
+      {"line", FROM "--by 0.5 0 0 --speed 50 --profile fixed", "no solution at point 139, 0.279116 m (55.8 %) along the line, at..."},
+      {"line", FROM "--by 0.2784 0 0 --speed 50 --profile fixed", "no solution at point 139, 0.2784 m (100 %) along the line, at 0.802528 0..."},
+      {"line", FROM "--by 0.5 0 0 --precision 10 --profile fixed", "no solution at point 137, 0.2751 m (55 %) along the line, at 0.799229 0 0.530869 m (orientation 0.0353908 0 0.999374 0): none of the 4 solutions is admissible; the nearest: joint 3 moves 0.0486821 rad, 0.00504886 rad over the step bound of 0.0436332 rad"},
+      {"line", FROM "--by 0 0.002 0 --speed 10", "the line is too short for its ramps at --speed 10: 0.002 m, and the shortest that works is 0.0022 m"},
+      // The same pose with the elbow the other way: the library would just append it.
+      {"line", "--from 0.218669 0.203958 0.414227 0 0.952611 0.218669 --profile fixed --speed 1 --to 0.218669 2.031822 2.911058 0 2.911102 0.218669", "the line arrives with other joints than the end's: joint 2 would jump 1.82786 rad to the last point, at most 0.518 rad are one step"},
+      {"line", FROM "--to 0 0.3 0.2 0 1.1 0 --speed 5", "the tool would have to turn: ..."},
+      {"line", FROM "--to-pose 0.5 0 2 --speed 5", "the end is 1.46913 m away on an axis..."},
+      {"line", FROM "--by 0.01 0 0 --profile s-curve --acc 0.1 --jerk 10 --motor-rpm 3000", "--acc 0.1 is built up within 20 ms at --jerk 10; it has to be above 0.02 s * --jerk, 0.2"},
+      {"line", FROM "--by 0.01 0 0 --profile s-curve --acc 1 --jerk 10 --motor-rpm 3", "joint 3 would need its motor at 282 rpm at point 14, 0.000703125 m (7.03 %) along the line, at..."},
+      {"joint", FROM "--to 2.9 0 0 0 0 0 --speed 1 --acc 1", "the move takes 73017 cycles at --speed 1 --acc 1, at most 46340 are planned"},
+      {"joint", FROM "--to-pose 2 0 0 --speed 1 --acc 1", "no solution at the end, 2 0 0 m..."},
+  };
+  ExpectRefused(1, kRows);
+}
+// clang-format on
+
 // Whatever is wrong with a solver ends in one line that names it, and what it prints doesn't get
 // into the data.
-TEST(Solver, ThatMisbehavesIsNamed) {
+TEST_F(Refusal, OfASolverThatMisbehavesNamesIt) {
   const auto run = [](const std::string& fault) {
-    return RunQal("ik --pose 0.1 0.2 0.3 1 0 0 0 --json",
-                  {"LD_LIBRARY_PATH=" QAL_FOREIGN_SOLVER_DIR, "QAL_FOREIGN_FAULT=" + fault});
+    return Shell("LD_LIBRARY_PATH=" QAL_FOREIGN_SOLVER_DIR " QAL_FOREIGN_FAULT='" + fault +
+                 "' " QAL_BINARY " ik --pose 0.1 0.2 0.3 1 0 0 0 --json");
   };
-  const Outcome prints = run("prints");
+  const ToolRun prints = run("prints");
   EXPECT_EQ(0, prints.status);
   EXPECT_EQ('{', prints.out[0]) << prints.out;
   EXPECT_EQ(0, prints.err.find("solver by stream\n"));
   const std::string path = QAL_FOREIGN_SOLVER_DIR "/libik.so";
-  const std::string thrown = " (solver: " + path + ")";
-  const std::string more = "; ikcheck " + path + " tells more";
   const std::tuple<const char*, int, std::string> faults[] = {
-      {"throws an int", 1, "unexpected error of an unknown kind" + thrown},
-      {"throws", 1, "unexpected error: no way" + thrown},
+      {"throws an int", 1, "unexpected error of an unknown kind (solver: " + path + ")"},
+      {"throws", 1, "unexpected error: no way (solver: " + path + ")"},
       {"has no memory", 1, "out of memory"},
-      {"is for seven joints", 2, path + ": the solver has 7 joints, 6 are expected" + more},
-      {"is for a free joint", 2,
-       path + ": the solver has free parameters, none is expected" + more},
-      {"has four joints", 2,
-       path + ": the solver gives solutions of 4 joints, 6 are expected" + more},
-      {"finds nothing and returns true", 2,
-       path + ": the solver says that there are solutions and gives none" + more},
-      {"finds joints and returns false", 2,
-       path + ": the solver gives solutions and says that there are none" + more}};
-  for (const auto& [fault, status, line] : faults) {
-    const Outcome outcome = run(fault);
-    EXPECT_EQ(status, outcome.status);
-    EXPECT_EQ("", outcome.out);
-    EXPECT_EQ("qal ik: " + line, LastLine(outcome.err));
+      {"is for seven joints", 2, "has 7 joints, 6 are expected"},
+      {"is for a free joint", 2, "has free parameters, none is expected"},
+      {"has four joints", 2, "gives solutions of 4 joints, 6 are expected"},
+      {"finds nothing and returns true", 2, "says that there are solutions and gives none"},
+      {"finds joints and returns false", 2, "gives solutions and says that there are none"}};
+  for (const auto& [fault, status, words] : faults) {
+    const ToolRun refused = run(fault);
+    EXPECT_EQ(status, refused.status);
+    EXPECT_EQ("", refused.out);
+    EXPECT_EQ("qal ik: " + (status == 1 ? words
+                                        : path + ": the solver " + words + "; ikcheck " + path +
+                                              " tells more"),
+              refused.LastLine());
   }
 }
 
-TEST(Output, ThatCannotBeWrittenIsBadUsageButAClosedPipeIsNot) {
-  const std::string command = QAL_BINARY
-      " line --from 0 0.3 0.2 0 1 0 --by 0 0.3 0 --speed 1 "
-      "--profile fixed --json";
-  const auto shell = [](const std::string& line) {
-    return WEXITSTATUS(std::system(("bash -o pipefail -c '" + line + "'").c_str()));
-  };
-  const std::string err = FreshPath("err");
-  EXPECT_EQ(0, shell(command + " 2>" + err + " | head -c 1 >" + FreshPath("head")));
-  EXPECT_EQ("", FileContent(err));
-  EXPECT_EQ(2, shell(command + " 2>" + err + " >/dev/full"));
-  EXPECT_EQ("qal line: cannot write standard output: No space left on device\n", FileContent(err));
-  EXPECT_EQ(2, shell(command + " 2>" + err + " >&-"));
+using Output = InOwnFolder;
+
+TEST_F(Output, ThatCannotBeWrittenIsBadUsageButAClosedPipeIsNot) {
+  const std::string command =
+      QAL_BINARY " line " FROM "--by 0 0.3 0 --speed 1 --profile fixed --json";
+  const ToolRun closed = Shell("bash -o pipefail -c '" + command + " | head -c 1'");
+  EXPECT_EQ(0, closed.status);
+  EXPECT_EQ("", closed.err);
+  const ToolRun full = Shell(command + " >/dev/full");
+  EXPECT_EQ(2, full.status);
+  EXPECT_EQ("qal line: cannot write standard output: No space left on device\n", full.err);
+  EXPECT_EQ(2, Shell(command + " >&-").status);
 }
 
-TEST(Version, AndHelpGoToStandardOutput) {
-  EXPECT_EQ("qal 1.0.0\n", RunQal("--version").out);
-  for (const char* command : {"fk", "ik", "jog", "line", "joint"}) {
-    const Outcome help = RunQal(std::string(command) + " --help");
+TEST_F(Output, OfVersionAndHelpGoesToStandardOutput) {
+  EXPECT_EQ("qal 1.0.0\n", Qal("--version").out);
+  for (const std::string command : {"fk", "ik", "jog", "line", "joint"}) {
+    const ToolRun help = Qal(command + " --help");
     EXPECT_EQ(0, help.status);
-    EXPECT_NE(std::string::npos, help.out.find(std::string("Example: qal ") + command));
+    EXPECT_NE(std::string::npos, help.out.find("Example: qal " + command));
     EXPECT_EQ("", help.err);
   }
 }
