@@ -135,12 +135,6 @@ TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
 }
 
 KDL::Chain ChainOf(const Arm& arm, const std::string& path) {
-  KDL::Chain chain;
-  const auto turn = [&chain](const KDL::Vector& axis, const KDL::Frame& before, double direction) {
-    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), before));
-    const KDL::Joint joint(KDL::Vector::Zero(), axis, KDL::Joint::RotAxis, direction);
-    chain.addSegment(KDL::Segment(joint, KDL::Frame::Identity()));
-  };
   if (path.find(".urdf") != std::string::npos) return ReadUrdfChain(path, arm.tip);
   const bool toml = path.find(".toml") != std::string::npos;
   const nlohmann::json table =
@@ -152,27 +146,32 @@ KDL::Chain ChainOf(const Arm& arm, const std::string& path) {
     return KDL::Frame(KDL::Rotation::RPY(rpy[0], rpy[1], rpy[2]),
                       KDL::Vector(xyz[0], xyz[1], xyz[2]));
   };
-  const auto& lines = table["joint"];
-  const bool ortho_parallel = table["convention"] == "ortho-parallel";
-  const auto length = [&](const char* key) { return table[key].get<double>(); };
-  const KDL::Vector x(1, 0, 0), y(0, 1, 0), z(0, 0, 1);
-  KDL::Frame before = fixed("base");
+  // An ortho-parallel table's lengths; there are none in a table of links.
+  const auto moved = [&table](const char* x, const char* y, const char* z) {
+    const auto length = [&table](const char* key) { return table.value(key, 0.0); };
+    return KDL::Frame(KDL::Vector(length(x), length(y), length(z)));
+  };
+  const bool links = table["convention"] == "dh";
+  const KDL::Vector z(0, 0, 1);
+  const KDL::Vector y = links ? z : KDL::Vector(0, 1, 0);
+  const KDL::Vector axes[] = {z, y, y, z, y, z};
+  const KDL::Frame before[] = {fixed("base"),          moved("a1", "", "c1"),
+                               moved("", "", "c2"),    moved("a2", "b", "c3"),
+                               KDL::Frame::Identity(), KDL::Frame::Identity()};
+  KDL::Chain chain;
+  KDL::Frame last = KDL::Frame::Identity();
   for (size_t j = 0; j < 6; ++j) {
-    const double theta = lines[j].value("theta", 0.0);
-    const KDL::Vector axis = !ortho_parallel || j % 3 == 0 || j == 5 ? z : y;
-    if (ortho_parallel && j == 1)
-      before = before * KDL::Frame(KDL::Vector(length("a1"), 0, length("c1")));
-    if (ortho_parallel && j == 2) before = before * KDL::Frame(KDL::Vector(0, 0, length("c2")));
-    if (ortho_parallel && j == 3) {
-      before = before * KDL::Frame(KDL::Vector(length("a2"), length("b"), length("c3")));
-    }
-    turn(axis, before, lines[j].value("direction", 1.0));
-    before = ortho_parallel ? KDL::Frame(KDL::Rotation::Rot(axis, theta))
-                            : KDL::Frame::DH(lines[j].value("a", 0.0), lines[j].value("alpha", 0.0),
-                                             lines[j].value("d", 0.0), theta);
+    const auto& line = table["joint"][j];
+    const double theta = line.value("theta", 0.0);
+    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), last * before[j]));
+    chain.addSegment(KDL::Segment(KDL::Joint(KDL::Vector::Zero(), axes[j], KDL::Joint::RotAxis,
+                                             line.value("direction", 1.0))));
+    last = links ? KDL::Frame::DH(line.value("a", 0.0), line.value("alpha", 0.0),
+                                  line.value("d", 0.0), theta)
+                 : KDL::Frame(KDL::Rotation::Rot(axes[j], theta));
   }
-  if (ortho_parallel) before = before * KDL::Frame(KDL::Vector(0, 0, length("c4")));
-  chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), before * fixed("flange")));
+  last = last * moved("", "", "c4") * fixed("flange");
+  chain.addSegment(KDL::Segment(KDL::Joint(KDL::Joint::None), last));
   return chain;
 }
 
