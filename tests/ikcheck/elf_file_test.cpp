@@ -2,45 +2,34 @@
 
 #include <elf.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstring>
 
-#include "../../tools/common/error.h"
-#include "../../tools/common/files.h"
+#include "../support/refusal.h"
+#include "../support/tool_run.h"
 
 namespace {
 
 using qal::ikcheck::ExportedFunctions;
 
-// The reason for which a file with this content is refused; empty: it isn't.
-std::string Refusal(const std::string& content) {
-  // Its own for each process, as tests run side by side.
-  const std::string path =
-      testing::TempDir() + "ikcheck_elf_file_test_" + std::to_string(::getpid());
-  qal::tools::WriteFile(path, content);
-  try {
-    (void)ExportedFunctions(path);
-    return "";
-  } catch (const qal::tools::UsageError& error) {
-    const std::string message = error.what();
-    EXPECT_EQ(message.find(path + ": "), 0u) << message;
-    return message.substr(std::min(message.size(), path.size() + 2));
-  }
-}
+using ElfFile = InOwnFolder;
 
-std::string SoundFile() { return qal::tools::ReadFile(QAL_SOUND_SOLVER); }
+// What is said of a file with this content.
+std::string Answer(const std::string& content) {
+  std::ofstream("file", std::ios::binary) << content;
+  return Refusal([] { ExportedFunctions("file"); });
+}
 
 // The sound library with one value of its header changed.
 template <typename Value>
 std::string Patched(size_t offset, Value value) {
-  std::string file = SoundFile();
+  std::string file = FileContent(QAL_SOUND_SOLVER);
   std::memcpy(file.data() + offset, &value, sizeof(value));
   return file;
 }
 
-TEST(ElfFile, ListsTheFunctionsThatTheLibraryDefines) {
+TEST_F(ElfFile, ListsTheFunctionsThatTheLibraryDefines) {
   const auto functions = ExportedFunctions(QAL_SOUND_SOLVER);
   const auto count = [&](const char* name) {
     return std::count(functions.begin(), functions.end(), name);
@@ -50,37 +39,41 @@ TEST(ElfFile, ListsTheFunctionsThatTheLibraryDefines) {
   EXPECT_EQ(count("_Znwm"), 0);  // it calls that, others define it
 }
 
-TEST(ElfFile, SaysWhatAFileIsThatIsNoLibraryForThisMachine) {
-  EXPECT_EQ(Refusal(""), "not a shared library (no ELF file)");
-  EXPECT_EQ(Refusal("#!/bin/sh\n"), "not a shared library (no ELF file)");
-  EXPECT_EQ(Refusal(SoundFile().substr(0, 40)), "not a shared library (no ELF file)");
-  EXPECT_EQ(Refusal(Patched<Elf64_Half>(18, EM_AARCH64)),
-            "built for AArch64, this machine's programs are x86-64");
-  EXPECT_EQ(Refusal(Patched<Elf64_Half>(18, EM_RISCV)),
-            "built for machine number 243, this machine's programs are x86-64");
-  EXPECT_EQ(Refusal(qal::tools::ReadFile(QAL_OBJECT_FILE)),
-            "not a shared library but an object file; link it with g++ -shared");
-  EXPECT_EQ(Refusal(Patched<Elf64_Half>(16, ET_EXEC)),
-            "not a shared library but another kind of ELF file; link it with g++ -shared");
+TEST_F(ElfFile, SaysWhatAFileIsThatIsNoLibraryForThisMachine) {
+  const std::string sound = FileContent(QAL_SOUND_SOLVER);
+  const std::pair<std::string, const char*> files[] = {
+      {"", "file: not a shared library (no ELF file)"},
+      {"#!/bin/sh\n", "file: not a shared library (no ELF file)"},
+      {sound.substr(0, 40), "file: not a shared library (no ELF file)"},
+      {Patched<Elf64_Half>(18, EM_AARCH64),
+       "file: built for AArch64, this machine's programs are x86-64"},
+      {Patched<Elf64_Half>(18, EM_RISCV),
+       "file: built for machine number 243, this machine's programs are x86-64"},
+      {FileContent(QAL_OBJECT_FILE),
+       "file: not a shared library but an object file; link it with g++ -shared"},
+      {Patched<Elf64_Half>(16, ET_EXEC),
+       "file: not a shared library but another kind of ELF file; link it with g++ -shared"},
+  };
+  for (const auto& [content, message] : files) EXPECT_EQ(Answer(content), message);
 }
 
 // Whatever a broken file says of where its parts are, nothing is read outside of it.
-TEST(ElfFile, ReadsNothingOutsideABrokenFile) {
-  const std::string sound = SoundFile();
-  EXPECT_EQ(Refusal(sound.substr(0, 64)), "");
+TEST_F(ElfFile, ReadsNothingOutsideABrokenFile) {
+  const std::string sound = FileContent(QAL_SOUND_SOLVER);
+  EXPECT_EQ(Answer(sound.substr(0, 64)), "not refused");
   for (size_t size = 64; size < sound.size(); size += 1 + sound.size() / 50) {
-    EXPECT_EQ(Refusal(sound.substr(0, size)), "");
+    EXPECT_EQ(Answer(sound.substr(0, size)), "not refused");
   }
   Elf64_Ehdr header;
   std::memcpy(&header, sound.data(), sizeof(header));
   for (const Elf64_Off offset : {Elf64_Off(0), sound.size() - 70, ~Elf64_Off(0) - 10}) {
-    EXPECT_EQ(Refusal(Patched<Elf64_Off>(40, offset)), "");
+    EXPECT_EQ(Answer(Patched<Elf64_Off>(40, offset)), "not refused");
   }
   // Section headers of nothing but 0xFF, and of small numbers.
   for (const char fill : {'\xFF', '\x0B'}) {
     std::string file = sound;
     std::fill(file.begin() + static_cast<std::ptrdiff_t>(header.e_shoff), file.end(), fill);
-    EXPECT_EQ(Refusal(file), "");
+    EXPECT_EQ(Answer(file), "not refused");
   }
 }
 

@@ -79,11 +79,13 @@ void Spoil(Joints& solution) {
   }
 }
 
-// Drops solutions by the sine of joint 5, unless none is left then.
-template <typename Condition>
-void Drop(std::vector<Joints>& solutions, Condition condition) {
+// Drops solutions with the sine of joint 5 between these, unless none is left then.
+void Drop(std::vector<Joints>& solutions, double low, double high) {
   const std::vector<Joints> all = solutions;
-  const auto drop = [&](const Joints& joints) { return condition(std::fabs(std::sin(joints[4]))); };
+  const auto drop = [&](const Joints& joints) {
+    const double bend = std::fabs(std::sin(joints[4]));
+    return bend >= low && bend < high;
+  };
   solutions.erase(std::remove_if(solutions.begin(), solutions.end(), drop), solutions.end());
   if (solutions.empty()) solutions = all;
 }
@@ -96,8 +98,8 @@ void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
   }
   if (Is("duplicate") && front) solutions.push_back(solutions[0]);
   if (Is("miss") && front) solutions.resize(1);
-  if (Is("miss near 0")) Drop(solutions, [](double bend) { return bend > 1e-9 && bend < 1e-4; });
-  if (Is("miss at 0")) Drop(solutions, [](double bend) { return bend < 1e-9; });
+  if (Is("miss near 0")) Drop(solutions, 1e-9, 1e-4);
+  if (Is("miss at 0")) Drop(solutions, 0.0, 1e-9);
   if (Is("unsolved") && front) solutions.clear();
   if (Is("unsolved at 0") && std::fabs(std::sin(solutions[0][4])) < 1e-9) solutions.clear();
 

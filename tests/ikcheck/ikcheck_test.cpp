@@ -6,7 +6,6 @@
 #include <set>
 #include <string>
 
-#include "../../tools/common/error.h"
 #include "../../tools/ikcheck/checks.h"
 #include "../../tools/ikcheck/measures.h"
 
@@ -158,14 +157,6 @@ TEST(Ikcheck, KnowsTheLibrariesThatCannotBeUsed) {
   EXPECT_EQ(other["findings"][0]["case"]["words"],
             "my_arm::ComputeIk(double const*, double const*, double const*, "
             "ikfast::IkSolutionListBase<double>&)");
-  try {
-    (void)Check(library("wants_missing"));
-    ADD_FAILURE() << "it can't be loaded";
-  } catch (const qal::tools::UsageError& error) {
-    EXPECT_NE(std::string(error.what()).find("undefined symbol: _Z14NowhereDefinedv"),
-              std::string::npos)
-        << error.what();
-  }
 }
 
 // The same seed asks for the same poses, another one for others.
@@ -193,7 +184,6 @@ TEST(Ikcheck, ComparesWithTheArmDescribed) {
     const Json findings = CheckOnly(CheckArm, options);
     return findings.empty() ? "" : findings[0]["case"]["words"].get<std::string>();
   };
-  EXPECT_EQ(check([](Pose&, const Joints&) {}), "");
   EXPECT_EQ(check([](Pose& pose, const Joints&) { pose.position[2] += 1e-6; }), "");
   EXPECT_EQ(check([](Pose& pose, const Joints&) { pose.position[2] += 0.1; }),
             "position off by 0.1, orientation by 0 rad; only the base frame differs: the solver's "

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iostream>
+#include <tuple>
 #include <vector>
 
 #include "../../tools/ikcheck/shared_array.h"
@@ -18,7 +19,7 @@ using namespace qal::ikcheck;
 // Steps 2, 4, 6 and 7 don't return; all others have to have run, each once.
 TEST(Sandbox, GoesOnAfterEachStepThatDoesNotReturn) {
   SharedArray<int> ran(9);
-  std::vector<Loss> losses;
+  std::vector<std::tuple<size_t, Loss::Kind, std::string>> losses;
   const Printed printed = Sandbox(0.2).Run(
       ran.size(),
       [&](size_t i) {
@@ -29,23 +30,14 @@ TEST(Sandbox, GoesOnAfterEachStepThatDoesNotReturn) {
         if (i == 7) throw 1;
         ++ran[i];
       },
-      [&](const Loss& loss) { losses.push_back(loss); });
+      [&](const Loss& loss) { losses.emplace_back(loss.step, loss.kind, loss.how); });
 
   for (const size_t i : {0u, 1u, 3u, 5u, 8u}) EXPECT_EQ(ran[i], 1) << i;
-  ASSERT_EQ(losses.size(), 4u);
-  const struct {
-    size_t step;
-    Loss::Kind kind;
-    const char* how;
-  } kExpected[] = {{2, Loss::Kind::kCrash, "signal 11 (Segmentation fault)"},
-                   {4, Loss::Kind::kExit, "exit status 7"},
-                   {6, Loss::Kind::kHang, "no return within 0.2 s"},
-                   {7, Loss::Kind::kCrash, "signal 6 (Aborted)"}};
-  for (size_t i = 0; i < losses.size(); ++i) {
-    EXPECT_EQ(losses[i].step, kExpected[i].step);
-    EXPECT_EQ(losses[i].kind, kExpected[i].kind);
-    EXPECT_EQ(losses[i].how, kExpected[i].how);
-  }
+  const decltype(losses) expected = {{2, Loss::Kind::kCrash, "signal 11 (Segmentation fault)"},
+                                     {4, Loss::Kind::kExit, "exit status 7"},
+                                     {6, Loss::Kind::kHang, "no return within 0.2 s"},
+                                     {7, Loss::Kind::kCrash, "signal 6 (Aborted)"}};
+  EXPECT_EQ(losses, expected);
   EXPECT_EQ(printed.text, "");  // what the runtime says of step 7 is nothing that a step wrote
 }
 
@@ -70,16 +62,12 @@ TEST(Sandbox, GivesEachStepItsTime) {
 
 TEST(Sandbox, EndsWhenTheListenerThrows) {
   SharedArray<int> ran(3);
-  const auto run = [&] {
-    (void)Sandbox(5).Run(
-        ran.size(),
-        [&](size_t i) {
-          ++ran[i];
-          if (i == 1) std::abort();
-        },
-        [](const Loss&) { throw std::runtime_error("enough"); });
+  const auto step = [&](size_t i) {
+    ++ran[i];
+    if (i == 1) std::abort();
   };
-  EXPECT_THROW(run(), std::runtime_error);
+  const auto lost = [](const Loss&) { throw std::runtime_error("enough"); };
+  EXPECT_THROW((void)Sandbox(5).Run(ran.size(), step, lost), std::runtime_error);
   EXPECT_EQ(ran[1], 1);
   EXPECT_EQ(ran[2], 0);
 }
