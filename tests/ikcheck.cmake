@@ -7,8 +7,7 @@ function(qal_ikcheck_library name source)
   set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
 endfunction()
 
-qal_ikcheck_library(faulty_solver ikcheck/faulty_solver.cpp
-                    QAL_SOUND_SOLVER="$<TARGET_FILE:ik>")
+qal_ikcheck_library(faulty_solver ikcheck/faulty_solver.cpp)
 qal_ikcheck_library(plain_names ikcheck/odd_names.cpp PLAIN_NAMES)
 qal_ikcheck_library(single_precision ikcheck/odd_names.cpp SINGLE_PRECISION)
 qal_ikcheck_library(other_namespace ikcheck/odd_names.cpp OTHER_NAMESPACE)

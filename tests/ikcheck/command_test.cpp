@@ -37,17 +37,40 @@ TEST_F(IkcheckCommand, PrintsJson) {
             "when loaded and queried: wrote \"\uFFFDhello\n\"");
 }
 
+// The reference arm with its base or its tool elsewhere, with another link, or another arm.
 TEST_F(IkcheckCommand, ComparesWithAnArmsDescription) {
-  const std::string sound = QAL_SOUND_SOLVER " --poses 300 --json ";
-  EXPECT_EQ(Ikcheck(sound + "--urdf " QAL_ARMS_DIR "/reference.urdf").status, 0);
-  const ToolRun other = Ikcheck(sound + "--table " QAL_ARMS_DIR "/carrying_parallel.toml");
-  EXPECT_EQ(other.status, 1);
-  EXPECT_EQ(Json::parse(other.out)["findings"][0]["name"], "other-arm");
-  // Its flange, 0.08 m before the tool's frame and turned, is joint 6's link.
-  const ToolRun tip = Ikcheck(sound + "--tip link_6 --urdf " QAL_ARMS_DIR "/reference.urdf");
-  EXPECT_EQ(tip.status, 1);
-  const std::string words = Json::parse(tip.out)["findings"][0]["case"]["words"];
-  EXPECT_NE(words.find("only the tool frame differs"), std::string::npos) << words;
+  const std::string none = "none";
+  const std::string base = "only the base frame differs: the solver's is at xyz=";
+  const std::string tool = "only the tool frame differs: the solver's is at xyz=";
+  const struct {
+    const char* change;  // of reference.urdf, which becomes arm.urdf
+    const char* options;
+    std::string reason;
+  } cases[] = {
+      {"", "--urdf arm.urdf", none},
+      {"s/0.050 0 0.380/0.050 0 0.380001/", "--urdf arm.urdf", none},
+      {"0,/0 0 0/s//0 0 0.1/", "--urdf arm.urdf", base + "\"0 0 0.1\" rpy=\"0 0 0\""},
+      {"s/0 1.5707963267948966 0/0 0 0/", "--urdf arm.urdf",
+       tool + "\"0 0 0\" rpy=\"0 1.570796 0\""},
+      {"", "--tip link_6 --urdf arm.urdf", tool + "\"0.08 0 0\" rpy=\"0 1.570796 0\""},
+      {"s/0 0 0.400/0 0 0.5/", "--urdf arm.urdf", "position off by 0.1, orientation by "},
+      {"", "--table " QAL_ARMS_DIR "/carrying_parallel.toml", "position off by 0.58"},
+  };
+  for (const auto& [change, options, reason] : cases) {
+    std::ofstream("arm.urdf")
+        << Shell("sed '" + std::string(change) + "' " QAL_ARMS_DIR "/reference.urdf").out;
+    const ToolRun run = Ikcheck(QAL_SOUND_SOLVER " --poses 1 --json " + std::string(options));
+    const Json findings = Json::parse(run.out)["findings"];
+    EXPECT_EQ(run.status, reason == none ? 0 : 1) << change;
+    std::string words = none;
+    if (!findings.empty()) {
+      EXPECT_EQ(findings[0]["name"], "other-arm");
+      words = findings[0]["case"]["words"];
+    }
+    const size_t semicolon = words.find(';');
+    if (semicolon != std::string::npos) words.erase(0, semicolon + 2);
+    EXPECT_EQ(words.substr(0, reason.size()), reason) << words;
+  }
 }
 
 TEST_F(IkcheckCommand, SaysInOneLineWhatItCannotUse) {

@@ -1,59 +1,31 @@
 // The reference arm's solver with one fault, which the environment variable FAULT names: none, and
 // it is sound.
 
-#include <dlfcn.h>
 #include <sched.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits>
+#include <numeric>
 #include <stdexcept>
-#include <string>
 #include <vector>
 
+#include "../../solver/reference_arm.h"
 #include "kinematics/ikfast.h"
 
 namespace {
 
-using Joints = std::array<double, 6>;
+using namespace qal::closed_form;
+using qal::reference_arm::kArm;
 using List = ikfast::IkSolutionListBase<double>;
 using Entry = ikfast::IkSingleDOFSolutionBase<double>;
-
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 bool Is(const char* fault) {
   static const char* const chosen = std::getenv("FAULT");
   return chosen != nullptr && std::strcmp(chosen, fault) == 0;
-}
-
-// The sound solver behind this one.
-template <typename Function>
-Function Sound(const char* name) {
-  static void* const library = ::dlopen(QAL_SOUND_SOLVER, RTLD_NOW | RTLD_LOCAL);
-  return reinterpret_cast<Function>(::dlsym(library, name));
-}
-
-bool SoundIk(const double* eetrans, const double* eerot, std::vector<Joints>& solutions) {
-  static const auto solve = Sound<decltype(&ikfast::ComputeIk)>(
-      "_ZN6ikfast9ComputeIkEPKdS1_S1_RNS_18IkSolutionListBaseIdEE");
-  ikfast::IkSolutionList<double> list;
-  const bool found = solve(eetrans, eerot, nullptr, list);
-  solutions.resize(list.GetNumSolutions());
-  for (size_t i = 0; i < solutions.size(); ++i) {
-    list.GetSolution(i).GetSolution(solutions[i].data(), nullptr);
-  }
-  return found;
-}
-
-void SoundFk(const double* joints, double* eetrans, double* eerot) {
-  static const auto forward = Sound<decltype(&ikfast::ComputeFk)>("_ZN6ikfast9ComputeFkEPKdPdS2_");
-  forward(joints, eetrans, eerot);
 }
 
 // Faults that show in how a call ends. Only poses low in front have them.
@@ -72,7 +44,7 @@ void Misbehave(const double* eetrans, List& list) {
 void Spoil(Joints& solution) {
   if (Is("wrong")) solution[5] -= std::copysign(0.01, solution[5]);
   if (Is("loose")) solution[5] *= 1 - 1e-8;
-  if (Is("nan")) solution[3] = kNan;
+  if (Is("nan")) solution[3] = std::nan("");
   if (Is("range")) solution[1] += std::copysign(2 * kPi, solution[1]);
   for (double& joint : solution) {
     if (Is("minus pi") && std::fabs(joint - kPi) < 1e-9) joint = -kPi;
@@ -113,19 +85,6 @@ void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
   }
 }
 
-// Faults in answers to what has no solution.
-void Invent(const double* eetrans, const double* eerot, std::vector<Joints>& solutions) {
-  double sum = eetrans[0] + eetrans[1] + eetrans[2];
-  double squares = 0.0;
-  for (int i = 0; i < 9; ++i) {
-    sum += eerot[i];
-    squares += eerot[i] * eerot[i];
-  }
-  const bool invents = std::isfinite(sum) ? Is("accept any matrix") && std::fabs(squares - 3) > 1e-4
-                                          : Is("accept nan");
-  if (invents) solutions.push_back({});
-}
-
 // Entries as later headers have them.
 struct LateEntry {
   virtual ~LateEntry() = default;
@@ -164,14 +123,24 @@ bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& 
   for (double& value : position) value /= Is("millimetres") ? 1000 : 1;
   Misbehave(position, list);
   if (Is("clear")) list.Clear();
+  Frame target = {{}, {{position[0], position[1], position[2]}}};
+  for (int i = 0; i < 9; ++i) target.rotation.row[i / 3].element[i % 3] = eerot[i];
+  const bool rotation = IsRotation(target.rotation);
   std::vector<Joints> solutions;
-  bool found = SoundIk(position, eerot, solutions);
+  for (const Joints& joints : rotation ? Solve(kArm, target) : Solutions()) {
+    solutions.push_back(joints);
+  }
+  bool found = !solutions.empty();
   if (found) {
     Spoil(position, solutions);
     found = !solutions.empty();
   } else {
-    Invent(position, eerot, solutions);
-    found = !solutions.empty() || Is("true");
+    const double sum = std::accumulate(eerot, eerot + 9, position[0] + position[1] + position[2]);
+    found = Is("true");
+    if (std::isfinite(sum) ? Is("accept any matrix") && !rotation : Is("accept nan")) {
+      solutions.push_back({});
+      found = true;
+    }
     if (Is("append")) solutions.push_back({});
   }
   Add(solutions, list);
@@ -183,8 +152,10 @@ void ComputeFk(const double* joints, double* eetrans, double* eerot) {
   std::memcpy(moved.data(), joints, sizeof(moved));
   if (Is("stuck")) moved[3] = 0;
   if (Is("crash forward") && moved[0] > 2) (void)std::raise(SIGFPE);
-  SoundFk(moved.data(), eetrans, eerot);
-  if (Is("nan forward") && moved[0] > 2) eetrans[1] = kNan;
+  const Frame tool = Forward(kArm, moved.data());
+  std::copy(tool.position.element, tool.position.element + 3, eetrans);
+  for (int i = 0; i < 9; ++i) eerot[i] = tool.rotation[i / 3][i % 3];
+  if (Is("nan forward") && moved[0] > 2) eetrans[1] = std::nan("");
   if (Is("skewed forward")) eerot[0] += 1e-8;
   for (int i = 0; i < 3; ++i) eetrans[i] *= Is("millimetres") ? 1000 : 1;
 }

@@ -170,37 +170,4 @@ TEST(Ikcheck, RepeatsItselfWithTheSameSeed) {
   EXPECT_NE(check(5), check(6));
 }
 
-// The arm described is the solver's own, with the base or the tool elsewhere, or with another link.
-TEST(Ikcheck, ComparesWithTheArmDescribed) {
-  Library library(QAL_SOUND_SOLVER);
-  const auto check = [&](const std::function<void(Pose&, const Joints&)>& change) {
-    Session::Options options = Options(QAL_SOUND_SOLVER, "none");
-    options.arm = [&](const Joints& joints) {
-      FkAnswer answer = {};
-      library.Get().Forward(joints, answer);
-      change(answer.pose, joints);
-      return answer.pose;
-    };
-    const Json findings = CheckOnly(CheckArm, options);
-    return findings.empty() ? "" : findings[0]["case"]["words"].get<std::string>();
-  };
-  EXPECT_EQ(check([](Pose& pose, const Joints&) { pose.position[2] += 1e-6; }), "");
-  EXPECT_EQ(check([](Pose& pose, const Joints&) { pose.position[2] += 0.1; }),
-            "position off by 0.1, orientation by 0 rad; only the base frame differs: the solver's "
-            "is at xyz=\"0 0 0.1\" rpy=\"0 0 0\"");
-  // The tool's x, y, z as the solver's -z, y, x: a quarter turn about y, which is all pitch.
-  EXPECT_EQ(check([](Pose& pose, const Joints&) {
-              for (double* row = pose.rotation; row < pose.rotation + 9; row += 3) {
-                std::swap(row[0], row[2]);
-                row[0] = -row[0];
-              }
-            }),
-            "position off by 0, orientation by 1.5708 rad; only the tool frame differs: the "
-            "solver's is at xyz=\"0 0 0\" rpy=\"0 -1.570796 0\"");
-  const std::string other = check(
-      [](Pose& pose, const Joints& joints) { pose.position[2] += 0.1 * std::cos(joints[1]); });
-  EXPECT_EQ(other.substr(0, 22), "position off by 0.0999") << other;
-  EXPECT_EQ(other.find("only"), std::string::npos) << other;
-}
-
 }  // namespace

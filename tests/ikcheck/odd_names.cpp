@@ -4,15 +4,15 @@
 void NowhereDefined();
 #endif
 
+#define TAKES(Real) (const Real*, const Real*, const Real*, ikfast::IkSolutionListBase<Real>&)
+
 namespace ikfast {
 
 template <typename T>
 class IkSolutionListBase;
 
 #if defined(SINGLE_PRECISION)
-bool ComputeIk(const float*, const float*, const float*, IkSolutionListBase<float>&) {
-  return false;
-}
+bool ComputeIk TAKES(float) { return false; }
 void ComputeFk(const float*, float*, float*) {}
 #elif defined(WANTS_MISSING)
 void ComputeFk(const double*, double*, double*) { NowhereDefined(); }
@@ -22,17 +22,13 @@ void ComputeFk(const double*, double*, double*) { NowhereDefined(); }
 
 #if defined(OTHER_NAMESPACE)
 namespace my_arm {
-bool ComputeIk(const double*, const double*, const double*, ikfast::IkSolutionListBase<double>&) {
-  return false;
-}
+bool ComputeIk TAKES(double) { return false; }
 }  // namespace my_arm
 #endif
 
 #if defined(PLAIN_NAMES)
 extern "C" {
-bool ComputeIk(const double*, const double*, const double*, ikfast::IkSolutionListBase<double>&) {
-  return false;
-}
+bool ComputeIk TAKES(double) { return false; }
 void ComputeFk(const double*, double* eetrans, double* eerot) {
   for (int i = 0; i < 3; ++i) eetrans[i] = 0;
   for (int i = 0; i < 9; ++i) eerot[i] = i % 4 == 0 ? 1 : 0;

@@ -1,15 +1,16 @@
 #include <gtest/gtest.h>
 
 #include "../../tools/arm/read_arm.h"
-#include "../../tools/arm/table.h"
 #include "../../tools/arm/units.h"
-#include "../../tools/arm/urdf.h"
-#include "../../tools/common/files.h"
 #include "../support/refusal.h"
+#include "../support/tool_run.h"
 #include "arms.h"
 
 namespace qal::tools {
 namespace {
+
+using Description = InOwnFolder;
+using Family = InOwnFolder;
 
 constexpr closed_form::Joints kJoints = {0.1, -0.2, 0.3, -0.4, 0.5, -0.6};
 
@@ -22,26 +23,21 @@ struct Change {
   const char* expected;  // the message, or its beginning when it ends in "..."
 };
 
-std::string Changed(const Change& change) {
-  std::string content = ReadFile(ArmPath(change.file));
+// Reads the changed file, which it writes into the test's folder.
+Arm ReadChanged(const Change& change, const ReadOptions& options = {}) {
+  std::string content = FileContent(ArmPath(change.file));
   const size_t after = content.find(change.after);
   EXPECT_NE(after, std::string::npos) << change.after;
   const size_t place = content.find(change.text, after);
   EXPECT_NE(place, std::string::npos) << change.text;
-  return content.replace(place, std::string(change.text).size(), change.by);
-}
-
-Arm Read(const std::string& file, const std::string& content, const ReadOptions& options) {
-  if (file.find(".urdf") != std::string::npos) return ReadUrdf(content, file, options);
-  const bool toml = file.find(".toml") != std::string::npos;
-  return ReadTable(toml ? ParseToml(content, file) : ParseJson(content, file), file, options);
+  std::ofstream(change.file) << content.replace(place, std::string(change.text).size(), change.by);
+  return ReadArm(change.file, options);
 }
 
 template <class Error, size_t kCount>
 void ExpectRefused(const Change (&changes)[kCount]) {
   for (const Change& change : changes) {
-    const std::string refusal =
-        Refusal<Error>([&] { FindFamily(Read(change.file, Changed(change), {})); });
+    const std::string refusal = Refusal<Error>([&] { FindFamily(ReadChanged(change)); });
     const std::string expected = change.expected;
     const size_t dots = expected.find("...");
     EXPECT_EQ(refusal.substr(0, dots), expected.substr(0, dots));
@@ -49,7 +45,7 @@ void ExpectRefused(const Change (&changes)[kCount]) {
 }
 
 // clang-format off
-TEST(Description, IsRefusedWithFileLineAndReason) {
+TEST_F(Description, IsRefusedWithFileLineAndReason) {
   const Change changes[] = {
       {"reference.urdf", "", "</robot>", "", "reference.urdf, line 3: not well-formed XML (XML_ERROR_PARSING)"},
       {"reference.urdf", "", "<robot name=\"reference\">", "<robot/><x>", "reference.urdf, line 3: not well-formed XML..."},
@@ -81,7 +77,7 @@ TEST(Description, IsRefusedWithFileLineAndReason) {
 }
 
 // An arm that is nearly one of the family's is not one: neither by an angle nor by a length.
-TEST(Family, IsNotGuessedButRefusedWithTheAxesThatKeepTheArmOut) {
+TEST_F(Family, IsNotGuessedButRefusedWithTheAxesThatKeepTheArmOut) {
   const Change changes[] = {
       {"reference.urdf", "joint_5", "0 1 0", "1 1 0", "no closed form for this arm. Not a spherical wrist: axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle. Not three parallel axes: axes 3 and 4 are 90 degrees off parallel, axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle. Angles between axes: 1-2 90, 2-3 0, 3-4 90, 4-5 45, 5-6 45 degrees (tolerance 1e-10 rad, 1e-10 m)."},
       {"reference.urdf", "joint_6", "0 0 0", "0 0 0.0000001", "no closed form for this arm. Not a spherical wrist: axis 6 and the point where axes 4 and 5 meet are 1e-07 m apart. Not..."},
@@ -96,15 +92,13 @@ TEST(Family, IsNotGuessedButRefusedWithTheAxesThatKeepTheArmOut) {
 }
 // clang-format on
 
-TEST(Description, ReadsRoundedAnglesAsTheMultiplesTheyStandForWhenAsked) {
+TEST_F(Description, ReadsRoundedAnglesAsTheMultiplesTheyStandForWhenAsked) {
   ReadOptions exact;
   exact.exact_angles = true;
-  const char* file = "bench_spherical.urdf";
   const Arm rounded =
-      Read(file, Changed({file, "joint_2", "1.5707963267948966", "1.5708", ""}), exact);
-  EXPECT_EQ(
-      LargestDifference(TipFrame(rounded, kJoints), TipFrame(ReadArm(ArmPath(file), {}), kJoints)),
-      0.0);
+      ReadChanged({"bench_spherical.urdf", "joint_2", "1.5707963267948966", "1.5708", ""}, exact);
+  const Arm arm = ReadArm(ArmPath("bench_spherical.urdf"), {});
+  EXPECT_EQ(LargestDifference(TipFrame(rounded, kJoints), TipFrame(arm, kJoints)), 0.0);
   const double quarter = kPi / 2;
   const std::pair<double, double> angles[] = {
       {1.5708, quarter}, {1.5707, quarter}, {-1.57079633, -quarter}, {0.2618, kPi / 12},
@@ -114,10 +108,9 @@ TEST(Description, ReadsRoundedAnglesAsTheMultiplesTheyStandForWhenAsked) {
 }
 
 // Behind the flange hang a gripper that slides and a camera: the arm ends where the field says.
-TEST(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
+TEST_F(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
   const auto tip = [](const char* more) {
-    const Change change = {"foundry_spherical.urdf", "", "<link name=\"gripper\"/>", more, ""};
-    return Read(change.file, Changed(change), {}).tip;
+    return ReadChanged({"foundry_spherical.urdf", "", "<link name=\"gripper\"/>", more, ""}).tip;
   };
   EXPECT_EQ(tip("<link name='gripper'/>"), "gripper");
   EXPECT_EQ(tip("<link name='gripper'/><link name='camera'/><joint name='c' type='fixed'>"
@@ -129,8 +122,8 @@ TEST(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
 }
 
 // The reference arm by the modified convention, in millimetres and degrees.
-TEST(Description, ReadsEveryConventionAndUnit) {
-  const char* table = R"({"convention": "modified-dh", "joint": [
+TEST_F(Description, ReadsEveryConventionAndUnit) {
+  std::ofstream("arm.json") << R"({"convention": "modified-dh", "joint": [
       {"d": 380},
       {"a": 50, "alpha": 90, "theta": 90, "direction": -1},
       {"a": 400, "direction": -1},
@@ -140,9 +133,8 @@ TEST(Description, ReadsEveryConventionAndUnit) {
   ReadOptions options;
   options.millimetres = options.degrees = true;
   const Arm reference = ReadArm(ArmPath("reference.urdf"), {});
-  EXPECT_LE(LargestDifference(TipFrame(Read("arm.json", table, options), kJoints),
-                              TipFrame(reference, kJoints)),
-            1e-15);
+  const Arm arm = ReadArm("arm.json", options);
+  EXPECT_LE(LargestDifference(TipFrame(arm, kJoints), TipFrame(reference, kJoints)), 1e-15);
 }
 
 }  // namespace
