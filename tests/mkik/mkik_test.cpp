@@ -33,14 +33,16 @@ TEST_F(Mkik, BuildsALibraryThatIsSoundAndExportsTheEntryPointsAlone) {
 
 // Needs no header and no library of ours, and no warning can be turned on that it gives.
 TEST_F(Mkik, WritesASourceThatBuildsByItself) {
-  for (const char* file : {"ceiling_spherical.urdf", "carrying_parallel.toml"}) {
-    const ToolRun written = Shell(kMkik + kArms + file + " -o solver.cpp");
+  for (const char* arguments :
+       {"ceiling_spherical.urdf -o solver.cpp", "carrying_parallel.toml --source solver.cpp"}) {
+    const ToolRun written = Shell(kMkik + kArms + arguments);
     EXPECT_EQ(written.status, 0) << written.err;
     EXPECT_EQ(Files(), "solver.cpp\n");
     const ToolRun compiled = Shell(
         "${CXX:-c++} -std=c++17 -Wall -Wextra -Wconversion -Wshadow -Werror -fsyntax-only "
         "solver.cpp");
     EXPECT_EQ(compiled.status, 0) << compiled.err;
+    std::filesystem::remove("solver.cpp");
   }
 }
 

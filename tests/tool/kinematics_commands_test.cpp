@@ -23,10 +23,10 @@ TEST_F(Fk, GivesTheReferenceArmsPose) {
   const Json zero = QalJson("fk --joints 0 0 0 0 0 0");
   ExpectNear({0.51, 0.0, 0.815}, zero["position_m"], 1e-12);
   ExpectNear({0.70710678, 0.0, 0.70710678, 0.0}, zero["orientation_wxyz"], 1e-7);
-  const std::string table = Qal("fk --mm --deg --joints 90 -0 0 0 0 -.5").out;
-  EXPECT_EQ(0, table.find("joints 1 to 6 [deg]        90.0000000     0.0000000     0.0000000   "
+  const std::string table = Qal("fk --mm --deg --joints 45 -0 0 0 0 -.5").out;
+  EXPECT_EQ(0, table.find("joints 1 to 6 [deg]        45.0000000     0.0000000     0.0000000   "
                           "  0.0000000     0.0000000    -0.5000000\n"
-                          "position x y z [mm]          0.000000    510.000000    815.000000\n"))
+                          "position x y z [mm]        360.624458    360.624458    815.000000\n"))
       << table;
 }
 

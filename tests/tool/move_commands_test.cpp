@@ -83,16 +83,16 @@ TEST_F(Line, PrintsASummaryAndWritesTheSameFileWhole) {
 
 // Jerk 10, 0.01 m: a phase of 79 ms, cut to 75 ms, 15 points, 0.0703125 of the line.
 TEST_F(Line, SaysWhereTheSCurveEnds) {
-  const std::pair<const char*, std::string> cases[] = {
-      {"0.01",
+  const std::tuple<std::string, size_t, const char*> cases[] = {
+      {"--mm --by 10 0 0 --acc 1000 --jerk 10000", 15,
        "note: the S-curve plan ends after its first phase, as it is made to: 15 points, "
-       "0.000703125 of 0.01 m (7.03 %) along the line"},
-      {"0.0001", "note: the line is too short for an S-curve: the plan is its two ends"}};
-  for (const auto& [length, note] : cases) {
-    const ToolRun plan = Qal("line" + kFrom + "--by " + length + " 0 0 --json --profile s-curve " +
-                             "--acc 1 --jerk 10 --motor-rpm 3000");
+       "0.703125 of 10 mm (7.03 %) along the line"},
+      {"--by 0.0001 0 0 --acc 1 --jerk 10", 2,
+       "note: the line is too short for an S-curve: the plan is its two ends"}};
+  for (const auto& [arguments, points, note] : cases) {
+    const ToolRun plan = Qal("line --json --profile s-curve --motor-rpm 3000" + kFrom + arguments);
     EXPECT_EQ(note, plan.LastLine());
-    EXPECT_EQ(length == cases[0].first ? 15 : 2, Json::parse(plan.out)["time_s"].size());
+    EXPECT_EQ(points, Json::parse(plan.out)["time_s"].size());
   }
 }
 

@@ -65,8 +65,8 @@ TEST(TrajectoryFiles, ReadBackToTheSameDoubles) {
 TEST(TrajectoryFiles, AreTakenAsOtherProgramsWriteThem) {
   // A spreadsheet's: byte order mark, CRLF, blanks, another order, further columns.
   const LocatedTrajectory csv = ParseCsv(
-      "\xEF\xBB\xBFnote, q6_rad,q5_rad,q4_rad,q3_rad,q2_rad,q1_rad,time_s\r\n"
-      "start, 6, 5, 4, 3, 2, 1, +0.5 \r\n");
+      "\xEF\xBB\xBFq6_rad, note,q5_rad,q4_rad,q3_rad,q2_rad,q1_rad,time_s\r\n"
+      "6, start, 5, 4, 3, 2, 1, +0.5 \r\n");
   // An echo of a running ROS 2 system: block style, sorted names, a gripper, a closing separator.
   const LocatedTrajectory ros = ParseRosYaml(
       "joint_names:\n- gripper\n- joint_6\n- joint_5\n- joint_4\n- joint_3\n- joint_2\n- joint_1\n"

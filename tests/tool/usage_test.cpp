@@ -104,8 +104,8 @@ TEST_F(Refusal, OfWhatTheArmCannotDoSaysWhereAndWhy) {
       {"line", FROM "--to-pose 0.5 0 2 --speed 5", "the end is 1.46913 m away on an axis..."},
       {"line", FROM "--by 0.01 0 0 --profile s-curve --acc 0.1 --jerk 10 --motor-rpm 3000", "--acc 0.1 is built up within 20 ms at --jerk 10; it has to be above 0.02 s * --jerk, 0.2"},
       {"line", FROM "--by 0.01 0 0 --profile s-curve --acc 1 --jerk 10 --motor-rpm 3", "joint 3 would need its motor at 282 rpm at point 14, 0.000703125 m (7.03 %) along the line, at..."},
-      {"joint", FROM "--to 2.9 0 0 0 0 0 --speed 1 --acc 1", "the move takes 73017 cycles at --speed 1 --acc 1, at most 46340 are planned"},
-      {"joint", FROM "--to-pose 2 0 0 --speed 1 --acc 1", "no solution at the end, 2 0 0 m..."},
+      {"joint", FROM "--to 2.9 0 0 0 0 0 --speed 1 --acc 2", "the move takes 70017 cycles at --speed 1 --acc 2, at most 46340 are planned"},
+      {"joint", FROM "--to-pose 2 0 0 --speed 1 --acc 1", "no solution at the end, 2 0 0 m (orientation 0.0353908 0 0.999374 0)..."},
   };
   ExpectRefused(1, kRows);
 }
