@@ -7,6 +7,7 @@
 #include <limits>
 #include <random>
 
+#include "../../solver/reference_arm.h"
 #include "../../tools/arm/read_arm.h"
 #include "../../tools/arm/table.h"
 #include "../../tools/common/files.h"
@@ -236,6 +237,19 @@ TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
   };
   expect_reached(spherical);
   expect_reached(parallel);
+}
+
+// One solving code: the library's own solver is what mkik makes of the reference arm's URDF.
+TEST(ReferenceArm, IsTheModelOfItsUrdf) {
+  const Model model = FindFamily(ReadArm(ArmPath("reference.urdf"), {}));
+  const auto& made = std::get<closed_form::SphericalWristArm>(model);
+  const closed_form::SphericalWristArm& own = reference_arm::kArm;
+  EXPECT_EQ(made.body.upper_arm, own.body.upper_arm);
+  EXPECT_EQ(made.body.shoulder, own.body.shoulder);
+  EXPECT_DOUBLE_EQ(made.body.forearm, own.body.forearm);
+  EXPECT_DOUBLE_EQ(made.body.zero[2], own.body.zero[2]);
+  EXPECT_DOUBLE_EQ(made.lean.sine, own.lean.sine);
+  EXPECT_EQ(made.skew.sine, 0.0);
 }
 
 }  // namespace

@@ -72,6 +72,7 @@ TEST_F(Description, IsRefusedWithFileLineAndReason) {
       {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "", "welding_ortho_parallel.json: c2 is missing"},
       {"welding_ortho_parallel.json", "", "{\"name\": \"L\", \"lower\": -1.5, \"upper\": 2.7},", "", "welding_ortho_parallel.json: 5 joints; six [[joint]] are expected"},
       {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "\"c2\": 0.614", "welding_ortho_parallel.json, line 9: not well-formed JSON"},
+      {"welding_ortho_parallel.json", "", "\"c2\": 0.614", "\"c2\": 1e999", "welding_ortho_parallel.json: a number is too large"},
   };
   ExpectRefused<UsageError>(changes);
 }
