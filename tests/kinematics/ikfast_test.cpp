@@ -65,7 +65,20 @@ TEST(SolverInterface, HandsBackWhatASolverAdds) {
   std::vector<unsigned int> branches;
   Solution({joint, joint, Joint()}, {}).GetSolutionIndices(branches);
   EXPECT_EQ(branches, (std::vector<unsigned int>{5, 13, 7, 15}));
-  EXPECT_NO_THROW(Solution({joint}, {}).Validate());
+  // Without counted branches a joint adds nothing; nor does an index that isn't set.
+  Joint uncounted = joint;
+  uncounted.maxsolutions = 0xFF;
+  Joint second = joint;
+  second.indices[0] = 0xFF;
+  Solution({uncounted, second}, {}).GetSolutionIndices(branches);
+  EXPECT_EQ(branches, (std::vector<unsigned int>{0, 3}));
+  Joint none = joint;
+  none.maxsolutions = 0;
+  EXPECT_NO_THROW(Solution({joint, second, none}, {}).Validate());
+  second = joint;
+  second.indices[1] = 0xFF;
+  Solution({second}, {}).GetSolutionIndices(branches);
+  EXPECT_EQ(branches, std::vector<unsigned int>{1});
   for (const int too_few : {0xFF, 3}) {
     joint.maxsolutions = static_cast<unsigned char>(too_few);
     EXPECT_THROW(Solution({joint}, {}).Validate(), std::runtime_error);

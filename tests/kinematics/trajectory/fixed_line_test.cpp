@@ -121,7 +121,10 @@ TEST_F(FixedLine, PreciseFillReturnsItsCountAndGoesOnPastFailures) {
   points[3] = end_;
   ExpectArray(points);
 
-  for (const double none : {0.0, -1.0, kNan, 1e-9, 1e-320}) {
+  // The last one leaves no room for the end point.
+  const Pos dst = end_.position - start_.position;
+  const double most = Ikfunc::NORM(dst.x, dst.y, dst.z, 0) / 0.0002 / 2147483647.5;
+  for (const double none : {0.0, -1.0, kNan, 1e-9, 1e-320, most}) {
     EXPECT_EQ(FillPrecisely(none), Outcome<int>(-2, "", ""));
   }
   end_.orientation = kTilted;

@@ -18,11 +18,13 @@ class JointMove : public ScriptedMove {
 // 0.5 rad are 28.6 steps of 0.01745329 rad, and 286.5 of a tenth of that. 174.532901 rad are
 // 10000.00003 steps, but 9999.9997 of the step held as float.
 TEST_F(JointMove, CountsWholeStepsOfTheLeadingJointAndTheEndPoint) {
-  const std::tuple<Joints, int, int> cases[] = {{{}, 100, 1},
-                                                {{kNan, 0.5, -0.1, 0, 0, 0}, 100, 29},
-                                                {{0, 0, 0, 0, 0, -0.5}, 10, 287},
-                                                {{174.532901}, 100, 10000},
-                                                {{0.5}, -100, 0}};
+  const std::tuple<Joints, int, int> cases[] = {
+      {{}, 100, 1},
+      {{kNan, 0.5, -0.1, 0, 0, 0}, 100, 29},
+      {{0, 0, 0, 0, 0, -0.5}, 10, 287},
+      {{174.532901}, 100, 10000},
+      {{2147483647.5 * static_cast<float>(kUnit)}, 1, 0},  // no room for the end point
+      {{0.5}, -100, 0}};
   for (const auto& [joints, speed, count] : cases) {
     EXPECT_EQ(Ikfunc::CountCurvelLineSize(start_, End(joints), speed), count) << joints[0];
   }

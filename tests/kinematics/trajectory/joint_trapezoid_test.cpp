@@ -8,23 +8,29 @@ namespace {
 TEST(Trapezoid, CountsTheCyclesOfOneJoint) {
   EXPECT_EQ(Ikfunc::countmaxruntime(0.01, 1500, 10000, 0.005, 363), 24);
   EXPECT_EQ(Ikfunc::countmaxruntime(kNan, 1500, 10000, 0.005, 363), 0);
+  EXPECT_EQ(Ikfunc::countmaxruntime(0.01, 0, 10000, 0.005, 363), 0);
+  EXPECT_EQ(Ikfunc::countmaxruntime(0.01, 1500, 0, 0.005, 363), 0);
   EXPECT_EQ(Ikfunc::caltimeslover(492, 0.5, 0.005, 363, 10000), 462);
   EXPECT_EQ(Ikfunc::caltimeslover(492, 0.3, 0.005, 303, 10000), 477);
   EXPECT_EQ(Ikfunc::caltimeslover(10, 1.0, 0.005, 363, 10000), -1);
   EXPECT_EQ(Ikfunc::caltimeslover(492, kNan, 0.005, 363, 10000), -1);
+  EXPECT_EQ(Ikfunc::caltimeslover(492, 0.5, 0.005, 363, 0), -1);
 }
 
 // (joint, cycles, cruise) and the ramp and level cycles that come of it. An odd count without a
 // cruise is 31 up and 30 down, too long by 0.5 / (31 * 30).
 TEST(Trapezoid, SplitsATravelIntoStepsThatRiseCruiseAndFall) {
-  const std::array<int, 5> cases[] = {
-      {0, 492, 431, 31, 430}, {5, 492, 462, 15, 462}, {7, 60, 0, 30, 0}, {3, 61, 0, 31, -1}};
+  const std::array<int, 5> cases[] = {{0, 492, 431, 31, 430},
+                                      {5, 492, 462, 15, 462},
+                                      {7, 60, 0, 30, 0},
+                                      {-1, 60, 0, 30, 0},
+                                      {3, 61, 0, 31, -1}};
   for (const auto& [joint, cycles, cruise, ramp, level] : cases) {
     std::vector<double> steps(cycles + 1, 99.0);
     Ikfunc::getJointStepLength(-0.7f, cycles, cruise, joint, steps.data(), 1);
     EXPECT_EQ(steps.back(), 99.0);
     // The motor's acceleration in rpm per cycle, then every step from the motion it means.
-    const double q = joint <= 2 ? 1.4424104683195595e-06 : 1.7280363036303633e-06;
+    const double q = joint >= 0 && joint <= 2 ? 1.4424104683195595e-06 : 1.7280363036303633e-06;
     const double acc = double{0.7f} / (q * ramp * (ramp + level));
     for (int i = 0; i < cycles; ++i) {
       const double cycle = std::min({i + 0.5, ramp + 0.0, ramp * 2 + level - i - 0.5});
