@@ -46,7 +46,8 @@ coverage: test-deps
 	cmake --preset coverage
 	cmake --build --preset coverage
 	ctest --preset coverage
-	gcovr --branches --exclude-throw-branches --exclude-unreachable-branches build/coverage
+	gcovr --branches --exclude-throw-branches --exclude-unreachable-branches \
+	  --exclude-directories '.*/qal_alone' build/coverage
 
 ## Draws the pictures of the docs from real output.
 figures: demo

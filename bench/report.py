@@ -166,7 +166,7 @@ def main():
     (arguments.out / "bench.md").write_text(text + "\n")
     (arguments.out / "bench.svg").write_text(chart.bars(
         "Times faster than Orocos KDL, one core",
-        [(f"{r['what']} : {r['beside']}", 1 / r["ratio"])
+        [(f"{r['what']} beside {r['beside']}", 1 / r["ratio"])
          for r in ratios if r["beside"].startswith("KDL")]))
     print(text)
 

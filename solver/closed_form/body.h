@@ -143,8 +143,8 @@ inline Lanes SpreadAngle(const Shoulder& shoulder, int trial) {
   return shoulder.open * ((2 * trial + 1.0) / kTrials - 1) * kOne;
 }
 
-/// All joints for the tool frame `target`. Where rounding has left model angle 1 open and the arm
-/// doesn't reach with the first choice, the family's `AngleToTry` proposes others.
+/// All joints for the tool frame `target`. Where the arm doesn't reach with the first choice of
+/// model angle 1, and rounding has left so much of it open that it matters, others are tried.
 template <class Arm>
 Solutions Solve(const Arm& arm, const Frame& target) {
   // Rounding is judged by the size of the position: by an infinite one, everything is within reach.
@@ -152,8 +152,7 @@ Solutions Solve(const Arm& arm, const Frame& target) {
   if (!std::isfinite(p[0]) || !std::isfinite(p[1]) || !std::isfinite(p[2])) return {};
   const Shoulder shoulder = SolveShoulder(arm.body, target);
   Solutions solutions = SolveFrom(arm, shoulder);
-  constexpr double kOpenRad = 1e-12;  // a smaller change does less than `reached` allows for
-  if (!(shoulder.open > kOpenRad)) return solutions;
+  if (solutions.Count() > 0 || !AngleMatters(arm, shoulder)) return solutions;
   for (int trial = 0; trial < kTrials && solutions.Count() == 0; ++trial) {
     const Lanes angle = Clamped(AngleToTry(arm, shoulder, trial), shoulder.open * kOne);
     solutions = SolveFrom(arm, TurnedOn(arm.body, shoulder, angle));

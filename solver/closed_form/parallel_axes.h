@@ -37,13 +37,14 @@ struct PalmReach {
              palm.z * palm.z) {}
 };
 
+/// What another pitch may change in the hand's rotation: more than the target's rounding.
+constexpr double kPitchNoise = 1e-12;
+
 /// With axis 6 nearly parallel to axes 2 to 4, the pitch is lost in the rounding of the target, and
 /// may lie out of reach while another that does as well does not. Then this is the nearest within
 /// reach; else `pitch` itself.
 inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& shoulder,
                                     Lanes bend, const Turn<Lanes>& pitch) {
-  // What another pitch may change in the hand's rotation: more than the target's rounding.
-  constexpr double kPitchNoise = 1e-12;
   const double outer = arm.body.upper_arm + arm.body.forearm;
   const double inner = arm.body.upper_arm - arm.body.forearm;
   const auto [along, across, far2] = PalmReach(shoulder, Palm<Lanes>(arm, pitch));
@@ -77,6 +78,12 @@ inline Turn<Lanes> PitchWithinReach(const ParallelAxesArm& arm, const Shoulder& 
   const Turn<Lanes> moved = pitch * change;
   return {allowed ? NegatedWhere(over, moved.sine) : pitch.sine,
           allowed ? NegatedWhere(over, moved.cosine) : pitch.cosine};
+}
+
+/// Whether another angle 1, of those that are open, may reach further: whether it turns the hand by
+/// more than `PitchWithinReach` makes up for.
+inline bool AngleMatters(const ParallelAxesArm& /*arm*/, const Shoulder& shoulder) {
+  return shoulder.open > kPitchNoise;
 }
 
 /// Trial `trial` of model angle 1 where it is open. What is within reach depends on the pitch, and

@@ -17,6 +17,12 @@ struct SphericalWristArm {
   Turn<double> skew;  ///< {0, 1} for the usual arm, whose axis 4 is at right angles to axis 3
 };
 
+/// Whether another angle 1, of those that are open, may reach further: whether it moves the wrist's
+/// centre by more than `reached` allows for anyway.
+inline bool AngleMatters(const SphericalWristArm& arm, const Shoulder& shoulder) {
+  return shoulder.open * std::fabs(arm.body.lateral) > 10 * shoulder.rounding;
+}
+
 /// Trial `trial` of model angle 1 where it is open: any is as good.
 inline Lanes AngleToTry(const SphericalWristArm& /*arm*/, const Shoulder& shoulder, int trial) {
   return SpreadAngle(shoulder, trial);
