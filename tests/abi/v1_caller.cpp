@@ -20,7 +20,8 @@ const char* Fault() {
   RoadPoint start;
   if (!(start.position == Pos(0, 0, 0)) || start.ik_flag) return "a waypoint starts at zero";
   for (double& joint : start.jointpos) joint = 0.3;
-  if (!Ikfunc::ArmFk(start)) return "forward kinematics";
+  Ikfunc kinematics;  // some have one, though all of it is static
+  if (!kinematics.ArmFk(start)) return "forward kinematics";
   RoadPoint end;
   end = start;
   end.position = start.position + Pos(0, 0, 0.05) - Pos(0, 0, 0.03);
