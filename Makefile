@@ -66,7 +66,7 @@ bench-check: bench-deps
 
 ## Searches for inputs that break something, with each fuzz harness for SECONDS.
 fuzz: test-deps
-	packaging/install-deps clang libclang-rt-14-dev
+	packaging/install-deps libclang-rt-14-dev
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	tests/fuzz/run $(SECONDS)
@@ -79,7 +79,6 @@ tsan: test-deps
 
 ## Runs the library's and the solver's tests under valgrind.
 valgrind: test-deps
-	packaging/install-deps valgrind
 	cmake --preset dev
 	cmake --build --preset dev
 	for test in library robustness solver; do \

@@ -56,7 +56,7 @@ TEST_F(Mkik, SaysWhatItFound) {
 }
 
 TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
-  std::ofstream("skew.urdf") << "<robot name='x'><link name='a'/></robot>";
+  std::ofstream("skew.urdf") << "<robot name='x'><link name='a&#27;&#10;b'/></robot>";
   std::ofstream("arm.xacro");
   const std::string reference = kArms + "reference.urdf";
   const struct {
@@ -68,7 +68,7 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
       {kMkik + "none.urdf", 2, "cannot read none.urdf: No such file or directory"},
       {kMkik + "arm.xacro", 2, "arm.xacro: a xacro file; run xacro on it and give its output"},
       {kMkik + "arm.step", 2, "arm.step: .urdf, .xml, .toml or .json is expected"},
-      {kMkik + "skew.urdf", 2, "skew.urdf: no joints behind 'a'"},
+      {kMkik + "skew.urdf", 2, "skew.urdf: no joints behind 'a  b'"},  // an escape, a line end
       {kMkik + reference + " --tip hand", 2, reference + ": no link named 'hand' (--tip)"},
       {kMkik + reference + " --deg", 2, "--deg is for tables; a URDF's angles are radians"},
       {kMkik + reference + " --mm", 2,
