@@ -5,7 +5,7 @@
 #include <memory>
 #include <vector>
 
-#include "../arm_constants.h"
+#include "../../core/joint_count.h"
 #include "../ikfast.h"
 
 namespace qal {
@@ -35,6 +35,20 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
     }
     MoveToList();
     return Base::AddSolution(vinfos, vfree);
+  }
+
+  /// Adds six joints [rad] without the vectors that a solver library has to bring.
+  void AddJoints(const double* joints) {
+    if (kept_count_ == kMostKept || !_listsolutions.empty()) MoveToList();
+    if (!_listsolutions.empty()) {
+      std::vector<Joint> entries(kJointCount);
+      for (size_t j = 0; j < entries.size(); ++j) entries[j].foffset = joints[j];
+      (void)Base::AddSolution(entries, {});
+      return;
+    }
+    Joint* const kept = kept_[kept_count_++];
+    std::uninitialized_value_construct_n(kept, kJointCount);
+    for (int j = 0; j < kJointCount; ++j) kept[j].foffset = joints[j];
   }
 
   const ikfast::IkSolutionBase<ikfast::IkReal>& GetSolution(size_t index) const override {

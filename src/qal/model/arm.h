@@ -1,0 +1,72 @@
+#ifndef QAL_MODEL_ARM_H_
+#define QAL_MODEL_ARM_H_
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "description.h"
+#include "export.h"
+#include "result.h"
+#include "solver.h"
+
+namespace qal {
+
+/// A number of an arm, and where it comes from.
+struct Setting {
+  double value = 0;
+  bool described = false;  ///< false: nobody said it, it is assumed
+};
+
+/// What a joint may do.
+struct JointModel {
+  std::string name;
+  Setting lower_rad;  ///< -infinity for a joint that turns without end
+  Setting upper_rad;  ///< infinity for a joint that turns without end
+  Setting velocity_rad_s;
+  Setting acceleration_rad_s2;
+  Setting jerk_rad_s3;
+  Setting gear_ratio;  ///< motor turns per turn of the joint
+
+  /// Motor speed at `velocity_rad_s` [rpm].
+  double motor_speed_rpm() const;
+};
+
+/// An arm: its solver, and what it may do. A value, cheap to copy; immutable.
+///
+/// What nobody said is assumed: limits of 170 degrees; a velocity of 180 degrees/s; that velocity
+/// reached in 0.25 s; that acceleration reached in 0.05 s; the gear ratio with which the velocity
+/// is 3000 rpm; a cycle of 0.005 s.
+class QAL_API Arm {
+ public:
+  /// An arm from its description, through the closed form of its family. No compiler is needed.
+  /// @return kNoClosedForm; kLimits when a limit is no number, a lower one lies above the upper
+  /// one,
+  ///         or another is not above 0
+  static Result<Arm> FromDescription(const ArmDescription& description,
+                                     const ArmSettings& settings = {});
+  /// An arm from a solver, anybody's `libik.so`.
+  /// @return kLimits as above
+  static Result<Arm> FromSolver(const Solver& solver, const ArmSettings& settings = {});
+  /// The reference arm: arms/reference.urdf with its motors.
+  static Arm Reference();
+
+  const std::string& name() const;
+  const std::array<JointModel, 6>& joints() const;
+  Setting cycle_s() const;
+  const Transform& base() const;  ///< the arm's base in the frame that poses are given in
+  const Transform& tool() const;  ///< the tool frame in the arm's tip frame
+  const Solver& solver() const;
+
+  /// For this library's own layers: the solver with base and tool frame in place.
+  const SolverFunctions& functions() const;
+
+ private:
+  struct Held;
+  explicit Arm(std::shared_ptr<const Held> held) : held_(std::move(held)) {}
+  std::shared_ptr<const Held> held_;
+};
+
+}  // namespace qal
+
+#endif  // QAL_MODEL_ARM_H_

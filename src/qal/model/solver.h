@@ -1,0 +1,53 @@
+#ifndef QAL_MODEL_SOLVER_H_
+#define QAL_MODEL_SOLVER_H_
+
+#include <memory>
+#include <string>
+
+#include "description.h"
+#include "export.h"
+#include "result.h"
+
+namespace qal {
+
+class SolverFunctions;
+
+/// An arm's closed-form solver: forward kinematics, and all joints of a pose. A value, cheap to
+/// copy; any number of them live side by side in a process.
+class QAL_API Solver {
+ public:
+  /// Opens a solver library with the IKFast interface privately: its names are seen by nobody else,
+  /// and it sees its own before the host's, so that neither another solver nor the host (which may
+  /// define `ikfast::ComputeIk` itself) is disturbed or disturbs it.
+  /// @param path a name without a slash is taken from the current folder, not searched for
+  /// @return kLibraryNotLoaded, kFunctionMissing, kJointCount, kFreeParameters or kSolverType when
+  ///         it is no solver of six joints
+  static Result<Solver> Load(const std::string& path);
+
+  /// The closed form of the family that the arm's axes belong to, with the described geometry. No
+  /// compiler is needed.
+  /// @return kNoClosedForm when there is none
+  static Result<Solver> ClosedForm(const ArmDescription& description);
+
+  /// The reference arm's.
+  static Solver Reference();
+
+  /// The kind of arm: "spherical wrist", "three parallel axes"; "libik.so" for a loaded one.
+  const std::string& family() const;
+  /// What identifies the geometry; empty where a loaded solver has no `GetKinematicsHash`.
+  const std::string& hash() const;
+  /// Absolute path of a loaded library; empty for the others.
+  const std::string& path() const;
+
+  /// For this library's own layers.
+  const SolverFunctions& functions() const;
+
+ private:
+  struct Held;
+  explicit Solver(std::shared_ptr<const Held> held) : held_(std::move(held)) {}
+  std::shared_ptr<const Held> held_;
+};
+
+}  // namespace qal
+
+#endif  // QAL_MODEL_SOLVER_H_
