@@ -1,4 +1,4 @@
-# The binary interface, and what may include what.
+# The binary interface.
 set(abi ${CMAKE_CURRENT_SOURCE_DIR}/abi)
 
 add_custom_target(update_exports)
@@ -19,9 +19,6 @@ if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage")
                                                                     "INIT_ARRAY +[^ ]+ [^ ]+ 000008 ")
   endforeach()
 endif()
-
-add_test(NAME Abi.IncludeDirections COMMAND ${CMAKE_COMMAND} -DSOURCE_DIR=${PROJECT_SOURCE_DIR}
-                                            -P ${abi}/include_directions.cmake)
 
 # Every header by itself, and every source, with either include root.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/src

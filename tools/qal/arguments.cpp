@@ -8,7 +8,7 @@
 #include <cmath>
 #include <sstream>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/arm_numbers.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../common/error.h"
 #include "../common/messages.h"

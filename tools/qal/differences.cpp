@@ -40,8 +40,8 @@ double Differences::JointJerk(size_t interval, size_t joint) const {
 }
 
 double MotorRpm(double joint_speed, size_t joint) {
-  constexpr double kShaftRadPerSPerRpm = kShaftRadPerRpmTick * kTicksPerCycle / kCycleS;
-  return joint_speed * GearRatio(static_cast<int>(joint)) / kShaftRadPerSPerRpm;
+  constexpr double kShaftRadPerSPerRpm = kShaftRadPerRpmTick * kReferenceNumbers.ticks_per_cycle / kCycleS;
+  return joint_speed * kReferenceNumbers.gear_ratio[joint] / kShaftRadPerSPerRpm;
 }
 
 double Distance(const Pos& from, const Pos& to) {

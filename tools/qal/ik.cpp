@@ -5,7 +5,7 @@
 #include <cmath>
 #include <memory>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/inverse.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
 #include "../common/error.h"

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <memory>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/inverse.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../common/error.h"
 #include "../common/library_lines.h"

@@ -3,7 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/trajectory/joint_move.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../common/error.h"
 #include "commands.h"

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../common/error.h"
 #include "agreement.h"

@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/inverse.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
 #include "../common/error.h"

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../common/error.h"
 #include "../common/messages.h"

@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/arm_numbers.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
+#include "../../src/kinematics/solve/solver_query.h"
 #include "../common/error.h"
 #include "../common/messages.h"
 #include "agreement.h"
@@ -47,12 +48,16 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
                                     double bound_rad, const Units& units) {
   SolutionList list;
   std::vector<Solution> solutions;
-  if (!AskSolver(target, list)) {
+  double eerot[9];
+  double eetrans[3];
+  EncodePose(target, eerot, eetrans);
+  if (!ikfast::ComputeIk(eetrans, eerot, nullptr, list)) {
     if (list.GetNumSolutions() > 0) BlameSolver("gives solutions and says that there are none");
     return solutions;
   }
-  Joints nearest;
-  const bool found_nearest = FindNearest(list, reference, bound_rad, nearest.data());
+  RoadPoint nearest;
+  const bool found_nearest =
+      WriteNearest(list, reference, bound_rad, kReferenceNumbers.range, nearest);
   const size_t count = list.GetNumSolutions();
   for (size_t i = 0; i < count; ++i) {
     const ikfast::IkSolutionBase<double>& found = list.GetSolution(i);
@@ -63,10 +68,11 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
       solution.distance_rad +=
           std::fabs(solution.joints_rad[static_cast<size_t>(j)] - reference[j]);
     }
-    const Judgement judgement = Judge(solution.joints_rad.data(), reference, bound_rad);
+    const Judgement judgement = Judge(solution.joints_rad.data(), reference, bound_rad, kReferenceNumbers.range);
     solution.admissible = judgement.refusal == Refusal::kNone;
     solution.verdict = Verdict(judgement, solution.joints_rad, reference, bound_rad, units);
-    solution.chosen = found_nearest && solution.joints_rad == nearest;
+    solution.chosen = found_nearest && std::equal(nearest.jointpos, nearest.jointpos + kJointCount,
+                                                solution.joints_rad.begin());
     solutions.push_back(solution);
   }
   if (solutions.empty()) {

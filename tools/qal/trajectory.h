@@ -7,9 +7,11 @@
 #include <vector>
 
 #include "../../src/core/roadpoint.h"
-#include "../../src/kinematics/arm_constants.h"
+#include "../../src/kinematics/solve/arm_numbers.h"
 
 namespace qal::tools {
+
+constexpr double kCycleS = kReferenceNumbers.cycle_s;
 
 /// One sample of a trajectory. Only time and joints are always there.
 struct Sample {

@@ -1,74 +1,80 @@
 #include <algorithm>
 
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
+#include "../pose/euler.h"
+#include "forward.h"
+#include "inverse.h"
 #include "solution_choice.h"
 #include "solver_query.h"
 
+namespace qal {
+
 namespace {
 
-bool ReportUnsolved() {
-  qal::WriteError(qal::kUnsolvedError);
+bool TellUnsolved(const Context& arm) {
+  arm.Tell(Event::kUnsolved);
   return false;
 }
 
-bool WriteNearestOrReport(const qal::SolutionList& solutions, const double* reference,
-                          double step_bound, RoadPoint& point) {
-  if (qal::WriteNearest(solutions, reference, step_bound, point)) return true;
-  qal::WriteError(qal::kInadmissibleError);
+bool WriteNearestOrTell(const Context& arm, const SolutionList& solutions, const double* reference,
+                        double step_bound_rad, RoadPoint& point) {
+  if (WriteNearest(solutions, reference, step_bound_rad, arm.numbers.range, point)) return true;
+  arm.Tell(Event::kInadmissible);
   return false;
 }
 
 }  // namespace
 
-// A failed ArmFk in the fallbacks has written its message and leaves the pose before it standing.
+// Forward kinematics that fails in the fallbacks has told so, and leaves the pose before it.
 
-bool Ikfunc::ArmJointIk(RoadPoint& cur_stat, double* joint, double max_joint_step_range) {
-  qal::SolutionList solutions;
-  if (!qal::AskSolver(cur_stat, solutions)) {
-    RoadPoint temp_cur = cur_stat;
-    std::copy(joint, joint + qal::kJointCount, temp_cur.jointpos);
-    qal::NudgeTowardsZero(temp_cur.jointpos);
-    (void)ArmFk(temp_cur);
-    if (!qal::AskSolver(temp_cur, solutions)) return ReportUnsolved();
+bool SolveWithin(const Context& arm, RoadPoint& point, const double* joints,
+                 double step_bound_rad) {
+  SolutionList solutions;
+  if (!QuerySolver(arm, point, solutions)) {
+    RoadPoint nudged = point;
+    std::copy(joints, joints + kJointCount, nudged.jointpos);
+    NudgeTowardsZero(nudged.jointpos);
+    (void)ForwardPose(arm, nudged);
+    if (!QuerySolver(arm, nudged, solutions)) return TellUnsolved(arm);
   }
-  return WriteNearestOrReport(solutions, joint, max_joint_step_range, cur_stat);
+  return WriteNearestOrTell(arm, solutions, joints, step_bound_rad, point);
 }
 
-bool Ikfunc::ArmJointIk(RoadPoint& cur_stat, RoadPoint& dis_stat, double max_joint_step_range) {
-  RoadPoint temp_cur = cur_stat;
-  qal::SolutionList solutions;
-  if (!qal::AskSolver(dis_stat, solutions)) {
-    (void)ArmFk(temp_cur);
-    double EulerDis[3];
-    QuaternionToEulerDis(temp_cur, dis_stat, EulerDis);
-    // From the stored position of cur_stat, not the one just computed.
-    const Pos temp_pointdis = dis_stat.position - cur_stat.position;
-    qal::NudgeTowardsZero(temp_cur.jointpos);
-    (void)ArmFk(temp_cur);
-    temp_cur.position = temp_cur.position + temp_pointdis;
-    QuaternionAddEuler(temp_cur, EulerDis);
-    if (!qal::AskSolver(temp_cur, solutions)) return ReportUnsolved();
+bool SolveFrom(const Context& arm, const RoadPoint& current, RoadPoint& target,
+               double step_bound_rad) {
+  RoadPoint shifted = current;
+  SolutionList solutions;
+  if (!QuerySolver(arm, target, solutions)) {
+    (void)ForwardPose(arm, shifted);
+    double turn[3];
+    EulerDifference(shifted.orientation, target.orientation, turn);
+    // From the stored position of the current point, not the one just computed.
+    const Pos way = target.position - current.position;
+    NudgeTowardsZero(shifted.jointpos);
+    (void)ForwardPose(arm, shifted);
+    shifted.position = shifted.position + way;
+    AddEuler(turn, shifted.orientation);
+    if (!QuerySolver(arm, shifted, solutions)) return TellUnsolved(arm);
   }
-  // The joints of cur_stat, nudged where the fallback ran.
-  return WriteNearestOrReport(solutions, temp_cur.jointpos, max_joint_step_range, dis_stat);
+  // The joints of the current point, nudged where the fallback ran.
+  return WriteNearestOrTell(arm, solutions, shifted.jointpos, step_bound_rad, target);
 }
 
-bool Ikfunc::ArmLineMoveIk(RoadPoint& cur_stat, const Pos& dis, double* joint,
-                           double max_joint_step_range) {
-  qal::SolutionList solutions;
-  if (!qal::AskSolver(cur_stat, solutions)) {
-    // The point's own joints, not `joint`: the pose they have, one step on.
-    RoadPoint tempPoint = cur_stat;
-    (void)ArmFk(tempPoint);
-    tempPoint.position = WorldMoveXYZ(tempPoint.position, dis);
-    if (!qal::AskSolver(tempPoint, solutions)) {
-      qal::NudgeTowardsZero(tempPoint.jointpos);
-      (void)ArmFk(tempPoint);
-      tempPoint.position = WorldMoveXYZ(tempPoint.position, dis);
-      if (!qal::AskSolver(tempPoint, solutions)) return ReportUnsolved();
+bool SolveLineStep(const Context& arm, RoadPoint& point, const Pos& step, const double* joints,
+                   double step_bound_rad) {
+  SolutionList solutions;
+  if (!QuerySolver(arm, point, solutions)) {
+    // The point's own joints, not `joints`: the pose they have, one step on.
+    RoadPoint shifted = point;
+    (void)ForwardPose(arm, shifted);
+    shifted.position = shifted.position + step;
+    if (!QuerySolver(arm, shifted, solutions)) {
+      NudgeTowardsZero(shifted.jointpos);
+      (void)ForwardPose(arm, shifted);
+      shifted.position = shifted.position + step;
+      if (!QuerySolver(arm, shifted, solutions)) return TellUnsolved(arm);
     }
   }
-  return WriteNearestOrReport(solutions, joint, max_joint_step_range, cur_stat);
+  return WriteNearestOrTell(arm, solutions, joints, step_bound_rad, point);
 }
+
+}  // namespace qal

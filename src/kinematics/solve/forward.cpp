@@ -1,12 +1,12 @@
-#include <cmath>
+#include "forward.h"
 
-#include "../diagnostics.h"
-#include "../ikfast.h"
-#include "../ikfunc.h"
+#include <cmath>
 
 // The components w, x, y, z of a quaternion are worked out side by side, in the compiler's vector
 // types, and without a branch on the rotation: poses come in no order that the processor could
 // predict.
+
+namespace qal {
 
 namespace {
 
@@ -60,28 +60,26 @@ Flags Positive(const double* r, Floats m) {
 
 }  // namespace
 
-bool Ikfunc::ArmFk(Pos& arm_pos, Ori& arm_ori, double* joint_solve) {
-  ikfast::IkReal eetrans[3];
-  ikfast::IkReal eerot[9];
-  ikfast::ComputeFk(joint_solve, eetrans, eerot);
+bool ForwardPose(const Context& arm, const double* joints, Pos& position, Ori& orientation) {
+  double eetrans[3];
+  double eerot[9];
+  arm.solver.Forward(joints, eetrans, eerot);
 
   const Floats magnitude = Magnitudes(eerot);
   const Doubles m = __builtin_convertvector(magnitude, Doubles);
   const Doubles square = m * m;
   const double norm = std::sqrt(square[0] + square[1] + square[2] + square[3]);
   if (std::isnan(norm)) {  // so is a magnitude
-    qal::WriteError(qal::kQuaternionError);
+    arm.Tell(Event::kNoPose);
     return false;
   }
   const Floats signed_m = Positive(eerot, magnitude) ? magnitude : -magnitude;
   const Floats q =
       __builtin_convertvector(__builtin_convertvector(signed_m, Doubles) / norm, Floats);
-  arm_pos = Pos(eetrans[0], eetrans[1], eetrans[2]);
-  arm_ori = Ori(static_cast<double>(q[0]), static_cast<double>(q[1]), static_cast<double>(q[2]),
-                static_cast<double>(q[3]));
+  position = Pos(eetrans[0], eetrans[1], eetrans[2]);
+  orientation = Ori(static_cast<double>(q[0]), static_cast<double>(q[1]), static_cast<double>(q[2]),
+                    static_cast<double>(q[3]));
   return true;
 }
 
-bool Ikfunc::ArmFk(RoadPoint& arm_pos) {
-  return ArmFk(arm_pos.position, arm_pos.orientation, arm_pos.jointpos);
-}
+}  // namespace qal

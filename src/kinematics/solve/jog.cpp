@@ -1,31 +1,35 @@
 #include <cmath>
 
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
+#include "../pose/frame_moves.h"
+#include "forward.h"
+#include "inverse.h"
 #include "solution_choice.h"
 #include "solver_query.h"
 
-bool Ikfunc::ArmIk(RoadPoint& cur_stat, int coordinate, int move_mode, double step,
-                   RoadPoint& result) {
-  const double max_joint_step = std::fabs(step) * qal::kJogStepFactor;
-  RoadPoint tempPoint = EndMove(cur_stat, coordinate, move_mode, step);
-  qal::SolutionList solutions;
-  if (!qal::AskSolver(tempPoint, solutions)) {
-    RoadPoint temp_cur = cur_stat;
-    qal::NudgeTowardsZero(temp_cur.jointpos);
-    (void)ArmFk(temp_cur);  // on failure the jog starts from cur_stat's pose again
-    tempPoint = EndMove(temp_cur, coordinate, move_mode, step);
-    if (!qal::AskSolver(tempPoint, solutions)) {
-      qal::WriteError(qal::kJogUnsolvedError);
+namespace qal {
+
+bool SolveJog(const Context& arm, const RoadPoint& current, int coordinate, int move_mode,
+              double step, RoadPoint& result) {
+  const double step_bound_rad = std::fabs(step) * kJogStepFactor;
+  RoadPoint target = JogTarget(current, coordinate, move_mode, step);
+  SolutionList solutions;
+  if (!QuerySolver(arm, target, solutions)) {
+    RoadPoint nudged = current;
+    NudgeTowardsZero(nudged.jointpos);
+    (void)ForwardPose(arm, nudged);  // on failure the jog starts from the current pose again
+    target = JogTarget(nudged, coordinate, move_mode, step);
+    if (!QuerySolver(arm, target, solutions)) {
+      arm.Tell(Event::kJogUnsolved);
       return false;
     }
   }
-  // Against cur_stat's own joints, nudged or not.
-  if (!qal::WriteNearest(solutions, cur_stat.jointpos, max_joint_step, tempPoint)) {
-    qal::WriteError(qal::kJogInadmissibleError);
+  // Against the current point's own joints, nudged or not.
+  if (!WriteNearest(solutions, current.jointpos, step_bound_rad, arm.numbers.range, target)) {
+    arm.Tell(Event::kJogInadmissible);
     return false;
   }
-  result = tempPoint;
+  result = target;
   return true;
 }
+
+}  // namespace qal

@@ -1,32 +1,33 @@
 #include <algorithm>
 
-#include "../arm_constants.h"
-#include "../ikfunc.h"
+#include "../pose/agreement.h"
+#include "../pose/frame_moves.h"
+#include "forward.h"
+#include "inverse.h"
 #include "solution_choice.h"
 #include "solver_query.h"
 
-bool Ikfunc::ArmIk(RoadPoint& cur_stat, double* joint) {
-  RoadPoint tempPoint = cur_stat;
-  RoadPoint tempFK;
-  std::copy(joint, joint + qal::kJointCount, tempFK.jointpos);
-  (void)ArmFk(tempFK);  // on failure the pose stays zero, and the comparison decides
-  if (PositionCompare(tempPoint, tempFK, qal::kSamePositionM, qal::kSameOrientation)) return true;
+namespace qal {
 
-  qal::SolutionList solutions;
-  if (!qal::AskSolver(tempPoint, solutions)) {
-    RoadPoint tempDis = PointDis(tempPoint, tempFK);
-    qal::NudgeTowardsZero(tempFK.jointpos);
-    (void)ArmFk(tempFK);  // on failure the pose before the nudge stands in
-    tempPoint = PointAdd(tempFK, tempDis);
-    if (!qal::AskSolver(tempPoint, solutions)) {
-      cur_stat = tempPoint;
+bool SolveNearest(const Context& arm, RoadPoint& point, const double* joints) {
+  RoadPoint target = point;
+  RoadPoint reference;
+  std::copy(joints, joints + kJointCount, reference.jointpos);
+  (void)ForwardPose(arm, reference);  // on failure the pose stays zero, and the comparison decides
+  if (PosesAgree(target, reference, kSamePositionM, kSameOrientation)) return true;
+
+  SolutionList solutions;
+  if (!QuerySolver(arm, target, solutions)) {
+    const RoadPoint difference = PoseDifference(target, reference);
+    NudgeTowardsZero(reference.jointpos);
+    (void)ForwardPose(arm, reference);  // on failure the pose before the nudge stands in
+    target = PoseSum(reference, difference);
+    if (!QuerySolver(arm, target, solutions)) {
+      point = target;
       return false;
     }
   }
-  return qal::WriteNearest(solutions, joint, qal::kNoStepBound, cur_stat);
+  return WriteNearest(solutions, joints, kNoStepBound, arm.numbers.range, point);
 }
 
-bool Ikfunc::ArmIk(RoadPoint& cur_stat) {
-  RoadPoint solved = cur_stat;
-  return ArmIk(solved, solved.jointpos);
-}
+}  // namespace qal

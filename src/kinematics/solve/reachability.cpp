@@ -1,29 +1,34 @@
 #include <cmath>
 
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
+#include "forward.h"
+#include "inverse.h"
 #include "solver_query.h"
 
-bool Ikfunc::ChekcArmPointok(RoadPoint testpoint) {
-  RoadPoint temppoint = testpoint;
-  (void)ArmFk(temppoint);  // on failure the copied position stands, and agrees
-  const Pos difference = temppoint.position - testpoint.position;
+namespace qal {
+
+bool JointsHavePosition(const Context& arm, const RoadPoint& point) {
+  // On each axis [m].
+  constexpr double kAgreementM = 0.002;
+  RoadPoint reached = point;
+  (void)ForwardPose(arm, reached);  // on failure the copied position stands, and agrees
+  const Pos difference = reached.position - point.position;
   for (const double axis : {difference.x, difference.y, difference.z}) {
-    if (std::fabs(axis) > qal::kPositionAgreementM) return false;
+    if (std::fabs(axis) > kAgreementM) return false;
   }
   return true;
 }
 
-bool Ikfunc::ArmCheckAndCountSimilarIk(RoadPoint& cur_stat) {
-  qal::SolutionList solutions;
-  if (qal::AskSolver(cur_stat, solutions)) return true;
-  RoadPoint similar = cur_stat;  // so that a solver that throws leaves no half of it behind
-  if (ArmJointIk(similar, similar.jointpos, qal::kHoldStepRad)) {
-    (void)ArmFk(similar);  // on failure the unreachable pose stands, with its message
-    cur_stat = similar;
+bool MoveWithinReach(const Context& arm, RoadPoint& point) {
+  SolutionList solutions;
+  if (QuerySolver(arm, point, solutions)) return true;
+  RoadPoint similar = point;  // so that a solver that throws leaves no half of it behind
+  if (SolveWithin(arm, similar, similar.jointpos, kHoldStepRad)) {
+    (void)ForwardPose(arm, similar);  // on failure the unreachable pose stands, and it is told
+    point = similar;
     return true;
   }
-  qal::WriteLine(qal::kUnreachableLine);
+  arm.Tell(Event::kUnreachable);
   return false;
 }
+
+}  // namespace qal

@@ -17,7 +17,7 @@ class SolverFunctions {
   virtual void Forward(const double* joints, double* eetrans, double* eerot) const = 0;
 
  protected:
-  SolverFunctions() = default;
+  constexpr SolverFunctions() = default;
   ~SolverFunctions() = default;
   SolverFunctions(const SolverFunctions&) = default;
   SolverFunctions& operator=(const SolverFunctions&) = default;

@@ -1,21 +1,17 @@
-#include "joint_step_check.h"
-
 #include <cmath>
 
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
+#include "straight_line.h"
 
 namespace qal {
 
-bool CheckJointStep(const RoadPoint& from, const RoadPoint& to, int motor_speed_rpm) {
-  const double max_speed_step = motor_speed_rpm * kShaftRadPerRpmTick * kTicksPerCycle;
-  for (int i = 0; i < kJointCount; ++i) {
-    const double step = std::fabs(from.jointpos[i] - to.jointpos[i]);
-    const double limit = max_speed_step / GearRatio(i);
+bool CheckJointStep(const Context& arm, const RoadPoint& from, const RoadPoint& to,
+                    int motor_speed_rpm) {
+  const double max_speed_step = motor_speed_rpm * kShaftRadPerRpmTick * arm.numbers.ticks_per_cycle;
+  for (int j = 0; j < kJointCount; ++j) {
+    const double step = std::fabs(from.jointpos[j] - to.jointpos[j]);
+    const double limit = max_speed_step / arm.numbers.gear_ratio[j];
     if (step > limit) {  // NaN passes
-      WriteLine(i < kBigAxisCount ? kBigStepLine : kSmallStepLine, step);
-      WriteLine(kStepLimitLine, limit);
+      arm.observer.Hear({Event::kJointStepTooLarge, &to, nullptr, -1, j, step, limit});
       return false;
     }
   }
@@ -23,7 +19,3 @@ bool CheckJointStep(const RoadPoint& from, const RoadPoint& to, int motor_speed_
 }
 
 }  // namespace qal
-
-bool Ikfunc::CheckRobotJointStep(RoadPoint& point1, RoadPoint& point2, int max_joint_speed_rpm) {
-  return qal::CheckJointStep(point1, point2, max_joint_speed_rpm);
-}

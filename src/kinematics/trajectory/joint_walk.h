@@ -3,14 +3,14 @@
 
 #include <vector>
 
-#include "../ikfunc.h"
+#include "../solve/forward.h"
 
 namespace qal {
 
-/// Gives `point` the pose of its joints and appends a copy. When forward kinematics fails it has
-/// written its message, and the point goes in with the pose it had.
-inline void AppendWithPose(RoadPoint& point, std::vector<RoadPoint>& road) {
-  (void)Ikfunc::ArmFk(point);
+/// Gives `point` the pose of its joints and appends a copy. When forward kinematics fails, that has
+/// been told, and the point goes in with the pose it had.
+inline void AppendWithPose(const Context& arm, RoadPoint& point, std::vector<RoadPoint>& road) {
+  (void)ForwardPose(arm, point);
   road.push_back(point);
 }
 

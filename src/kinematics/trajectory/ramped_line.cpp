@@ -1,11 +1,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
+#include "../pose/agreement.h"
+#include "../solve/inverse.h"
 #include "line_walk.h"
 #include "ramp_walk.h"
+#include "straight_line.h"
+
+namespace qal {
 
 namespace {
 
@@ -26,48 +28,48 @@ Pos UnitStep(const Pos& dst) {
     return Pos(0.0, y, y * temp_z_k);
   }
   // A line of no length at all takes +z; it has no room for a step unless the speed is 0.
-  return Pos(0.0, 0.0, dst.z < 0.0 ? -qal::kRampUnitM : qal::kRampUnitM);
+  return Pos(0.0, 0.0, dst.z < 0.0 ? -kRampUnitM : kRampUnitM);
 }
 
 }  // namespace
 
-bool Ikfunc::CountLineToBuffer(RoadPoint s_point, RoadPoint e_point,
-                               std::vector<RoadPoint>* point_road, int speed) {
-  if (!PositionCompare(s_point, e_point, qal::kLinePairPositionM, qal::kLinePairOrientation)) {
-    qal::WriteLine(qal::kRampedLinePairLine);
-    s_point.printfPoint();
-    e_point.printfPoint();
+bool PlanRampedLine(const Context& arm, const RoadPoint& start, const RoadPoint& end,
+                    std::vector<RoadPoint>& road, int speed) {
+  if (!PosesAgree(start, end, kLinePairPositionM, kLinePairOrientation)) {
+    arm.observer.Hear({Event::kRampedLineNoPair, &start, &end});
     return false;
   }
-  const Pos dst = e_point.position - s_point.position;
-  const double length = NORM(dst.x, dst.y, dst.z, 0);
-  const double min_distance = speed * ((speed + 1.0) * qal::kRampUnitM);
+  const Pos dst = end.position - start.position;
+  const double length = LengthOf(dst);
+  const double min_distance = ShortestRampedLine(speed);
   // Too short for its ramps; a NaN length takes this branch as well.
   if (!(length >= min_distance)) return true;
 
   const Pos unit = UnitStep(dst);
   // The pair check keeps the length, and so the count, far inside an int.
   const int step_count =
-      speed > 0 ? static_cast<int>((length - min_distance) / (speed * qal::kRampUnitM)) : 0;
-  point_road->clear();
+      speed > 0 ? static_cast<int>((length - min_distance) / (speed * kRampUnitM)) : 0;
+  road.clear();
   // Up with the start, cruise, down, and the end point; a negative speed walks nothing.
-  point_road->reserve(2 * static_cast<size_t>(std::max(speed, 0)) +
-                      static_cast<size_t>(step_count) + 2);
-  RoadPoint temp_point = s_point;
+  road.reserve(2 * static_cast<size_t>(std::max(speed, 0)) + static_cast<size_t>(step_count) + 2);
+  RoadPoint point = start;
   // Moves on by `units` unit steps, solves against the joints before, and appends.
-  const auto advance = [&](qal::RampPhase phase, int units) {
-    const Pos temp_dst = qal::Scaled(unit, units);
-    temp_point.position = temp_point.position + temp_dst;
-    if (!ArmLineMoveIk(temp_point, temp_dst, temp_point.jointpos, qal::kLineStepRad)) {
-      if (phase == qal::RampPhase::kDown) qal::WriteLine(qal::kRampedLineIkLine, speed - units);
-      temp_point.printfPoint();
+  const auto advance = [&](RampPhase phase, int units) {
+    const Pos step = Scaled(unit, units);
+    point.position = point.position + step;
+    if (!SolveLineStep(arm, point, step, point.jointpos, kLineStepRad)) {
+      const bool down = phase == RampPhase::kDown;
+      arm.observer.Hear({down ? Event::kRampDownUnsolved : Event::kLinePointUnsolved, &point,
+                         nullptr, down ? speed - units : static_cast<int>(road.size())});
       return false;
     }
-    point_road->push_back(temp_point);
+    road.push_back(point);
     return true;
   };
   // From standstill, the start itself solved, down to one unit: the end point closes the ramp.
-  if (!qal::WalkRamp(speed, step_count, 1, advance)) return false;
-  point_road->push_back(e_point);
+  if (!WalkRamp(speed, step_count, 1, advance)) return false;
+  road.push_back(end);
   return true;
 }
+
+}  // namespace qal

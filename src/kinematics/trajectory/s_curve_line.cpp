@@ -4,12 +4,14 @@
 #include <optional>
 
 #include "../../core/decimals.h"
-#include "../arm_constants.h"
-#include "../diagnostics.h"
-#include "../ikfunc.h"
-#include "joint_step_check.h"
+#include "../pose/agreement.h"
+#include "../pose/euler.h"
+#include "../solve/inverse.h"
 #include "joint_walk.h"
 #include "line_walk.h"
+#include "straight_line.h"
+
+namespace qal {
 
 namespace {
 
@@ -37,68 +39,66 @@ int Doubled(int rpm) {
   return 2 * std::clamp(rpm, -kMost, kMost);
 }
 
-int ReportJointStep() {
-  qal::WriteError(qal::kJointStepError);
+int TellJointStep(const Context& arm) {
+  arm.Tell(Event::kJointStepRefused);
   return kNoMove;
 }
 
 // Samples jerk * t^3 / 6 every cycle until `phase_ms`, on the straight line and on the straight way
 // between the Euler triples, and appends the points. Stops at one too far in joints from the one
 // before, and returns false.
-bool AppendFirstPhase(const RoadPoint& s_point, const RoadPoint& e_point, double length,
-                      double jerk, int phase_ms, int motor_speed_rpm,
+bool AppendFirstPhase(const Context& arm, const RoadPoint& start, const RoadPoint& end,
+                      double length, double jerk, int phase_ms, int motor_speed_rpm,
                       std::vector<RoadPoint>& road) {
-  const Pos dst = e_point.position - s_point.position;
-  double s_point_euler[3];
-  double dip_euler[3];
-  Ikfunc::QuaternionToEulerAngle(s_point.orientation, s_point_euler);
-  Ikfunc::QuaternionToEulerDis(s_point, e_point, dip_euler);
-  RoadPoint tempPoint = s_point;
-  for (int i = 1; i <= phase_ms / qal::kCycleMs; ++i) {
-    RoadPoint oldPoint = tempPoint;
-    const double t = qal::kCycleMs * i / 1000.0;
-    const double temp_s = jerk * std::pow(t, 3.0) / 6.0;
-    const double k = temp_s / length;
-    tempPoint.position = qal::PointAtFraction(s_point.position, dst, k);
-    double temp_euler[3];
-    for (int axis = 0; axis < 3; ++axis) {
-      temp_euler[axis] = s_point_euler[axis] + dip_euler[axis] * k;
+  const Pos dst = end.position - start.position;
+  double start_euler[3];
+  double euler_way[3];
+  QuaternionToEuler(start.orientation, start_euler);
+  EulerDifference(start.orientation, end.orientation, euler_way);
+  RoadPoint point = start;
+  const int last = static_cast<int>(phase_ms / arm.numbers.cycle_ms);
+  for (int i = 1; i <= last; ++i) {
+    const RoadPoint before = point;
+    const double t = arm.numbers.cycle_ms * i / 1000.0;
+    const double distance = jerk * std::pow(t, 3.0) / 6.0;
+    const double k = distance / length;
+    point.position = PointAtFraction(start.position, dst, k);
+    double euler[3];
+    for (int axis = 0; axis < 3; ++axis) euler[axis] = start_euler[axis] + euler_way[axis] * k;
+    EulerToQuaternion(euler, point.orientation);
+    // A point without a solution keeps the joints of the one before; the check is the guard.
+    if (!SolveFrom(arm, before, point, kLineStepRad)) {
+      arm.observer.Hear({Event::kPointHeld, &point, nullptr, i});
     }
-    Ikfunc::EulerAngleToQuaternion(tempPoint.orientation, temp_euler);
-    // An unsolved point keeps the joints of the one before; the check is the guard.
-    (void)Ikfunc::ArmJointIk(oldPoint, tempPoint, qal::kLineStepRad);
-    if (!qal::CheckJointStep(oldPoint, tempPoint, motor_speed_rpm)) return false;
-    road.push_back(tempPoint);
+    if (!CheckJointStep(arm, before, point, motor_speed_rpm)) return false;
+    road.push_back(point);
   }
   return true;
 }
 
 }  // namespace
 
-int Ikfunc::CountSRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
-                                        std::vector<RoadPoint>* point_road, float /*max_v*/,
-                                        float max_acc, float max_jerk, int max_joint) {
+int PlanSCurveLine(const Context& arm, RoadPoint start, RoadPoint end, std::vector<RoadPoint>& road,
+                   float max_acc, float max_jerk, int motor_speed_rpm) {
   // What is out of reach is replaced, in these copies, by what is close to its own joints.
-  if (!ArmCheckAndCountSimilarIk(s_point) || !ArmCheckAndCountSimilarIk(e_point)) {
-    qal::WriteError(qal::kLineEndsError);
+  if (!MoveWithinReach(arm, start) || !MoveWithinReach(arm, end)) {
+    arm.Tell(Event::kLineEndsUnsolved);
     return kNoMove;
   }
-  const Pos dst = e_point.position - s_point.position;
-  const double length = NORM(dst.x, dst.y, dst.z, 0);
+  const double length = LengthOf(end.position - start.position);
 
-  const double Smin = static_cast<double>(ShortestProfile(max_jerk));
-  if (Smin >= length) {
-    qal::WriteLine(qal::kShortestProfileLine, Smin);
-    qal::WriteLine(qal::kLineLengthLine, length);
-    if (!qal::CheckJointStep(s_point, e_point, max_joint)) return ReportJointStep();
-    qal::ReplaceByEndPoints(s_point, e_point, *point_road);
+  const double shortest = static_cast<double>(ShortestProfile(max_jerk));
+  if (shortest >= length) {
+    arm.observer.Hear({Event::kShortLine, nullptr, nullptr, -1, -1, shortest, length});
+    if (!CheckJointStep(arm, start, end, motor_speed_rpm)) return TellJointStep(arm);
+    ReplaceByEndPoints(start, end, road);
     return kFinished;
   }
 
   // Time to build up the acceleration [ms]. The limits' quotient is a single-precision one.
-  const double Ttemp = static_cast<double>(max_acc / max_jerk) * 1000.0;
-  if (kShortestPhaseMs >= Ttemp) {
-    qal::WriteError(qal::kSmallAccelerationError);
+  const double build_up_ms = static_cast<double>(max_acc / max_jerk) * 1000.0;
+  if (kShortestPhaseMs >= build_up_ms) {
+    arm.Tell(Event::kAccelerationTooLow);
     return kNoProfile;
   }
   // Two negative limits, infinities and NaN come as far as here.
@@ -107,18 +107,19 @@ int Ikfunc::CountSRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
   // The longest line without a phase of constant acceleration. The build-up time goes in in
   // milliseconds, so that with ordinary limits no line is longer.
   const double jerk = static_cast<double>(max_jerk);
-  const float Smax = static_cast<float>(2.0 * jerk * Ttemp * Ttemp * Ttemp);
-  if (length > static_cast<double>(Smax)) return kFinished;
+  const float longest = static_cast<float>(2.0 * jerk * build_up_ms * build_up_ms * build_up_ms);
+  if (length > static_cast<double>(longest)) return kFinished;
 
   // The phase time [ms] for which four phases, 2 * jerk * t^3, make up the line.
   const std::optional<int> phase_ms =
-      qal::TruncateToInt(std::pow(length * 0.5 / jerk, kOneThird) * 1000.0);
+      TruncateToInt(std::pow(length * 0.5 / jerk, kOneThird) * 1000.0);
   if (!phase_ms) return kNoProfile;  // a length that is not a number, or a jerk next to nothing
-  qal::WriteError(qal::kFirstPhaseNotice);
-  if (!AppendFirstPhase(s_point, e_point, length, jerk, *phase_ms, Doubled(max_joint),
-                        *point_road)) {
-    point_road->clear();
-    return ReportJointStep();
+  arm.Tell(Event::kFirstPhase);
+  if (!AppendFirstPhase(arm, start, end, length, jerk, *phase_ms, Doubled(motor_speed_rpm), road)) {
+    road.clear();
+    return TellJointStep(arm);
   }
   return kFinished;
 }
+
+}  // namespace qal

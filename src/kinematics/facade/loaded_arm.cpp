@@ -1,0 +1,60 @@
+#include "loaded_arm.h"
+
+#include <cstdio>
+#include <ostream>
+
+#include "../../core/standard_output.h"
+#include "../ikfast.h"
+#include "messages.h"
+
+namespace qal {
+
+namespace {
+
+class LoadedSolver final : public SolverFunctions {
+ public:
+  constexpr LoadedSolver() = default;
+
+  bool Inverse(const double* eetrans, const double* eerot, SolutionList& solutions) const override {
+    return ikfast::ComputeIk(eetrans, eerot, nullptr, solutions);
+  }
+  void Forward(const double* joints, double* eetrans, double* eerot) const override {
+    ikfast::ComputeFk(joints, eetrans, eerot);
+  }
+};
+
+/// Prints: to standard error raw bytes, to standard output lines through `std::cout`, flushed.
+class Console {
+ public:
+  void Error(std::string_view message) const {
+    // Nobody is left to tell when standard error itself is gone.
+    (void)std::fwrite(message.data(), 1, message.size(), stderr);
+  }
+  void Line(std::string_view text) const {
+    // Unformatted: the width and fill that the host has set don't reach the line.
+    std::ostream& out = StandardOutput();
+    out.write(text.data(), static_cast<std::streamsize>(text.size()));
+    out << std::endl;
+  }
+  template <typename Number>
+  void Line(std::string_view text, Number number) const {
+    Line(NumberedText(text, number).view());
+  }
+  void Point(RoadPoint point) const { point.printfPoint(); }
+};
+
+class Printer final : public Observer {
+ public:
+  constexpr Printer() = default;
+
+  void Hear(const Report& report) const override { Say(report, Console()); }
+};
+
+constexpr LoadedSolver kSolver;
+constexpr Printer kPrinter;
+
+}  // namespace
+
+constexpr Context kLoadedArm = {kSolver, kReferenceNumbers, kPrinter};
+
+}  // namespace qal
