@@ -11,9 +11,9 @@ namespace {
 
 using closed_form::Body;
 using closed_form::ParallelAxesArm;
+using closed_form::SinCos;
 using closed_form::SphericalWristArm;
 using closed_form::Transposed;
-using closed_form::Turn;
 
 // Numbers within rounding of a plain one become that one. What this leaves out is far below what
 // the solutions may be off.
@@ -46,7 +46,7 @@ Matrix3 Tidy(Matrix3 m) {
   return m;
 }
 
-Turn<double> TidyTurn(double angle) {
+SinCos<double> TidySinCos(double angle) {
   return {TidyCosine(std::sin(angle)), TidyCosine(std::cos(angle))};
 }
 
@@ -58,7 +58,7 @@ constexpr Vector3 kX = {{1, 0, 0}};
 constexpr Vector3 kY = {{0, 1, 0}};
 constexpr Vector3 kZ = {{0, 0, 1}};
 
-// The turn about y that takes z to the direction of `v` in the x-z plane.
+// The angle about y that takes z to the direction of `v` in the x-z plane.
 double PitchOf(const Vector3& v) { return std::atan2(v[0], v[2]); }
 
 // The angle about `axis` from one vector to another, both at right angles to it.
@@ -121,7 +121,8 @@ Model MakeSphericalWrist(const Arm& arm, const Axes& axes) {
   const Vector3& axis4 = start.axes[3].direction;
   const Vector3& axis5 = start.axes[4].direction;
   const Vector3& axis6 = start.axes[5].direction;
-  // Axis 4 is x of the frame that is turned from the arm's by `pitch` about y, then `skew` about z.
+  // Axis 4 is x of the frame that is rotated from the arm's by `pitch` about y, then `skew` about
+  // z.
   const double pitch = std::atan2(-axis4[2], axis4[0]);
   const double skew = std::atan2(axis4[1], std::hypot(axis4[0], axis4[2]));
   const Matrix3 frame4 = RotationAbout(kY, pitch) * RotationAbout(kZ, skew);
@@ -129,9 +130,9 @@ Model MakeSphericalWrist(const Arm& arm, const Axes& axes) {
   const double angle5 = AngleAbout(axis5, axis4, axis6);
   body.zero[3] = TidyAngle(angle4);
   body.zero[4] = TidyAngle(angle5);
-  const Matrix3 hand = frame4 * (RotationAbout(kX, angle4) * RotationAbout(kY, angle5));
-  body.tool = Tidy(Transposed(hand) * start.tip);
-  return SphericalWristArm{body, TidyTurn(pitch - start.forearm_pitch), TidyTurn(skew)};
+  const Matrix3 flange = frame4 * (RotationAbout(kX, angle4) * RotationAbout(kY, angle5));
+  body.tool = Tidy(Transposed(flange) * start.tip);
+  return SphericalWristArm{body, TidySinCos(pitch - start.forearm_pitch), TidySinCos(skew)};
 }
 
 Model MakeParallelAxes(const Arm& arm, const Axes& axes) {
@@ -139,16 +140,17 @@ Model MakeParallelAxes(const Arm& arm, const Axes& axes) {
   Start start = MakeStart(arm, axes, centre, axes[3].point);
   Body& body = start.body;
   const Vector3& axis5 = start.axes[4].direction;
-  // Axis 5 is z of the frame that is turned from the arm's by `pitch` about y.
+  // Axis 5 is z of the frame that is rotated from the arm's by `pitch` about y.
   const double pitch = PitchOf(axis5);
   const double angle5 = AngleAbout(axis5, kY, start.axes[5].direction);
   body.direction[3] = start.axes[3].direction[1] < 0 ? -1.0 : 1.0;
   body.zero[3] = TidyAngle(Wrapped(pitch - start.forearm_pitch));
   body.zero[4] = TidyAngle(angle5);
-  const Matrix3 hand = RotationAbout(kY, pitch) * RotationAbout(kZ, angle5);
-  body.tool = Tidy(Transposed(hand) * start.tip);
-  const Vector3 palm = Transposed(RotationAbout(kY, pitch)) * (start.centre - start.axes[3].point);
-  return ParallelAxesArm{body, Tidy(palm[0]), Tidy(palm[2])};
+  const Matrix3 flange = RotationAbout(kY, pitch) * RotationAbout(kZ, angle5);
+  body.tool = Tidy(Transposed(flange) * start.tip);
+  const Vector3 offset =
+      Transposed(RotationAbout(kY, pitch)) * (start.centre - start.axes[3].point);
+  return ParallelAxesArm{body, Tidy(offset[0]), Tidy(offset[2])};
 }
 
 const Body& BodyOf(const Model& model) {

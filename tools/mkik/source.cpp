@@ -15,8 +15,8 @@ namespace {
 
 using closed_form::Body;
 using closed_form::ParallelAxesArm;
+using closed_form::SinCos;
 using closed_form::SphericalWristArm;
-using closed_form::Turn;
 
 std::string Text(double value) { return FormatNumber(value); }
 
@@ -34,8 +34,8 @@ std::string Text(const Matrix3& m) {
   return fmt::format("{{{{{}, {}, {}}}}}", Text(m[0]), Text(m[1]), Text(m[2]));
 }
 
-std::string Text(const Turn<double>& turn) {
-  return fmt::format("{{{}, {}}}", Text(turn.sine), Text(turn.cosine));
+std::string Text(const SinCos<double>& angle) {
+  return fmt::format("{{{}, {}}}", Text(angle.sine), Text(angle.cosine));
 }
 
 std::string Text(const Body& body) {
@@ -66,9 +66,9 @@ std::string Constant(const SphericalWristArm& arm) {
 std::string Constant(const ParallelAxesArm& arm) {
   return fmt::format(
       "constexpr qal::closed_form::ParallelAxesArm kArm = {{\n{}"
-      "    /*palm_x*/ {},\n"
-      "    /*palm_z*/ {}}};\n",
-      Text(arm.body), Text(arm.palm_x), Text(arm.palm_z));
+      "    /*wrist_offset_x*/ {},\n"
+      "    /*wrist_offset_z*/ {}}};\n",
+      Text(arm.body), Text(arm.wrist_offset_x), Text(arm.wrist_offset_z));
 }
 
 // FNV-1a: the same geometry has the same text on every machine.
@@ -126,8 +126,9 @@ std::string SolverSource(const Arm& arm, const Model& model) {
   const bool spherical = std::holds_alternative<SphericalWristArm>(model);
   const std::string constant = std::visit([](const auto& a) { return Constant(a); }, model);
   std::string source = Heading(arm, model);
-  for (const char* text : {kIkfastText, kAnglesText, kGeometryText, kBodyText, kWristText,
-                           spherical ? kSphericalWristText : kParallelAxesText}) {
+  for (const char* text :
+       {kIkfastText, kAnglesText, kGeometryText, kBodyText, kShoulderText, kSolutionsText,
+        kSolveText, kElbowText, kWristText, spherical ? kSphericalWristText : kParallelAxesText}) {
     source += '\n' + Inlined(text);
   }
   source += fmt::format(

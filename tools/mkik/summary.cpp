@@ -24,9 +24,9 @@ std::vector<std::pair<std::string, double>> LengthsOf(const Model& model) {
                                                          {"forearm", body.forearm}};
   double reach = body.upper_arm + body.forearm;
   if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&model)) {
-    const double palm = std::hypot(arm->palm_x, arm->palm_z);
-    lengths.emplace_back("palm", palm);
-    reach += palm;
+    const double offset = std::hypot(arm->wrist_offset_x, arm->wrist_offset_z);
+    lengths.emplace_back("wrist_offset", offset);
+    reach += offset;
   }
   lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
   lengths.emplace_back("reach", reach);
@@ -38,7 +38,7 @@ const char* Meaning(const std::string& length) {
   if (length == "lateral") return "axis 1 to the wrist's centre, along axis 2";
   if (length == "upper_arm") return "axis 2 to axis 3";
   if (length == "forearm") return "axis 3 to axis 4, or to the wrist's centre";
-  if (length == "palm") return "axis 4 to the wrist's centre";
+  if (length == "wrist_offset") return "axis 4 to the wrist's centre";
   if (length == "centre_to_tip") return "the wrist's centre to the tip";
   return "axis 2 to the wrist's centre at the most";
 }
