@@ -31,6 +31,27 @@ Solutions Solve(const Arm& arm, const Frame& target) {
   return solutions;
 }
 
+/// All joints for a target as the solver interface has it: three coordinates, nine matrix elements
+/// by rows. None for a matrix that is no rotation.
+template <class Arm>
+Solutions SolveTarget(const Arm& arm, const double* eetrans, const double* eerot) {
+  const double* r = eerot;
+  const Frame target = {{{{{r[0], r[1], r[2]}}, {{r[3], r[4], r[5]}}, {{r[6], r[7], r[8]}}}},
+                        {{eetrans[0], eetrans[1], eetrans[2]}}};
+  if (!IsRotation(target.rotation)) return {};
+  return Solve(arm, target);
+}
+
+/// The tool frame of six joints [rad] as the solver interface has it.
+template <class Arm>
+void WriteToolFrame(const Arm& arm, const double* joints, double* eetrans, double* eerot) {
+  const Frame tool = Forward(arm, joints);
+  for (int i = 0; i < 3; ++i) {
+    eetrans[i] = tool.position[i];
+    for (int j = 0; j < 3; ++j) eerot[3 * i + j] = tool.rotation[i][j];
+  }
+}
+
 }  // namespace qal::closed_form
 
 #endif  // QAL_SOLVER_CLOSED_FORM_SOLVE_H_
