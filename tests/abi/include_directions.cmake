@@ -9,6 +9,8 @@ set(rules
     "^src/kinematics/pose/" "^src/(core/|kinematics/[^/]*$)"
     "^src/kinematics/solve/" "^src/(core/|kinematics/(pose/)?[^/]*$)"
     "^src/kinematics/trajectory/" "^src/(core/|kinematics/((pose|solve)/)?[^/]*$)"
+    "^src/qal/model/" "^(solver/closed_form/|solver/reference_arm.h$|src/kinematics/solve/(solver_functions|solution_list).h$)"
+    "^src/qal/solve/" "^src/(qal/model/|kinematics/solve/(solver_functions|solution_list|judgement|pose_encoding).h$)"
     "^solver/" "^(solver/|src/kinematics/ikfast.h$)"
     "^(tools|examples)/" "^(src|solver|tools)/")
 
@@ -18,7 +20,7 @@ file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/src/*.h ${SOURCE_DI
      ${SOURCE_DIR}/tools/*.h ${SOURCE_DIR}/tools/*.cpp ${SOURCE_DIR}/examples/*.cpp)
 foreach(file IN LISTS files)
   get_filename_component(folder ${file} DIRECTORY)
-  foreach(i RANGE 0 12 2)
+  foreach(i RANGE 0 16 2)
     list(GET rules ${i} from)
     if(file MATCHES "${from}")
       math(EXPR next "${i} + 1")
