@@ -22,7 +22,8 @@ write_basic_package_version_file(QAL_kinematicsConfigVersion.cmake
 file(RELATIVE_PATH QAL_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 string(REGEX REPLACE "/$" "" QAL_PC_PREFIX "${QAL_PC_PREFIX}")
 configure_file(packaging/QAL_kinematics.pc.in QAL_kinematics.pc @ONLY)
+configure_file(packaging/qal.pc.in qal.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/QAL_kinematicsConfig.cmake
               ${PROJECT_BINARY_DIR}/QAL_kinematicsConfigVersion.cmake DESTINATION ${QAL_CMAKE_DIR})
-install(FILES ${PROJECT_BINARY_DIR}/QAL_kinematics.pc
+install(FILES ${PROJECT_BINARY_DIR}/QAL_kinematics.pc ${PROJECT_BINARY_DIR}/qal.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

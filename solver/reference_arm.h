@@ -44,6 +44,9 @@ constexpr closed_form::SphericalWristArm kArm = {
     /*lean*/ {-kForearmM / kForearmLineM, kElbowOffsetM / kForearmLineM},
     /*skew*/ {0, 1}};
 
+/// Identifies this geometry.
+constexpr char kGeometryHash[] = "qal-reference-arm-1";
+
 }  // namespace qal::reference_arm
 
 #endif  // QAL_SOLVER_REFERENCE_ARM_H_

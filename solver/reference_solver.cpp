@@ -3,7 +3,7 @@
 namespace {
 
 using qal::reference_arm::kArm;
-constexpr char kGeometryHash[] = "qal-reference-arm-1";
+using qal::reference_arm::kGeometryHash;
 
 }  // namespace
 

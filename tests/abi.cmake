@@ -2,7 +2,7 @@
 set(abi ${CMAKE_CURRENT_SOURCE_DIR}/abi)
 
 add_custom_target(update_exports)
-foreach(target QAL_kinematics ik)
+foreach(target QAL_kinematics ik qal_shared)
   set(arguments -DLIBRARY=$<TARGET_FILE:${target}> -DLIST=${abi}/${target}.exports)
   add_test(NAME Abi.Exports.${target} COMMAND ${CMAKE_COMMAND} ${arguments}
                                               -P ${abi}/exports.cmake)
@@ -13,7 +13,7 @@ endforeach()
 
 # One initialiser, the compiler's own. Sanitizers and coverage bring more.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage")
-  foreach(target QAL_kinematics ik)
+  foreach(target QAL_kinematics ik qal_shared)
     add_test(NAME Abi.NothingRunsAtLoad.${target} COMMAND readelf -SW $<TARGET_FILE:${target}>)
     set_tests_properties(Abi.NothingRunsAtLoad.${target} PROPERTIES PASS_REGULAR_EXPRESSION
                                                                     "INIT_ARRAY +[^ ]+ [^ ]+ 000008 ")

@@ -37,28 +37,28 @@ inline Lanes Clamped(Lanes v, Lanes most) { return v > most ? most : v < -most ?
 
 /// Sine and cosine of an angle; T is double or Lanes.
 template <class T>
-struct Turn {
+struct SinCos {
   T sine;
   T cosine;
 };
 
-/// The turn by both angles.
+/// Of the sum of two angles.
 template <class A, class B>
-constexpr auto operator*(const Turn<A>& a, const Turn<B>& b) {
+constexpr auto operator*(const SinCos<A>& a, const SinCos<B>& b) {
   using T = decltype(a.sine * b.sine);
-  return Turn<T>{a.sine * b.cosine + a.cosine * b.sine, a.cosine * b.cosine - a.sine * b.sine};
+  return SinCos<T>{a.sine * b.cosine + a.cosine * b.sine, a.cosine * b.cosine - a.sine * b.sine};
 }
 
-/// The turn the other way round.
+/// Of the negative angle: the inverse rotation.
 template <class T>
-constexpr Turn<T> Back(const Turn<T>& turn) {
-  return {-turn.sine, turn.cosine};
+constexpr SinCos<T> Inverse(const SinCos<T>& a) {
+  return {-a.sine, a.cosine};
 }
 
-/// The turn by half a circle more.
+/// Of the angle more by pi.
 template <class T>
-constexpr Turn<T> Opposite(const Turn<T>& turn) {
-  return {-turn.sine, -turn.cosine};
+constexpr SinCos<T> Opposite(const SinCos<T>& a) {
+  return {-a.sine, -a.cosine};
 }
 
 /// An angle in (-3 pi, 3 pi] taken into (-pi, pi].
@@ -68,13 +68,13 @@ inline Lanes WrapAngle(Lanes angle) {
   return angle;
 }
 
-/// The angle of a turn [rad], in [-pi, pi], within 4e-16. Sine and cosine may have a common
+/// The angle [rad] of a sine and a cosine, in [-pi, pi], within 4e-16. The two may have a common
 /// positive factor, but not both be 0.
-inline Lanes AngleOf(const Turn<Lanes>& turn) {
+inline Lanes Atan2(const SinCos<Lanes>& of) {
   constexpr double kTan22Degrees = 0.41421356237309503;
   // The tangent of the angle from the nearest axis, less 45 degrees where that is above 22.5.
-  const Lanes s = Abs(turn.sine);
-  const Lanes c = Abs(turn.cosine);
+  const Lanes s = Abs(of.sine);
+  const Lanes c = Abs(of.cosine);
   const Mask steep = s > c;
   const Lanes low = steep ? c : s;
   const Lanes high = steep ? s : c;
@@ -90,15 +90,15 @@ inline Lanes AngleOf(const Turn<Lanes>& turn) {
                    z2 * (-0.06664511428947303 + z * 0.058581487526600855);
   const Lanes p8 = (-0.05085448899918921 + z * 0.03923163408550222) + z2 * -0.01917685746960811;
   // Back through the choices.
-  const Mask west = turn.cosine < 0;
+  const Mask west = of.cosine < 0;
   Lanes angle = (t + t * z * (p0 + z4 * (p4 + z4 * p8))) + Where(slant, kPi / 4 * kOne);
   angle = NegatedWhere(steep, angle) + Where(steep, kPi / 2 * kOne);
   angle = NegatedWhere(west, angle) + Where(west, kPi * kOne);
-  return NegatedWhere(turn.sine < 0, angle);
+  return NegatedWhere(of.sine < 0, angle);
 }
 
-/// The turn by an angle [rad], sine and cosine within 2e-16; NaN for an angle that isn't finite.
-inline Turn<Lanes> TurnBy(Lanes angle) {
+/// Sine and cosine of an angle [rad], within 2e-16; NaN for an angle that isn't finite.
+inline SinCos<Lanes> SinCosOf(Lanes angle) {
   // Beyond it the number of quarter turns no longer multiplies the parts of pi/2 without rounding.
   constexpr double kLargestRad = 1e5;
   if (!(std::fabs(angle[0]) <= kLargestRad && std::fabs(angle[1]) <= kLargestRad)) {
@@ -125,11 +125,11 @@ inline Turn<Lanes> TurnBy(Lanes angle) {
                   z2 * ((2.4801587298765665e-05 + z * -2.75573172717181e-07) +
                         z2 * (2.0876146265966424e-09 + z * -1.1382632249960623e-11));
   const Lanes most = 1 - 0.5 * z;
-  const Turn<Lanes> rest = {r + r * z * s, most + (((1 - most) - 0.5 * z) + z2 * c)};
-  static constexpr Turn<double> kQuarters[4] = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
-  const Turn<double>& q0 = kQuarters[bits[0] & 3];
-  const Turn<double>& q1 = kQuarters[bits[1] & 3];
-  return rest * Turn<Lanes>{Lanes{q0.sine, q1.sine}, Lanes{q0.cosine, q1.cosine}};
+  const SinCos<Lanes> rest = {r + r * z * s, most + (((1 - most) - 0.5 * z) + z2 * c)};
+  static constexpr SinCos<double> kQuarters[4] = {{0, 1}, {1, 0}, {0, -1}, {-1, 0}};
+  const SinCos<double>& q0 = kQuarters[bits[0] & 3];
+  const SinCos<double>& q1 = kQuarters[bits[1] & 3];
+  return rest * SinCos<Lanes>{Lanes{q0.sine, q1.sine}, Lanes{q0.cosine, q1.cosine}};
 }
 
 }  // namespace qal::closed_form

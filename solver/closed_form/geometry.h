@@ -71,14 +71,14 @@ constexpr Matrix<T> operator*(const Matrix<T>& a, const Matrix<T>& b) {
 
 /// The rotation about a coordinate axis (0: x, 1: y, 2: z) times `m`.
 template <int axis, class A, class B>
-constexpr auto Rotated(const Turn<A>& turn, const Matrix<B>& m) {
-  using T = decltype(turn.sine * m[0][0]);
+constexpr auto Rotated(const SinCos<A>& angle, const Matrix<B>& m) {
+  using T = decltype(angle.sine * m[0][0]);
   constexpr int a = (axis + 1) % 3;
   constexpr int b = (axis + 2) % 3;
   Matrix<T> rotated;
   rotated.row[axis] = Vector<T>{{T{} + m[axis][0], T{} + m[axis][1], T{} + m[axis][2]}};
-  rotated.row[a] = turn.cosine * m[a] - turn.sine * m[b];
-  rotated.row[b] = turn.sine * m[a] + turn.cosine * m[b];
+  rotated.row[a] = angle.cosine * m[a] - angle.sine * m[b];
+  rotated.row[b] = angle.sine * m[a] + angle.cosine * m[b];
   return rotated;
 }
 

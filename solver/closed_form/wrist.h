@@ -9,7 +9,7 @@ namespace qal::closed_form {
 /// of the bend is then lost in the last digits; leaving it out moves no matrix element further.
 constexpr double kWristSingularSine = 1e-11;
 
-/// Three turns about axis a, the axis after it (b), and a again. The matrix of
+/// Three rotations: about axis a, the axis after it (b), and a again. The matrix of
 ///
 ///     R = Ra(first) * Rb(second) * Ra(third)
 ///
@@ -25,23 +25,23 @@ struct Wrist {
   /// Sine of the second angle, not negative.
   static Lanes Bend(const Matrix<Lanes>& m) { return Sqrt(m[b][a] * m[b][a] + m[c][a] * m[c][a]); }
 
-  /// The first turn with which the second angle is not negative; `otherwise` where it is singular.
-  static Turn<Lanes> First(const Matrix<Lanes>& m, Lanes bend, const Turn<Lanes>& otherwise) {
+  /// The first angle with which the second angle is not negative; `otherwise` where it is singular.
+  static SinCos<Lanes> First(const Matrix<Lanes>& m, Lanes bend, const SinCos<Lanes>& otherwise) {
     const Mask singular = bend < kWristSingularSine;
     const Lanes per_bend = 1 / (singular ? kOne : bend);
     return {singular ? otherwise.sine : m[b][a] * per_bend,
             singular ? otherwise.cosine : -m[c][a] * per_bend};
   }
 
-  /// The angles. Second and third come from what is left when the first is turned back: so they
-  /// make up for whatever rounding has done to it, which near the singularity is much.
-  static Wrist Solve(const Matrix<Lanes>& matrix, const Turn<Lanes>& first) {
-    const Matrix<Lanes> m = Rotated<a>(Back(first), matrix);
-    return {AngleOf(first), AngleOf({-m[c][a], m[a][a]}), AngleOf({-m[b][c], m[b][b]})};
+  /// The angles. Second and third come from what the inverse of the first leaves: so they make up
+  /// for whatever rounding has done to it, which near the singularity is much.
+  static Wrist Solve(const Matrix<Lanes>& matrix, const SinCos<Lanes>& first) {
+    const Matrix<Lanes> m = Rotated<a>(Inverse(first), matrix);
+    return {Atan2(first), Atan2({-m[c][a], m[a][a]}), Atan2({-m[b][c], m[b][b]})};
   }
 
-  /// The same rotation with the wrist turned over.
-  Wrist TurnedOver() const { return {first + kPi, -second, third + kPi}; }
+  /// The same rotation with the wrist flipped.
+  Wrist Flipped() const { return {first + kPi, -second, third + kPi}; }
 };
 
 }  // namespace qal::closed_form

@@ -1,9 +1,14 @@
 #ifndef QAL_TESTS_MKIK_ARMS_H_
 #define QAL_TESTS_MKIK_ARMS_H_
 
+#include <algorithm>
 #include <string>
 
-#include "../../tools/mkik/family.h"
+#include "../../src/qal/model/chain.h"
+#include "../../src/qal/model/closed_form_model.h"
+#include "../../src/qal/model/frames.h"
+#include "../../tools/arm/described.h"
+#include "../../tools/arm/read_arm.h"
 
 namespace qal::tools {
 
@@ -14,6 +19,11 @@ constexpr const char* kArmFiles[] = {
     "service_parallel.urdf",  "carrying_parallel.toml"};
 
 inline std::string ArmPath(const std::string& file) { return QAL_ARMS_DIR "/" + file; }
+
+/// What an arm's file says, as the core takes it.
+inline ArmDescription ReadDescription(const std::string& path, const ReadOptions& options = {}) {
+  return Described(ReadArm(path, options));
+}
 
 inline double LargestDifference(const closed_form::Joints& a, const closed_form::Joints& b) {
   double largest = 0;

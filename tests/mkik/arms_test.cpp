@@ -8,7 +8,6 @@
 #include <random>
 
 #include "../../solver/reference_arm.h"
-#include "../../tools/arm/read_arm.h"
 #include "../../tools/arm/table.h"
 #include "../../tools/common/files.h"
 #include "../solver/urdf_chain.h"
@@ -79,8 +78,8 @@ class EveryArm : public testing::TestWithParam<const char*> {
 
   std::mt19937 engine_{kSeed};
   std::uniform_real_distribution<double> range_{-kJointRangeRad, kJointRangeRad};
-  const Arm arm_ = ReadArm(ArmPath(GetParam()), {});
-  const Model model_ = FindFamily(arm_);
+  const ArmDescription arm_ = ReadDescription(ArmPath(GetParam()));
+  const Model model_ = MakeModel(arm_).value();
 };
 
 TEST_P(EveryArm, SolvesRandomPosesAndFindsTheJointsTheyCameFrom) {
@@ -134,7 +133,7 @@ TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
   EXPECT_GT(shoulders, 1000);
 }
 
-KDL::Chain ChainOf(const Arm& arm, const std::string& path) {
+KDL::Chain ChainOf(const ArmDescription& arm, const std::string& path) {
   if (path.find(".urdf") != std::string::npos) return ReadUrdfChain(path, arm.tip);
   const bool toml = path.find(".toml") != std::string::npos;
   const nlohmann::json table =
@@ -212,7 +211,7 @@ TEST_P(EveryArm, HasTheForwardKinematicsOfAnIndependentLibrary) {
                 frame.rotation.row[r].element);
     }
     ASSERT_LE(LargestDifference(Forward(joints), frame), 1e-12) << "seed " << kSeed;
-    ASSERT_LE(LargestDifference(TipFrame(arm_, joints), frame), 1e-12) << "seed " << kSeed;
+    ASSERT_LE(LargestDifference(ToFrame(TipFrame(arm_, joints)), frame), 1e-12) << "seed " << kSeed;
   }
 }
 
@@ -241,7 +240,7 @@ TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
 
 // One solving code: the library's own solver is what mkik makes of the reference arm's URDF.
 TEST(ReferenceArm, IsTheModelOfItsUrdf) {
-  const Model model = FindFamily(ReadArm(ArmPath("reference.urdf"), {}));
+  const Model model = MakeModel(ReadDescription(ArmPath("reference.urdf"))).value();
   const auto& made = std::get<closed_form::SphericalWristArm>(model);
   const closed_form::SphericalWristArm& own = reference_arm::kArm;
   EXPECT_EQ(made.body.upper_arm, own.body.upper_arm);

@@ -5,12 +5,13 @@
 #include <filesystem>
 #include <sstream>
 
+#include "../arm/described.h"
 #include "../arm/read_options.h"
 #include "../common/error.h"
 #include "../common/files.h"
 #include "../common/messages.h"
 #include "build.h"
-#include "family.h"
+#include "family_text.h"
 #include "source.h"
 #include "summary.h"
 #include "verify.h"
@@ -18,6 +19,8 @@
 namespace {
 
 using namespace qal::tools;
+using qal::ArmDescription;
+using qal::Model;
 
 struct Arguments {
   std::string arm;
@@ -41,11 +44,14 @@ void Describe(CLI::App& app, Arguments& arguments) {
 }
 
 void Run(const Arguments& arguments) {
-  const Arm arm = ReadArm(arguments.arm, arguments.read);
-  Model model;
+  const ArmDescription arm = Described(ReadArm(arguments.arm, arguments.read));
+  const std::optional<Model> found = MakeModel(arm);
+  if (!found) {
+    throw Failure(fmt::format("{}: {}", arguments.arm, FamilyText(ExamineFamilies(arm))));
+  }
+  const Model& model = *found;
   Verification verification;
   try {
-    model = FindFamily(arm);
     verification = Verify(arm, model);
   } catch (const Failure& failure) {
     throw Failure(fmt::format("{}: {}", arguments.arm, failure.what()));

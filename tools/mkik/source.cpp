@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <cstdint>
 #include <sstream>
 
 #include "../common/numbers.h"
@@ -15,8 +14,8 @@ namespace {
 
 using closed_form::Body;
 using closed_form::ParallelAxesArm;
+using closed_form::SinCos;
 using closed_form::SphericalWristArm;
-using closed_form::Turn;
 
 std::string Text(double value) { return FormatNumber(value); }
 
@@ -26,16 +25,16 @@ std::string Text(const double (&values)[6]) {
   return "{" + text + "}";
 }
 
-std::string Text(const Vector3& v) {
+std::string Text(const closed_form::Vector<double>& v) {
   return fmt::format("{{{{{}, {}, {}}}}}", Text(v[0]), Text(v[1]), Text(v[2]));
 }
 
-std::string Text(const Matrix3& m) {
+std::string Text(const closed_form::Matrix<double>& m) {
   return fmt::format("{{{{{}, {}, {}}}}}", Text(m[0]), Text(m[1]), Text(m[2]));
 }
 
-std::string Text(const Turn<double>& turn) {
-  return fmt::format("{{{}, {}}}", Text(turn.sine), Text(turn.cosine));
+std::string Text(const SinCos<double>& angle) {
+  return fmt::format("{{{}, {}}}", Text(angle.sine), Text(angle.cosine));
 }
 
 std::string Text(const Body& body) {
@@ -66,16 +65,9 @@ std::string Constant(const SphericalWristArm& arm) {
 std::string Constant(const ParallelAxesArm& arm) {
   return fmt::format(
       "constexpr qal::closed_form::ParallelAxesArm kArm = {{\n{}"
-      "    /*palm_x*/ {},\n"
-      "    /*palm_z*/ {}}};\n",
-      Text(arm.body), Text(arm.palm_x), Text(arm.palm_z));
-}
-
-// FNV-1a: the same geometry has the same text on every machine.
-std::uint64_t HashOf(const std::string& text) {
-  std::uint64_t hash = 0xcbf29ce484222325u;
-  for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
-  return hash;
+      "    /*wrist_offset_x*/ {},\n"
+      "    /*wrist_offset_z*/ {}}};\n",
+      Text(arm.body), Text(arm.wrist_offset_x), Text(arm.wrist_offset_z));
 }
 
 // A file that is part of another one: without includes of the files that stand before it.
@@ -95,7 +87,7 @@ std::string InComment(const std::string& name) {
   return text;
 }
 
-std::string Heading(const Arm& arm, const Model& model) {
+std::string Heading(const ArmDescription& arm, const Model& model) {
   std::string text = fmt::format(
       "// Closed-form solver of the arm '{}', from '{}' to '{}': {}.\n"
       "// Written by mkik; change the arm's description and run it again. To build it elsewhere,\n"
@@ -109,11 +101,12 @@ std::string Heading(const Arm& arm, const Model& model) {
       "// (-pi, pi], and who calls it chooses.\n",
       InComment(arm.name), InComment(arm.base), InComment(arm.tip), FamilyName(model));
   for (size_t j = 0; j < arm.joints.size(); ++j) {
-    const ArmJoint& joint = arm.joints[j];
-    text += fmt::format(
-        "//   {} '{}': {}\n", j + 1, InComment(joint.name),
-        joint.limits ? fmt::format("{} to {}", Text(joint.limits->lower), Text(joint.limits->upper))
-                     : "no limits");
+    const JointDescription& joint = arm.joints[j];
+    text +=
+        fmt::format("//   {} '{}': {}\n", j + 1, InComment(joint.name),
+                    joint.lower_rad && joint.upper_rad
+                        ? fmt::format("{} to {}", Text(*joint.lower_rad), Text(*joint.upper_rad))
+                        : "no limits");
   }
   return text;
 }
@@ -122,18 +115,19 @@ std::string Heading(const Arm& arm, const Model& model) {
 
 std::string SolverExports() { return kExportsText; }
 
-std::string SolverSource(const Arm& arm, const Model& model) {
+std::string SolverSource(const ArmDescription& arm, const Model& model) {
   const bool spherical = std::holds_alternative<SphericalWristArm>(model);
   const std::string constant = std::visit([](const auto& a) { return Constant(a); }, model);
   std::string source = Heading(arm, model);
-  for (const char* text : {kIkfastText, kAnglesText, kGeometryText, kBodyText, kWristText,
-                           spherical ? kSphericalWristText : kParallelAxesText}) {
+  for (const char* text :
+       {kIkfastText, kAnglesText, kGeometryText, kBodyText, kShoulderText, kSolutionsText,
+        kSolveText, kElbowText, kWristText, spherical ? kSphericalWristText : kParallelAxesText}) {
     source += '\n' + Inlined(text);
   }
   source += fmt::format(
-      "\nnamespace {{\n\n{}\nconstexpr char kGeometryHash[] = \"qal-{:016x}\";\n\n"
+      "\nnamespace {{\n\n{}\nconstexpr char kGeometryHash[] = \"{}\";\n\n"
       "}}  // namespace\n\n{}\n/* exports.map:\n{}*/\n",
-      constant, HashOf(constant), Inlined(kEntryPointsText),
+      constant, HashOf(model), Inlined(kEntryPointsText),
       // The map's own comment would end this one.
       SolverExports().substr(SolverExports().find('{')));
   return source;

@@ -3,13 +3,13 @@
 
 #include <string>
 
-#include "model.h"
+#include "../../src/qal/model/closed_form_model.h"
 
 namespace qal::tools {
 
 /// The solver as one C++17 file that needs nothing but the standard library: the solving code, the
 /// arm's geometry as constants, and the entry points.
-std::string SolverSource(const Arm& arm, const Model& model);
+std::string SolverSource(const ArmDescription& arm, const Model& model);
 
 /// The linker's version script for it: the entry points are exported, and nothing else.
 std::string SolverExports();

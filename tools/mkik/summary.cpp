@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "family.h"
+#include "../../src/qal/model/family.h"
+#include "../../src/qal/model/frames.h"
 
 namespace qal::tools {
 
@@ -24,9 +25,9 @@ std::vector<std::pair<std::string, double>> LengthsOf(const Model& model) {
                                                          {"forearm", body.forearm}};
   double reach = body.upper_arm + body.forearm;
   if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&model)) {
-    const double palm = std::hypot(arm->palm_x, arm->palm_z);
-    lengths.emplace_back("palm", palm);
-    reach += palm;
+    const double offset = std::hypot(arm->wrist_offset_x, arm->wrist_offset_z);
+    lengths.emplace_back("wrist_offset", offset);
+    reach += offset;
   }
   lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
   lengths.emplace_back("reach", reach);
@@ -38,14 +39,19 @@ const char* Meaning(const std::string& length) {
   if (length == "lateral") return "axis 1 to the wrist's centre, along axis 2";
   if (length == "upper_arm") return "axis 2 to axis 3";
   if (length == "forearm") return "axis 3 to axis 4, or to the wrist's centre";
-  if (length == "palm") return "axis 4 to the wrist's centre";
+  if (length == "wrist_offset") return "axis 4 to the wrist's centre";
   if (length == "centre_to_tip") return "the wrist's centre to the tip";
   return "axis 2 to the wrist's centre at the most";
 }
 
+std::string LimitText(const std::optional<double>& rad) {
+  return rad ? fmt::format("{:.6g}", *rad) : "none";
+}
+
 }  // namespace
 
-std::string SummaryText(const Arm& arm, const Model& model, const Verification& verification) {
+std::string SummaryText(const ArmDescription& arm, const Model& model,
+                        const Verification& verification) {
   std::string text =
       fmt::format("{}: {}, from '{}' to '{}'\n", arm.name, FamilyName(model), arm.base, arm.tip);
   for (const auto& [name, metres] : LengthsOf(model)) {
@@ -55,11 +61,9 @@ std::string SummaryText(const Arm& arm, const Model& model, const Verification& 
   text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
                       "lower_rad", "upper_rad");
   for (size_t j = 0; j < arm.joints.size(); ++j) {
-    const std::optional<JointLimits>& limits = arm.joints[j].limits;
-    text +=
-        fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", arm.joints[j].name, body.direction[j],
-                    body.zero[j], limits ? fmt::format("{:.6g}", limits->lower) : "none",
-                    limits ? fmt::format("{:.6g}", limits->upper) : "none");
+    const JointDescription& joint = arm.joints[j];
+    text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, body.direction[j],
+                        body.zero[j], LimitText(joint.lower_rad), LimitText(joint.upper_rad));
   }
   text += fmt::format(
       "  checked with {} random joint sets: each solved and found again, forward kinematics within "
@@ -68,18 +72,20 @@ std::string SummaryText(const Arm& arm, const Model& model, const Verification& 
   return text;
 }
 
-std::string SummaryJson(const Arm& arm, const Model& model, const Verification& verification) {
+std::string SummaryJson(const ArmDescription& arm, const Model& model,
+                        const Verification& verification) {
   ordered_json json = {
       {"name", arm.name}, {"family", FamilyName(model)}, {"base", arm.base}, {"tip", arm.tip}};
   for (const auto& [name, metres] : LengthsOf(model)) json["lengths_m"][name] = metres;
   const closed_form::Body& body = BodyOf(model);
   for (size_t j = 0; j < arm.joints.size(); ++j) {
-    const std::optional<JointLimits>& limits = arm.joints[j].limits;
-    json["joints"].push_back({{"name", arm.joints[j].name},
-                              {"direction", body.direction[j]},
-                              {"zero_rad", body.zero[j]},
-                              {"lower_rad", limits ? ordered_json(limits->lower) : nullptr},
-                              {"upper_rad", limits ? ordered_json(limits->upper) : nullptr}});
+    const JointDescription& joint = arm.joints[j];
+    json["joints"].push_back(
+        {{"name", joint.name},
+         {"direction", body.direction[j]},
+         {"zero_rad", body.zero[j]},
+         {"lower_rad", joint.lower_rad ? ordered_json(*joint.lower_rad) : nullptr},
+         {"upper_rad", joint.upper_rad ? ordered_json(*joint.upper_rad) : nullptr}});
   }
   json["tolerances"] = {{"axis_angle_rad", kAxisAngleToleranceRad},
                         {"axis_distance_m", kAxisDistanceToleranceM}};

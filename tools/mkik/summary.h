@@ -3,16 +3,18 @@
 
 #include <string>
 
-#include "model.h"
+#include "../../src/qal/model/closed_form_model.h"
 #include "verify.h"
 
 namespace qal::tools {
 
 /// What was found, in lines to read.
-std::string SummaryText(const Arm& arm, const Model& model, const Verification& verification);
+std::string SummaryText(const ArmDescription& arm, const Model& model,
+                        const Verification& verification);
 
 /// The same as JSON, for programs: lengths in metres, angles in radians.
-std::string SummaryJson(const Arm& arm, const Model& model, const Verification& verification);
+std::string SummaryJson(const ArmDescription& arm, const Model& model,
+                        const Verification& verification);
 
 }  // namespace qal::tools
 

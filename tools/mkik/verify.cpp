@@ -7,13 +7,13 @@
 #include <cmath>
 #include <random>
 
+#include "../../src/qal/model/chain.h"
+#include "../../src/qal/model/frames.h"
 #include "../common/error.h"
 
 namespace qal::tools {
 
 namespace {
-
-using closed_form::Joints;
 
 constexpr double kTolerance = 1e-9;
 // Near a singularity the joints may differ while the pose is the same: a pose's rounding, 1e-16,
@@ -49,7 +49,7 @@ void ExpectWithinTolerance(double difference, const char* what, const Joints& jo
 
 }  // namespace
 
-Verification Verify(const Arm& arm, const Model& model) {
+Verification Verify(const ArmDescription& arm, const Model& model) {
   constexpr double kRangeRad = 2.967;
   Verification result = {10000, 0, 0};
   std::mt19937 engine(1);
@@ -57,7 +57,7 @@ Verification Verify(const Arm& arm, const Model& model) {
   for (int i = 0; i < result.joint_sets; ++i) {
     Joints joints;
     for (double& joint : joints) joint = range(engine);
-    const Frame described = TipFrame(arm, joints);
+    const Frame described = ToFrame(TipFrame(arm, joints));
     const auto forward = [&](const Joints& q) {
       return std::visit([&](const auto& a) { return Forward(a, q.data()); }, model);
     };

@@ -1,7 +1,7 @@
 #ifndef QAL_TOOLS_MKIK_VERIFY_H_
 #define QAL_TOOLS_MKIK_VERIFY_H_
 
-#include "model.h"
+#include "../../src/qal/model/closed_form_model.h"
 
 namespace qal::tools {
 
@@ -15,7 +15,7 @@ struct Verification {
 /// Checks a model against the arm that it was made of, both ways.
 /// @throw Failure when a difference exceeds 1e-9, a pose stays unsolved, or the joints that it came
 ///        from are not among the solutions
-Verification Verify(const Arm& arm, const Model& model);
+Verification Verify(const ArmDescription& arm, const Model& model);
 
 }  // namespace qal::tools
 

@@ -29,20 +29,23 @@ struct JointModel {
   Setting gear_ratio;  ///< motor turns per turn of the joint
 
   /// Motor speed at `velocity_rad_s` [rpm].
-  double motor_speed_rpm() const;
+  QAL_API double motor_speed_rpm() const;
 };
 
 /// An arm: its solver, and what it may do. A value, cheap to copy; immutable.
 ///
+/// What the settings say goes before what the description says, and at a joint before at its motor.
 /// What nobody said is assumed: limits of 170 degrees; a velocity of 180 degrees/s; that velocity
 /// reached in 0.25 s; that acceleration reached in 0.05 s; the gear ratio with which the velocity
-/// is 3000 rpm; a cycle of 0.005 s.
+/// is the motor's speed, 3000 rpm where that is not said either; a cycle of 0.005 s. A number that
+/// follows from described ones counts as described.
 class QAL_API Arm {
  public:
   /// An arm from its description, through the closed form of its family. No compiler is needed.
   /// @return kNoClosedForm; kLimits when a limit is no number, a lower one lies above the upper
   /// one,
-  ///         or another is not above 0
+  ///         or another number is not above 0; kSetting when the base or the tool frame is no
+  ///         frame. `detail` names the number or the frame
   static Result<Arm> FromDescription(const ArmDescription& description,
                                      const ArmSettings& settings = {});
   /// An arm from a solver, anybody's `libik.so`.

@@ -25,7 +25,7 @@ enum class Reason {
   // ---- Making an arm ----
   kLibraryNotLoaded,  ///< no library that can be loaded; `detail` is what the loader says
   kFunctionMissing,   ///< the library lacks a function, named in `detail`
-  kJointCount,        ///< the solver is for `value` joints, `bound` are expected
+  kNotSixJoints,      ///< the solver is for `value` joints, `bound` are expected
   kFreeParameters,    ///< the solver has `value` free parameters, none is expected
   kSolverType,        ///< the solver's kind of target is `value`, `bound` (a full pose) is expected
   kNoClosedForm,      ///< no family has the arm's axes; `ExamineFamilies` says what is off

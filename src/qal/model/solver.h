@@ -20,8 +20,10 @@ class QAL_API Solver {
   /// and it sees its own before the host's, so that neither another solver nor the host (which may
   /// define `ikfast::ComputeIk` itself) is disturbed or disturbs it.
   /// @param path a name without a slash is taken from the current folder, not searched for
-  /// @return kLibraryNotLoaded, kFunctionMissing, kJointCount, kFreeParameters or kSolverType when
-  ///         it is no solver of six joints
+  /// @return kLibraryNotLoaded, kFunctionMissing, kNotSixJoints, kFreeParameters or kSolverType
+  /// when
+  ///         it is no solver of six joints; kSolverFault when its numbers are no doubles;
+  ///         kSolverThrows
   static Result<Solver> Load(const std::string& path);
 
   /// The closed form of the family that the arm's axes belong to, with the described geometry. No

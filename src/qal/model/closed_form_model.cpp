@@ -1,19 +1,23 @@
-#include "model.h"
+#include "closed_form_model.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
 
+#include "family.h"
 #include "lines.h"
 
-namespace qal::tools {
+namespace qal {
 
 namespace {
 
 using closed_form::Body;
 using closed_form::ParallelAxesArm;
+using closed_form::SinCos;
 using closed_form::SphericalWristArm;
 using closed_form::Transposed;
-using closed_form::Turn;
 
 // Numbers within rounding of a plain one become that one. What this leaves out is far below what
 // the solutions may be off.
@@ -46,7 +50,7 @@ Matrix3 Tidy(Matrix3 m) {
   return m;
 }
 
-Turn<double> TidyTurn(double angle) {
+SinCos<double> TidySinCos(double angle) {
   return {TidyCosine(std::sin(angle)), TidyCosine(std::cos(angle))};
 }
 
@@ -58,7 +62,7 @@ constexpr Vector3 kX = {{1, 0, 0}};
 constexpr Vector3 kY = {{0, 1, 0}};
 constexpr Vector3 kZ = {{0, 0, 1}};
 
-// The turn about y that takes z to the direction of `v` in the x-z plane.
+// The angle about y that takes z to the direction of `v` in the x-z plane.
 double PitchOf(const Vector3& v) { return std::atan2(v[0], v[2]); }
 
 // The angle about `axis` from one vector to another, both at right angles to it.
@@ -76,7 +80,7 @@ struct Start {
 };
 
 // `forearm_end`: a point on axis 4 or the wrist's centre.
-Start MakeStart(const Arm& arm, const Axes& axes, const Vector3& centre,
+Start MakeStart(const ArmDescription& arm, const Axes& axes, const Vector3& centre,
                 const Vector3& forearm_end) {
   const Vector3& z = axes[0].direction;
   Vector3 y = axes[1].direction - Dot(axes[1].direction, z) * z;
@@ -92,7 +96,7 @@ Start MakeStart(const Arm& arm, const Axes& axes, const Vector3& centre,
     start.axes[j] = {to_arm * (axes[j].point - origin), to_arm * axes[j].direction};
   }
   start.centre = to_arm * (centre - origin);
-  const Frame tip = TipFrame(arm, {});
+  const Frame tip = ToFrame(TipFrame(arm, {}));
   start.tip = to_arm * tip.rotation;
   const Vector3 upper_arm = start.axes[2].point - start.axes[1].point;
   const Vector3 forearm = to_arm * (forearm_end - origin) - start.axes[2].point;
@@ -112,43 +116,106 @@ Start MakeStart(const Arm& arm, const Axes& axes, const Vector3& centre,
   return start;
 }
 
-}  // namespace
-
-Model MakeSphericalWrist(const Arm& arm, const Axes& axes) {
+Model MakeSphericalWrist(const ArmDescription& arm, const Axes& axes) {
   const Vector3 centre = MeetingOf(axes[4], axes[3]).point;
   Start start = MakeStart(arm, axes, centre, centre);
   Body& body = start.body;
   const Vector3& axis4 = start.axes[3].direction;
   const Vector3& axis5 = start.axes[4].direction;
   const Vector3& axis6 = start.axes[5].direction;
-  // Axis 4 is x of the frame that is turned from the arm's by `pitch` about y, then `skew` about z.
+  // Axis 4 is x of the frame that is rotated from the arm's by `pitch` about y, then `skew` about
+  // z.
   const double pitch = std::atan2(-axis4[2], axis4[0]);
   const double skew = std::atan2(axis4[1], std::hypot(axis4[0], axis4[2]));
-  const Matrix3 frame4 = RotationAbout(kY, pitch) * RotationAbout(kZ, skew);
+  const Matrix3 frame4 = RotationMatrix(kY, pitch) * RotationMatrix(kZ, skew);
   const double angle4 = AngleAbout(axis4, Transposed(frame4)[1], axis5);
   const double angle5 = AngleAbout(axis5, axis4, axis6);
   body.zero[3] = TidyAngle(angle4);
   body.zero[4] = TidyAngle(angle5);
-  const Matrix3 hand = frame4 * (RotationAbout(kX, angle4) * RotationAbout(kY, angle5));
-  body.tool = Tidy(Transposed(hand) * start.tip);
-  return SphericalWristArm{body, TidyTurn(pitch - start.forearm_pitch), TidyTurn(skew)};
+  const Matrix3 flange = frame4 * (RotationMatrix(kX, angle4) * RotationMatrix(kY, angle5));
+  body.tool = Tidy(Transposed(flange) * start.tip);
+  return SphericalWristArm{body, TidySinCos(pitch - start.forearm_pitch), TidySinCos(skew)};
 }
 
-Model MakeParallelAxes(const Arm& arm, const Axes& axes) {
+Model MakeParallelAxes(const ArmDescription& arm, const Axes& axes) {
   const Vector3 centre = MeetingOf(axes[4], axes[5]).point;
   Start start = MakeStart(arm, axes, centre, axes[3].point);
   Body& body = start.body;
   const Vector3& axis5 = start.axes[4].direction;
-  // Axis 5 is z of the frame that is turned from the arm's by `pitch` about y.
+  // Axis 5 is z of the frame that is rotated from the arm's by `pitch` about y.
   const double pitch = PitchOf(axis5);
   const double angle5 = AngleAbout(axis5, kY, start.axes[5].direction);
   body.direction[3] = start.axes[3].direction[1] < 0 ? -1.0 : 1.0;
   body.zero[3] = TidyAngle(Wrapped(pitch - start.forearm_pitch));
   body.zero[4] = TidyAngle(angle5);
-  const Matrix3 hand = RotationAbout(kY, pitch) * RotationAbout(kZ, angle5);
-  body.tool = Tidy(Transposed(hand) * start.tip);
-  const Vector3 palm = Transposed(RotationAbout(kY, pitch)) * (start.centre - start.axes[3].point);
-  return ParallelAxesArm{body, Tidy(palm[0]), Tidy(palm[2])};
+  const Matrix3 flange = RotationMatrix(kY, pitch) * RotationMatrix(kZ, angle5);
+  body.tool = Tidy(Transposed(flange) * start.tip);
+  const Vector3 offset =
+      Transposed(RotationMatrix(kY, pitch)) * (start.centre - start.axes[3].point);
+  return ParallelAxesArm{body, Tidy(offset[0]), Tidy(offset[2])};
+}
+
+// FNV-1a over the bits of numbers, so that the same geometry has the same text on every machine.
+class Hash {
+ public:
+  void Add(double value) {
+    value += 0.0;  // -0 is 0
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    for (int i = 0; i < 64; i += 8) hash_ = (hash_ ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
+  }
+  void Add(const Vector3& v) {
+    for (const double element : v.element) Add(element);
+  }
+  void Add(const Matrix3& m) {
+    for (const Vector3& row : m.row) Add(row);
+  }
+  void Add(const Body& body) {
+    Add(body.base.rotation);
+    Add(body.base.position);
+    for (const double length : {body.shoulder, body.lateral, body.upper_arm, body.forearm}) {
+      Add(length);
+    }
+    Add(body.tool);
+    Add(body.centre_in_tool);
+    for (int j = 0; j < 6; ++j) Add(body.direction[j]);
+    for (int j = 0; j < 6; ++j) Add(body.zero[j]);
+  }
+  std::string Text() const {
+    char text[24];
+    (void)std::snprintf(text, sizeof(text), "qal-%016llx", static_cast<unsigned long long>(hash_));
+    return text;
+  }
+
+ private:
+  std::uint64_t hash_ = 0xcbf29ce484222325u;
+};
+
+}  // namespace
+
+std::optional<Model> MakeModel(const ArmDescription& arm) {
+  const FamilyReport report = ExamineFamilies(arm);
+  const Axes axes = AxesOf(arm);
+  if (report.three_parallel_axes.empty()) return MakeParallelAxes(arm, axes);
+  if (report.spherical_wrist.empty()) return MakeSphericalWrist(arm, axes);
+  return std::nullopt;
+}
+
+std::string HashOf(const Model& model) {
+  Hash hash;
+  hash.Add(static_cast<double>(model.index()));
+  hash.Add(BodyOf(model));
+  if (const auto* spherical = std::get_if<SphericalWristArm>(&model)) {
+    for (const SinCos<double>& angle : {spherical->lean, spherical->skew}) {
+      hash.Add(angle.sine);
+      hash.Add(angle.cosine);
+    }
+  } else {
+    const auto& parallel = std::get<ParallelAxesArm>(model);
+    hash.Add(parallel.wrist_offset_x);
+    hash.Add(parallel.wrist_offset_z);
+  }
+  return hash.Text();
 }
 
 const Body& BodyOf(const Model& model) {
@@ -160,4 +227,4 @@ const char* FamilyName(const Model& model) {
                                                           : "three parallel axes";
 }
 
-}  // namespace qal::tools
+}  // namespace qal

@@ -1,0 +1,108 @@
+#include "arm.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "joint_model.h"
+#include "mounted_solver.h"
+
+namespace qal {
+
+struct [[gnu::visibility("hidden")]] Arm::Held {
+  static Result<Arm> Make(const Solver& solver, const ArmDescription& description,
+                          const ArmSettings& settings);
+
+  std::string name;
+  std::array<JointModel, 6> joints;
+  Setting cycle_s;
+  Transform base;
+  Transform tool;
+  Solver solver;
+  std::shared_ptr<const MountedSolver> mounted;  // none: the solver's own base and tip
+};
+
+namespace {
+
+constexpr double kAssumedCycleS = 0.005;
+
+bool IsIdentity(const Transform& transform) {
+  const Transform identity;
+  const Vec3& p = transform.position;
+  return std::equal(identity.rotation, identity.rotation + 9, transform.rotation) && p.x == 0 &&
+         p.y == 0 && p.z == 0;
+}
+
+bool IsFrame(const Transform& transform) {
+  const Frame frame = ToFrame(transform);
+  const Vector3& p = frame.position;
+  return IsRotation(frame.rotation) && std::isfinite(p[0]) && std::isfinite(p[1]) &&
+         std::isfinite(p[2]);
+}
+
+// What the settings say of the reference arm: arms/reference.urdf, and its motors.
+ArmSettings ReferenceSettings() {
+  constexpr double kLimitRad = 2.967059678;  // 170 degrees, at the digits that the arm holds
+  constexpr double kMotorSpeedRpm = 3000;
+  ArmSettings settings;
+  settings.name = "reference";
+  for (size_t j = 0; j < settings.joints.size(); ++j) {
+    JointSettings& joint = settings.joints[j];
+    joint.lower_rad = -kLimitRad;
+    joint.upper_rad = kLimitRad;
+    joint.gear_ratio = j < 3 ? 363 : 303;
+    joint.motor_speed_rpm = kMotorSpeedRpm;
+  }
+  settings.cycle_s = kAssumedCycleS;
+  return settings;
+}
+
+}  // namespace
+
+Result<Arm> Arm::Held::Make(const Solver& solver, const ArmDescription& description,
+                            const ArmSettings& settings) {
+  const std::string& name = settings.name.empty() ? description.name : settings.name;
+  Held held = {name, {}, {}, settings.base, settings.tool, solver, nullptr};
+  for (size_t j = 0; j < held.joints.size(); ++j) {
+    Result<JointModel> joint =
+        MakeJointModel(static_cast<int>(j), description.joints[j], settings.joints[j]);
+    if (!joint) return joint.error();
+    held.joints[j] = *std::move(joint);
+  }
+  held.cycle_s = {settings.cycle_s.value_or(kAssumedCycleS), settings.cycle_s.has_value()};
+  if (const auto refused = ExpectPositive(-1, "cycle_s", held.cycle_s.value)) return *refused;
+  if (!IsFrame(settings.base)) return Error{Reason::kSetting, -1, 0, 0, "base"};
+  if (!IsFrame(settings.tool)) return Error{Reason::kSetting, -1, 0, 0, "tool"};
+  if (!IsIdentity(settings.base) || !IsIdentity(settings.tool)) {
+    held.mounted = std::make_shared<const MountedSolver>(solver, settings.base, settings.tool);
+  }
+  return Arm(std::make_shared<const Held>(std::move(held)));
+}
+
+Result<Arm> Arm::FromDescription(const ArmDescription& description, const ArmSettings& settings) {
+  const Result<Solver> solver = Solver::ClosedForm(description);
+  if (!solver) return solver.error();
+  return Held::Make(*solver, description, settings);
+}
+
+Result<Arm> Arm::FromSolver(const Solver& solver, const ArmSettings& settings) {
+  ArmDescription nothing_said;
+  nothing_said.name =
+      solver.path().empty() ? "arm" : std::filesystem::path(solver.path()).filename().string();
+  return Held::Make(solver, nothing_said, settings);
+}
+
+Arm Arm::Reference() { return *FromSolver(Solver::Reference(), ReferenceSettings()); }
+
+const std::string& Arm::name() const { return held_->name; }
+const std::array<JointModel, 6>& Arm::joints() const { return held_->joints; }
+Setting Arm::cycle_s() const { return held_->cycle_s; }
+const Transform& Arm::base() const { return held_->base; }
+const Transform& Arm::tool() const { return held_->tool; }
+const Solver& Arm::solver() const { return held_->solver; }
+
+const SolverFunctions& Arm::functions() const {
+  if (held_->mounted != nullptr) return *held_->mounted;
+  return held_->solver.functions();
+}
+
+}  // namespace qal

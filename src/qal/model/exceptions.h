@@ -1,0 +1,26 @@
+#ifndef QAL_MODEL_EXCEPTIONS_H_
+#define QAL_MODEL_EXCEPTIONS_H_
+
+#include <exception>
+
+#include "error.h"
+
+// Internal: what a solver throws becomes an error.
+namespace qal {
+
+/// Returns what `call` returns, or kSolverThrows.
+/// @param call returns a `Result`
+template <class Call>
+auto CatchingSolver(Call call) -> decltype(call()) {
+  try {
+    return call();
+  } catch (const std::exception& error) {
+    return Error{Reason::kSolverThrows, -1, 0, 0, error.what()};
+  } catch (...) {
+    return Error{Reason::kSolverThrows, -1, 0, 0, "something that is no std::exception"};
+  }
+}
+
+}  // namespace qal
+
+#endif  // QAL_MODEL_EXCEPTIONS_H_

@@ -1,0 +1,58 @@
+#ifndef QAL_MODEL_FRAMES_H_
+#define QAL_MODEL_FRAMES_H_
+
+#include <cmath>
+
+#include "../../../solver/closed_form/geometry.h"
+#include "pose.h"
+
+// Internal: the solving code's vectors and frames, and the way to them from the public ones, which
+// is a copy.
+namespace qal {
+
+using closed_form::Frame;
+using closed_form::kPi;
+using Vector3 = closed_form::Vector<double>;
+using Matrix3 = closed_form::Matrix<double>;
+
+constexpr Frame kIdentity = {{{{{1, 0, 0}}, {{0, 1, 0}}, {{0, 0, 1}}}}, {{0, 0, 0}}};
+
+inline Vector3 ToVector(const Vec3& v) { return {{v.x, v.y, v.z}}; }
+inline Vec3 FromVector(const Vector3& v) { return {v[0], v[1], v[2]}; }
+
+inline Frame ToFrame(const double* position, const double* rotation) {
+  const double* r = rotation;
+  return {{{{{r[0], r[1], r[2]}}, {{r[3], r[4], r[5]}}, {{r[6], r[7], r[8]}}}},
+          {{position[0], position[1], position[2]}}};
+}
+
+inline Frame ToFrame(const Transform& transform) {
+  const double position[] = {transform.position.x, transform.position.y, transform.position.z};
+  return ToFrame(position, transform.rotation);
+}
+
+inline Transform FromFrame(const Frame& frame) {
+  Transform transform;
+  for (int i = 0; i < 9; ++i) transform.rotation[i] = frame.rotation[i / 3][i % 3];
+  transform.position = FromVector(frame.position);
+  return transform;
+}
+
+/// `inner` as `outer` is seen from.
+inline Frame operator*(const Frame& outer, const Frame& inner) {
+  return {outer.rotation * inner.rotation, outer.position + outer.rotation * inner.position};
+}
+
+inline Frame Inverse(const Frame& frame) {
+  const Matrix3 rotation = Transposed(frame.rotation);
+  return {rotation, -1.0 * (rotation * frame.position)};
+}
+
+inline double Length(const Vector3& v) { return std::hypot(v[0], v[1], v[2]); }
+
+/// The rotation by an angle [rad] about a unit axis.
+Matrix3 RotationMatrix(const Vector3& axis, double angle);
+
+}  // namespace qal
+
+#endif  // QAL_MODEL_FRAMES_H_

@@ -1,0 +1,58 @@
+#include "solver.h"
+
+#include <filesystem>
+#include <system_error>
+
+#include "../../../solver/reference_arm.h"
+#include "closed_form_model.h"
+#include "closed_form_solver.h"
+#include "exceptions.h"
+#include "solver_library.h"
+
+namespace qal {
+
+struct Solver::Held {
+  std::string family;
+  std::string hash;
+  std::string path;
+  std::shared_ptr<const SolverFunctions> functions;
+};
+
+Result<Solver> Solver::Load(const std::string& path) {
+  return CatchingSolver([&]() -> Result<Solver> {
+    // The loader would look for a name without a slash in the system's folders.
+    std::error_code failed;
+    std::string absolute = std::filesystem::absolute(path, failed).string();
+    if (failed || path.empty()) absolute = "./" + path;
+    const auto library = std::make_shared<const SolverLibrary>(absolute);
+    if (const std::optional<Error> refusal = library->Refusal()) return *refusal;
+    return Solver(
+        std::make_shared<const Held>(Held{"libik.so", library->GeometryHash(), absolute, library}));
+  });
+}
+
+Result<Solver> Solver::ClosedForm(const ArmDescription& description) {
+  const std::optional<Model> model = MakeModel(description);
+  if (!model) return Error{Reason::kNoClosedForm};
+  return std::visit(
+      [&](const auto& geometry) {
+        using Functions = ClosedFormSolver<std::decay_t<decltype(geometry)>>;
+        return Solver(std::make_shared<const Held>(
+            Held{FamilyName(*model), HashOf(*model), "", std::make_shared<Functions>(geometry)}));
+      },
+      *model);
+}
+
+Solver Solver::Reference() {
+  using Functions = ClosedFormSolver<closed_form::SphericalWristArm>;
+  return Solver(std::make_shared<const Held>(
+      Held{FamilyName(reference_arm::kArm), reference_arm::kGeometryHash, "",
+           std::make_shared<Functions>(reference_arm::kArm)}));
+}
+
+const std::string& Solver::family() const { return held_->family; }
+const std::string& Solver::hash() const { return held_->hash; }
+const std::string& Solver::path() const { return held_->path; }
+const SolverFunctions& Solver::functions() const { return *held_->functions; }
+
+}  // namespace qal

@@ -1,0 +1,142 @@
+#include <functional>
+#include <limits>
+
+#include "../../src/qal/model/frames.h"
+#include "arms.h"
+
+namespace qal {
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kRadSPerRpm = 2 * kPi / 60;
+
+// A number, with a star where it is assumed.
+std::string Text(const Setting& setting) {
+  std::ostringstream text;
+  text << setting.value << (setting.described ? "" : "*");
+  return text.str();
+}
+
+std::string Text(const JointModel& joint) {
+  std::string text = joint.name;
+  for (const Setting& setting : {joint.lower_rad, joint.upper_rad, joint.velocity_rad_s,
+                                 joint.acceleration_rad_s2, joint.jerk_rad_s3, joint.gear_ratio}) {
+    text += ' ' + Text(setting);
+  }
+  return text;
+}
+
+// What is said of joint 3, and what it comes to: lower, upper, velocity, acceleration, jerk, gear
+// ratio. One degree of 170 is 0.0174533; pi rad/s is 30 rpm, a hundredth of 3000.
+TEST(Arm, TakesSettingsBeforeTheDescriptionBeforeWhatIsAssumed) {
+  const struct {
+    std::function<void(JointDescription&, JointSettings&)> say;
+    const char* expected;
+  } cases[] = {
+      {[](auto&, auto&) {}, "joint_3 -2.96706* 2.96706* 3.14159* 12.5664* 251.327* 100*"},
+      {[](auto& d, auto&) {
+         d.name = "elbow";
+         d.lower_rad = -1;
+         d.upper_rad = 6;
+         d.velocity_rad_s = 2 * kPi;
+       },
+       "elbow -1 6 6.28319 25.1327* 502.655* 50*"},
+      {[](auto& d, auto& s) {
+         d.lower_rad = -1;
+         d.velocity_rad_s = 2 * kPi;
+         s.lower_rad = -2;
+         s.velocity_rad_s = 4;
+         s.acceleration_rad_s2 = 20;
+         s.jerk_rad_s3 = 300;
+         s.gear_ratio = 60;
+       },
+       "joint_3 -2 2.96706* 4 20 300 60"},
+      // The motor, with its gear ratio: before the description.
+      {[](auto& d, auto& s) {
+         d.velocity_rad_s = 1;
+         s.gear_ratio = 50;
+         s.motor_speed_rpm = 1500;
+         s.motor_acceleration_rpm_s = 6000;
+       },
+       "joint_3 -2.96706* 2.96706* 3.14159 12.5664 251.327* 50"},
+      // The ratio is what takes the motor's speed to the described velocity; it is known then.
+      {[](auto& d, auto& s) {
+         d.velocity_rad_s = kPi;
+         s.motor_speed_rpm = 1500;
+         s.motor_acceleration_rpm_s = 6000;
+       },
+       "joint_3 -2.96706* 2.96706* 3.14159 12.5664 251.327* 50"},
+      {[](auto&, auto& s) { s.motor_acceleration_rpm_s = 6000; },
+       "joint_3 -2.96706* 2.96706* 3.14159* 6.28319* 125.664* 100*"},
+      {[](auto& d, auto&) { d.continuous = true; },
+       "joint_3 -inf inf 3.14159* 12.5664* 251.327* 100*"},
+      {[](auto& d, auto& s) {
+         d.continuous = true;
+         s.upper_rad = 7;
+       },
+       "joint_3 -inf 7 3.14159* 12.5664* 251.327* 100*"},
+  };
+  for (const auto& [say, expected] : cases) {
+    ArmDescription description = Describe("reference.urdf");
+    description.joints[2].name = "";
+    description.joints[2].lower_rad = description.joints[2].upper_rad = std::nullopt;
+    ArmSettings settings;
+    say(description.joints[2], settings.joints[2]);
+    const Arm arm = Arm::FromDescription(description, settings).value();
+    EXPECT_EQ(Text(arm.joints()[2]), expected);
+    EXPECT_EQ(Text(arm.cycle_s()) + arm.name(), "0.005*reference");
+  }
+}
+
+TEST(Arm, RefusesLimitsThatAreNone) {
+  const struct {
+    std::function<void(ArmSettings&, JointSettings&)> say;
+    Error expected;
+  } cases[] = {
+      {[](auto&, auto& j) { j.lower_rad = std::nan(""); },
+       {Reason::kLimits, 3, NAN, 0, "lower_rad"}},
+      {[](auto&, auto& j) { j.upper_rad = kInfinity; },
+       {Reason::kLimits, 3, kInfinity, 0, "upper_rad"}},
+      {[](auto&, auto& j) {
+         j.lower_rad = 1;
+         j.upper_rad = 0.5;
+       },
+       {Reason::kLimits, 3, 1, 0.5, "lower_rad"}},
+      {[](auto&, auto& j) { j.velocity_rad_s = 0; }, {Reason::kLimits, 3, 0, 0, "velocity_rad_s"}},
+      {[](auto&, auto& j) { j.gear_ratio = -3; }, {Reason::kLimits, 3, -3, 0, "gear_ratio"}},
+      {[](auto&, auto& j) { j.jerk_rad_s3 = NAN; }, {Reason::kLimits, 3, NAN, 0, "jerk_rad_s3"}},
+      {[](auto&, auto& j) { j.motor_speed_rpm = kInfinity; },
+       {Reason::kLimits, 3, kInfinity, 0, "motor_speed_rpm"}},
+      {[](auto& s, auto&) { s.cycle_s = 0; }, {Reason::kLimits, -1, 0, 0, "cycle_s"}},
+      {[](auto& s, auto&) { s.base.rotation[1] = 0.1; }, {Reason::kSetting, -1, 0, 0, "base"}},
+      {[](auto& s, auto&) { s.tool.position.z = NAN; }, {Reason::kSetting, -1, 0, 0, "tool"}},
+  };
+  for (const auto& [say, expected] : cases) {
+    ArmSettings settings;
+    say(settings, settings.joints[3]);
+    const Result<Arm> arm = Arm::FromSolver(Solver::Reference(), settings);
+    EXPECT_EQ(arm ? "an arm" : Text(arm.error()), Text(expected));
+  }
+}
+
+// The numbers that the fixed interface has for it.
+TEST(Arm, KnowsTheReferenceArmsMotors) {
+  const Arm arm = Arm::Reference();
+  EXPECT_EQ(Text(arm.cycle_s()), "0.005");
+  for (size_t j = 0; j < 6; ++j) {
+    const JointModel& joint = arm.joints()[j];
+    const double gear = j < 3 ? 363 : 303;
+    EXPECT_EQ(joint.lower_rad.value, -2.967059678);
+    EXPECT_EQ(joint.upper_rad.value, 2.967059678);
+    EXPECT_EQ(joint.gear_ratio.value, gear);
+    EXPECT_DOUBLE_EQ(joint.velocity_rad_s.value, 3000 * kRadSPerRpm / gear);
+    EXPECT_DOUBLE_EQ(joint.motor_speed_rpm(), 3000);
+    EXPECT_TRUE(joint.lower_rad.described && joint.upper_rad.described &&
+                joint.gear_ratio.described && joint.velocity_rad_s.described);
+    EXPECT_FALSE(joint.acceleration_rad_s2.described || joint.jerk_rad_s3.described);
+    EXPECT_DOUBLE_EQ(joint.acceleration_rad_s2.value, joint.velocity_rad_s.value / 0.25);
+  }
+}
+
+}  // namespace
+}  // namespace qal
