@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "../tools/common/files.h"
+#include "../io/files.h"
 #include "../tools/qal/trajectory_csv.h"
 
 namespace {
@@ -101,7 +101,7 @@ int main(int argc, char** argv) {
   }
   try {
     const Road road = PickAndPlace();
-    qal::tools::WriteFile(argv[1], qal::tools::ToCsv(qal::tools::FromWaypoints(road), true));
+    qal::io::WriteFile(argv[1], qal::tools::ToCsv(qal::tools::FromWaypoints(road), true));
     Summarise(road, argv[1]);
     return 0;
   } catch (const std::exception& error) {

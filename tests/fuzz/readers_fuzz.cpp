@@ -5,7 +5,7 @@
 #include "../../tools/arm/table.h"
 #include "../../tools/arm/units.h"
 #include "../../tools/arm/urdf.h"
-#include "../../tools/common/error.h"
+#include "../io/error.h"
 #include "../../tools/qal/trajectory_csv.h"
 #include "../../tools/qal/trajectory_json.h"
 #include "../../tools/qal/trajectory_ros.h"

@@ -9,7 +9,7 @@
 
 #include "../../solver/reference_arm.h"
 #include "../../tools/arm/table.h"
-#include "../../tools/common/files.h"
+#include "../io/files.h"
 #include "../solver/urdf_chain.h"
 
 namespace qal::tools {

@@ -3,10 +3,10 @@
 
 #include <string>
 
-#include "../../tools/common/error.h"
+#include "../io/error.h"
 
 /// The message with which `action` is refused.
-template <typename Error = qal::tools::UsageError, typename Action>
+template <typename Error = qal::io::UsageError, typename Action>
 std::string Refusal(Action action) {
   try {
     action();

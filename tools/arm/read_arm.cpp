@@ -7,13 +7,15 @@
 #include <filesystem>
 #include <sstream>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 #include "table.h"
 #include "units.h"
 #include "urdf.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 using nlohmann::json;
 

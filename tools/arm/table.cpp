@@ -7,10 +7,12 @@
 #include <cmath>
 #include <vector>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "units.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -4,10 +4,12 @@
 
 #include <cmath>
 
-#include "../common/error.h"
-#include "../common/numbers.h"
+#include "../../io/error.h"
+#include "../../io/numbers.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 double ExactAngle(double written) {
   const double multiple = std::round(written / (kPi / 12));

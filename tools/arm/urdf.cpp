@@ -5,12 +5,14 @@
 #include <sstream>
 #include <vector>
 
-#include "../common/error.h"
-#include "../common/numbers.h"
+#include "../../io/error.h"
+#include "../../io/numbers.h"
 #include "units.h"
 #include "urdf_tree.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <memory>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "checks.h"
 #include "elf_file.h"
 #include "jacobian.h"

@@ -7,8 +7,8 @@
 #include <fstream>
 #include <optional>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 
 namespace qal::ikcheck {
 
@@ -54,15 +54,15 @@ Elf64_Ehdr OwnHeader() {
 Elf64_Ehdr CheckedHeader(const std::string& path, const std::string& file) {
   const auto header = At<Elf64_Ehdr>(file, 0);
   if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0) {
-    throw tools::UsageError(path + ": not a shared library (no ELF file)");
+    throw io::UsageError(path + ": not a shared library (no ELF file)");
   }
   const Elf64_Ehdr own = OwnHeader();
   if (!SameMachine(*header, own)) {
-    throw tools::UsageError(fmt::format("{}: built for {}, this machine's programs are {}", path,
+    throw io::UsageError(fmt::format("{}: built for {}, this machine's programs are {}", path,
                                         MachineName(*header), MachineName(own)));
   }
   if (header->e_type != ET_DYN) {
-    throw tools::UsageError(
+    throw io::UsageError(
         fmt::format("{}: not a shared library but {}; link it with g++ -shared", path,
                     header->e_type == ET_REL ? "an object file" : "another kind of ELF file"));
   }
@@ -86,7 +86,7 @@ void AppendFunctions(const std::string& file, const Elf64_Shdr& table, const Elf
 }  // namespace
 
 std::vector<std::string> ExportedFunctions(const std::string& path) {
-  const std::string file = tools::ReadFile(path);
+  const std::string file = io::ReadFile(path);
   const Elf64_Ehdr header = CheckedHeader(path, file);
   const auto section = [&](size_t index) {
     return At<Elf64_Shdr>(file, header.e_shoff + index * sizeof(Elf64_Shdr));

@@ -6,9 +6,9 @@
 #include <sstream>
 
 #include "../arm/read_options.h"
-#include "../common/error.h"
-#include "../common/files.h"
-#include "../common/messages.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../../io/messages.h"
 #include "checks.h"
 
 namespace {
@@ -70,18 +70,18 @@ int Run(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     std::ostringstream text;
-    if (app.exit(error, text, text) != 0) throw tools::UsageError(error.what());
-    tools::WriteStandardOutput(text.str());
-    return tools::kDone;
+    if (app.exit(error, text, text) != 0) throw io::UsageError(error.what());
+    io::WriteStandardOutput(text.str());
+    return io::kDone;
   }
   if (!arguments.arm.empty()) {
     const tools::Arm arm = tools::ReadArm(arguments.arm, arguments.read);
     arguments.options.arm = [arm](const ikcheck::Joints& joints) { return Forward(arm, joints); };
   }
   const ikcheck::Report report = ikcheck::RunChecks(arguments.options);
-  tools::WriteStandardOutput(arguments.json ? report.JsonText() : report.Text());
+  io::WriteStandardOutput(arguments.json ? report.JsonText() : report.Text());
   const bool bad = arguments.strict ? report.HasFindings() : report.HasFaults();
-  return bad ? tools::kFailed : tools::kDone;
+  return bad ? io::kFailed : io::kDone;
 }
 
 }  // namespace
@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
   try {
     return Run(argc, argv);
   } catch (const std::exception& error) {  // what can't be used, and what the machine doesn't have
-    tools::SayOnError("ikcheck", error.what());
-    return tools::kBadUsage;
+    io::SayOnError("ikcheck", error.what());
+    return io::kBadUsage;
   }
 }

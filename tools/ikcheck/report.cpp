@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "../common/numbers.h"
+#include "../../io/numbers.h"
 
 namespace qal::ikcheck {
 
@@ -85,7 +85,7 @@ std::string Numbers(const Case& shown) {
   for (const auto& [name, values] : shown.numbers) {
     text += fmt::format("\n      {:9}", name);
     for (size_t i = 0; i < values.size(); ++i) {
-      text += fmt::format("{}{}", i == 0 ? "" : ", ", tools::FormatNumber(values[i]));
+      text += fmt::format("{}{}", i == 0 ? "" : ", ", io::FormatNumber(values[i]));
     }
   }
   return text;
@@ -146,7 +146,7 @@ Json Report::FindingJson(Finding finding) const {
   for (const auto& [name, values] : tally.worst.numbers) {
     for (const double value : values) {
       // JSON has no numbers for these.
-      shown[name].push_back(std::isfinite(value) ? Json(value) : Json(tools::FormatNumber(value)));
+      shown[name].push_back(std::isfinite(value) ? Json(value) : Json(io::FormatNumber(value)));
     }
   }
   json["case"] = shown;

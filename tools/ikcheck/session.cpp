@@ -4,7 +4,7 @@
 
 #include <cstring>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "measures.h"
 
 namespace qal::ikcheck {
@@ -83,7 +83,7 @@ void Session::Run(size_t count, const std::function<void(const Solver&, size_t)>
   } catch (const RunEnded&) {
   }
   if (failure[0].text[0] != '\0') {
-    throw tools::UsageError(fmt::format("cannot load {}", failure[0].text));
+    throw io::UsageError(fmt::format("cannot load {}", failure[0].text));
   }
   report.Judge(Finding::kPrints, printed.text.empty(), [&] {
     return case_of(printed.step, fmt::format("wrote \"{}\"", printed.text.substr(0, 200)));

@@ -12,12 +12,14 @@
 #include <sstream>
 #include <vector>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 
 extern char** environ;
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

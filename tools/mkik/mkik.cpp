@@ -7,9 +7,9 @@
 
 #include "../arm/described.h"
 #include "../arm/read_options.h"
-#include "../common/error.h"
-#include "../common/files.h"
-#include "../common/messages.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../../io/messages.h"
 #include "build.h"
 #include "family_text.h"
 #include "source.h"
@@ -19,6 +19,7 @@
 namespace {
 
 using namespace qal::tools;
+using namespace qal::io;
 using qal::ArmDescription;
 using qal::Model;
 

@@ -5,10 +5,12 @@
 
 #include <sstream>
 
-#include "../common/numbers.h"
+#include "../../io/numbers.h"
 #include "solver_texts.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

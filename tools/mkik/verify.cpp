@@ -9,9 +9,11 @@
 
 #include "../../src/qal/model/chain.h"
 #include "../../src/qal/model/frames.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

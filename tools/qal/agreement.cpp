@@ -4,9 +4,11 @@
 #include <cmath>
 
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 RoadPoint AtJoints(const Joints& joints) {
   RoadPoint point;

@@ -10,11 +10,13 @@
 
 #include "../../src/kinematics/solve/arm_numbers.h"
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
-#include "../common/messages.h"
-#include "../common/numbers.h"
+#include "../../io/error.h"
+#include "../../io/messages.h"
+#include "../../io/numbers.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

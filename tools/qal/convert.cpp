@@ -3,16 +3,18 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 #include "../common/library_lines.h"
-#include "../common/numbers.h"
+#include "../../io/numbers.h"
 #include "commands.h"
 #include "trajectory_csv.h"
 #include "trajectory_file.h"
 #include "trajectory_json.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

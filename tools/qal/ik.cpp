@@ -8,15 +8,17 @@
 #include "../../src/kinematics/solve/inverse.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "../common/library_lines.h"
-#include "../common/messages.h"
+#include "../../io/messages.h"
 #include "agreement.h"
 #include "commands.h"
 #include "output.h"
 #include "solutions.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -6,13 +6,15 @@
 
 #include "../../src/kinematics/solve/inverse.h"
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
 #include "commands.h"
 #include "output.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -5,11 +5,13 @@
 
 #include "../../src/kinematics/trajectory/joint_move.h"
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "commands.h"
 #include "move.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

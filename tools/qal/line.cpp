@@ -1,12 +1,14 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "commands.h"
 #include "line_plan.h"
 #include "move.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -8,12 +8,14 @@
 
 #include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "agreement.h"
 #include "differences.h"
 #include "solutions.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 RoadPoint LastPrintedPoint(const std::string& text) {
   const size_t start = text.rfind("position [m]:");

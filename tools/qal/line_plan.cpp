@@ -9,14 +9,16 @@
 #include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "../common/library_lines.h"
-#include "../common/numbers.h"
+#include "../../io/numbers.h"
 #include "differences.h"
 #include "line_failure.h"
 #include "solutions.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

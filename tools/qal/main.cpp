@@ -5,9 +5,9 @@
 #include <new>
 #include <sstream>
 
-#include "../common/error.h"
-#include "../common/files.h"
-#include "../common/messages.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../../io/messages.h"
 #include "arguments.h"
 #include "commands.h"
 #include "solver_check.h"
@@ -15,6 +15,7 @@
 namespace {
 
 using namespace qal::tools;
+using namespace qal::io;
 
 void Describe(CLI::App& app) {
   app.name("qal");

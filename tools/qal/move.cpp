@@ -6,7 +6,7 @@
 #include <algorithm>
 
 #include "../../src/kinematics/solve/solution_choice.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
 #include "differences.h"
@@ -15,6 +15,8 @@
 #include "trajectory_json.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 double Move::Length() const { return Distance(start.position, end.position); }
 

@@ -5,11 +5,13 @@
 #include <CLI/CLI.hpp>
 #include <cmath>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 #include "trajectory_csv.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 void Output::AddTo(CLI::App& command) {
   command.add_flag("--json", json_, "JSON instead of the table, always in rad and m");

@@ -5,13 +5,15 @@
 
 #include "../../src/kinematics/trajectory/straight_line.h"
 #include "../../src/kinematics/ikfunc.h"
-#include "../common/error.h"
-#include "../common/messages.h"
+#include "../../io/error.h"
+#include "../../io/messages.h"
 #include "differences.h"
 #include "line_failure.h"
 #include "line_plan.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

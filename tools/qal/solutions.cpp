@@ -9,13 +9,15 @@
 #include "../../src/kinematics/ikfunc.h"
 #include "../../src/kinematics/solve/solution_choice.h"
 #include "../../src/kinematics/solve/solver_query.h"
-#include "../common/error.h"
-#include "../common/messages.h"
+#include "../../io/error.h"
+#include "../../io/messages.h"
 #include "agreement.h"
 #include "output.h"
 #include "solver_check.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

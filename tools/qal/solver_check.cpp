@@ -4,9 +4,11 @@
 #include <fmt/format.h>
 
 #include "../../src/kinematics/ikfast.h"
-#include "../common/error.h"
+#include "../../io/error.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

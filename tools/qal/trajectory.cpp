@@ -4,10 +4,12 @@
 
 #include <algorithm>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 #include "agreement.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 Trajectory FromWaypoints(const std::vector<RoadPoint>& points) {
   Trajectory trajectory;

@@ -6,11 +6,13 @@
 #include <array>
 #include <string_view>
 
-#include "../common/error.h"
-#include "../common/numbers.h"
+#include "../../io/error.h"
+#include "../../io/numbers.h"
 #include "differences.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

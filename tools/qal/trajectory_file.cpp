@@ -6,12 +6,14 @@
 #include <filesystem>
 #include <set>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 #include "trajectory_csv.h"
 #include "trajectory_json.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 const std::vector<std::string> kFormatNames = {"csv", "json", "ros"};
 

@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <array>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

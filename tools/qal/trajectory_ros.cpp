@@ -6,12 +6,14 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 
-#include "../common/error.h"
-#include "../common/numbers.h"
+#include "../../io/error.h"
+#include "../../io/numbers.h"
 #include "differences.h"
 #include "yaml_document.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

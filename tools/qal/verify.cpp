@@ -5,8 +5,8 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "../common/error.h"
-#include "../common/files.h"
+#include "../../io/error.h"
+#include "../../io/files.h"
 #include "../common/library_lines.h"
 #include "arguments.h"
 #include "commands.h"
@@ -15,6 +15,8 @@
 #include "trajectory_file.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

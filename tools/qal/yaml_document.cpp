@@ -5,9 +5,11 @@
 #include <algorithm>
 #include <new>
 
-#include "../common/error.h"
+#include "../../io/error.h"
 
 namespace qal::tools {
+
+using namespace io;
 
 namespace {
 

@@ -1,10 +1,10 @@
-#ifndef QAL_TOOLS_COMMON_NUMBERS_H_
-#define QAL_TOOLS_COMMON_NUMBERS_H_
+#ifndef QAL_IO_NUMBERS_H_
+#define QAL_IO_NUMBERS_H_
 
 #include <string>
 #include <string_view>
 
-namespace qal::tools {
+namespace qal::io {
 
 /// The whole of `text` as a finite decimal number, whatever the locale.
 /// @param where what stands before the message, such as "--joints, value 3" or "file.csv, line 7"
@@ -18,6 +18,6 @@ int ParseWhole(std::string_view text, const std::string& where, int least, int m
 /// The shortest decimal text that reads back to the same double.
 std::string FormatNumber(double value);
 
-}  // namespace qal::tools
+}  // namespace qal::io
 
-#endif  // QAL_TOOLS_COMMON_NUMBERS_H_
+#endif  // QAL_IO_NUMBERS_H_

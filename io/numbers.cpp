@@ -7,7 +7,7 @@
 
 #include "error.h"
 
-namespace qal::tools {
+namespace qal::io {
 
 double ParseNumber(std::string_view text, const std::string& where) {
   // from_chars takes a leading minus, but no plus.
@@ -40,4 +40,4 @@ int ParseWhole(std::string_view text, const std::string& where, int least, int m
 
 std::string FormatNumber(double value) { return fmt::format("{}", value); }
 
-}  // namespace qal::tools
+}  // namespace qal::io

@@ -4,7 +4,7 @@
 #include <cctype>
 #include <cstdio>
 
-namespace qal::tools {
+namespace qal::io {
 
 void Note(const std::string& text) { SayOnError("note", text); }
 
@@ -18,4 +18,4 @@ void SayOnError(const std::string& who, const std::string& text) {
   (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
-}  // namespace qal::tools
+}  // namespace qal::io

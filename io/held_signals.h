@@ -1,9 +1,9 @@
-#ifndef QAL_TOOLS_COMMON_HELD_SIGNALS_H_
-#define QAL_TOOLS_COMMON_HELD_SIGNALS_H_
+#ifndef QAL_IO_HELD_SIGNALS_H_
+#define QAL_IO_HELD_SIGNALS_H_
 
 #include <csignal>
 
-namespace qal::tools {
+namespace qal::io {
 
 /// While one lives, the signals that ask a program to stop wait: Ctrl-C, a closed terminal, `kill`.
 class HeldSignals {
@@ -22,6 +22,6 @@ class HeldSignals {
   sigset_t before_;
 };
 
-}  // namespace qal::tools
+}  // namespace qal::io
 
-#endif  // QAL_TOOLS_COMMON_HELD_SIGNALS_H_
+#endif  // QAL_IO_HELD_SIGNALS_H_

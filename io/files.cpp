@@ -13,7 +13,7 @@
 #include "error.h"
 #include "held_signals.h"
 
-namespace qal::tools {
+namespace qal::io {
 
 namespace {
 
@@ -115,4 +115,4 @@ void WriteStandardOutput(std::string_view content) {
   if (error != 0 && error != EPIPE) Fail("write", "standard output", error);
 }
 
-}  // namespace qal::tools
+}  // namespace qal::io

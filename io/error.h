@@ -1,9 +1,9 @@
-#ifndef QAL_TOOLS_COMMON_ERROR_H_
-#define QAL_TOOLS_COMMON_ERROR_H_
+#ifndef QAL_IO_ERROR_H_
+#define QAL_IO_ERROR_H_
 
 #include <stdexcept>
 
-namespace qal::tools {
+namespace qal::io {
 
 // Exit statuses of every command.
 constexpr int kDone = 0;
@@ -23,6 +23,6 @@ class UsageError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-}  // namespace qal::tools
+}  // namespace qal::io
 
-#endif  // QAL_TOOLS_COMMON_ERROR_H_
+#endif  // QAL_IO_ERROR_H_

@@ -1,10 +1,10 @@
-#ifndef QAL_TOOLS_COMMON_FILES_H_
-#define QAL_TOOLS_COMMON_FILES_H_
+#ifndef QAL_IO_FILES_H_
+#define QAL_IO_FILES_H_
 
 #include <string>
 #include <string_view>
 
-namespace qal::tools {
+namespace qal::io {
 
 /// Lets a write that can't go on say so (a closed pipe, a limit on file sizes), where otherwise a
 /// signal ends the process. Before the first of these.
@@ -27,6 +27,6 @@ void WriteFile(const std::string& path, std::string_view content);
 /// @throw UsageError "cannot write standard output: REASON"
 void WriteStandardOutput(std::string_view content);
 
-}  // namespace qal::tools
+}  // namespace qal::io
 
-#endif  // QAL_TOOLS_COMMON_FILES_H_
+#endif  // QAL_IO_FILES_H_

@@ -1,9 +1,9 @@
-#ifndef QAL_TOOLS_COMMON_MESSAGES_H_
-#define QAL_TOOLS_COMMON_MESSAGES_H_
+#ifndef QAL_IO_MESSAGES_H_
+#define QAL_IO_MESSAGES_H_
 
 #include <string>
 
-namespace qal::tools {
+namespace qal::io {
 
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
@@ -12,6 +12,6 @@ void Note(const std::string& text);
 /// among them, become blanks.
 void SayOnError(const std::string& who, const std::string& text);
 
-}  // namespace qal::tools
+}  // namespace qal::io
 
-#endif  // QAL_TOOLS_COMMON_MESSAGES_H_
+#endif  // QAL_IO_MESSAGES_H_
