@@ -80,6 +80,8 @@ TEST(Nearest, IsRefusedByTheFirstJointThatMayNotAndSaysByWhat) {
       {-1, 1, 0.75, 0.25 + 1e-9, {}},
       // 0.5 - 2 pi is within, 0.5 is nearer; then the other way round; then neither is within.
       {-6, 1, 0.75, kInfinity, {}},
+      {12, 18, 0.75, kInfinity, {}},    // only 0.5 + 4 pi
+      {-18, -12, 0.75, kInfinity, {}},  // only 0.5 - 4 pi
       {-6, 0.25, 0.5, 6, {Reason::kStepBound, 1, 2 * kPi, 6}},
       {-5, 0.25, 0.5, kInfinity, {Reason::kJointRange, 1, 0.5, 0.25}},
       {-5.75, -1, -5, kInfinity, {Reason::kJointRange, 1, 0.5 - 2 * kPi, -5.75}},

@@ -44,6 +44,7 @@ Error MissingFunction(void* library, const std::string& name) {
 SolverLibrary::SolverLibrary(const std::string& path)
     : library_(::dlopen(path.c_str(), OpenMode())) {
   if (library_ == nullptr) {
+    // The C library keeps it for each thread. NOLINTNEXTLINE(concurrency-mt-unsafe)
     const char* const reason = ::dlerror();
     load_error_ = reason != nullptr ? reason : path;
     return;
