@@ -3,7 +3,7 @@
 
 BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
               libyaml-dev nlohmann-json3-dev
-BENCH_DEPS := libbenchmark-dev liborocos-kdl-dev python3 valgrind
+BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 valgrind
 TEST_DEPS := libgtest-dev pkg-config abigail-tools clang clang-tidy cppcheck $(BENCH_DEPS)
 
 # What the reference arm can do, and how far a point's joints may be off its pose.
@@ -18,11 +18,18 @@ SECONDS ?= 60
 
 ## Builds, and runs the main job.
 demo: build-deps
-	cmake --preset release
-	cmake --build --preset release
-	mkdir -p out
-	build/release/bin/02_pick_and_place out/pick_and_place.csv
-	build/release/bin/qal verify out/pick_and_place.csv $(DEMO_LIMITS)
+	@packaging/quietly "Configuring build/release" cmake --preset release
+	@packaging/quietly "Building, for some minutes" cmake --build --preset release
+	@mkdir -p out
+	@build/release/bin/02_pick_and_place out/pick_and_place.csv
+	@build/release/bin/qal verify out/pick_and_place.csv $(DEMO_LIMITS)
+	@echo
+	@echo "Made: the libraries in build/release/lib, the tools in build/release/bin, and"
+	@echo "out/pick_and_place.csv, a pick and place of the reference arm that keeps its limits."
+	@echo "Three things to try next:"
+	@echo "  build/release/bin/qal ik --all --pose 0.35 0 0.7 0 0 1 0 --near 0 0 0 0 0 0"
+	@echo "  build/release/bin/qal verify out/pick_and_place.csv --max-motor-rpm 1000"
+	@echo "  build/release/bin/mkik arms/foundry_spherical.urdf -o out/libik.so"
 
 ## Builds and runs every test, plain and under the address and undefined-behaviour sanitizers, static
 ## analysis with them.
@@ -87,13 +94,13 @@ valgrind: test-deps
 	done
 
 build-deps:
-	packaging/install-deps $(BUILD_DEPS)
+	@packaging/install-deps $(BUILD_DEPS)
 
 test-deps:
-	packaging/install-deps $(BUILD_DEPS) $(TEST_DEPS)
+	@packaging/install-deps $(BUILD_DEPS) $(TEST_DEPS)
 
 bench-deps:
-	packaging/install-deps $(BUILD_DEPS) $(BENCH_DEPS)
+	@packaging/install-deps $(BUILD_DEPS) $(BENCH_DEPS)
 
 clean:
 	rm -rf build out

@@ -9,6 +9,10 @@ target_compile_options(
             -ffp-contract=off
             # A square root is one instruction; nobody looks at errno after it.
             -fno-math-errno
+            # What is built is the same in every folder, but for a debug build, whose debugger looks
+            # for the sources.
+            $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.>
+            $<$<NOT:$<CONFIG:Debug>>:-ffile-prefix-map=${PROJECT_BINARY_DIR}=.>
             $<$<BOOL:${QAL_WARNINGS_AS_ERRORS}>:-Werror>)
 
 # Only what the linker map names leaves a library.
@@ -18,10 +22,9 @@ function(qal_export_only target map)
   target_link_options(${target} PRIVATE -Wl,--version-script=${map})
 endfunction()
 
-# Finds a package that the machine has to have, or says how to get it.
-macro(qal_require package debian)
-  find_package(${package} QUIET)
-  if(NOT ${package}_FOUND)
-    message(FATAL_ERROR "${package} is missing. Debian: sudo apt-get install ${debian}")
-  endif()
-endmacro()
+# Both where it is built and where it is installed, what `target` needs is found from where it lies.
+function(qal_find_libraries_at target)
+  list(REMOVE_DUPLICATES ARGN)
+  set_target_properties(${target} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "${ARGN}")
+  target_link_options(${target} PRIVATE -Wl,--enable-new-dtags)
+endfunction()

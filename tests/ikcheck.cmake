@@ -7,22 +7,20 @@ function(qal_ikcheck_library name source)
   set_target_properties(${name} PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
 endfunction()
 
-qal_ikcheck_library(faulty_solver ikcheck/faulty_solver.cpp)
+qal_ikcheck_library(faulty_solver support/faulty_solver.cpp)
 qal_ikcheck_library(plain_names ikcheck/odd_names.cpp PLAIN_NAMES)
 qal_ikcheck_library(single_precision ikcheck/odd_names.cpp SINGLE_PRECISION)
 qal_ikcheck_library(other_namespace ikcheck/odd_names.cpp OTHER_NAMESPACE)
 qal_ikcheck_library(wants_missing ikcheck/odd_names.cpp WANTS_MISSING)
 
-add_executable(qal_ikcheck_test ikcheck/command_test.cpp ikcheck/elf_file_test.cpp ikcheck/ikcheck_test.cpp
-                                ikcheck/jacobian_test.cpp ikcheck/report_test.cpp
-                                ikcheck/sandbox_test.cpp)
-target_compile_definitions(
+qal_test_program(
   qal_ikcheck_test
-  PRIVATE QAL_IKCHECK="$<TARGET_FILE:ikcheck>" QAL_SOUND_SOLVER="$<TARGET_FILE:ik>"
-          QAL_FAULTY_SOLVER="$<TARGET_FILE:faulty_solver>"
-          QAL_OBJECT_FILE="$<TARGET_OBJECTS:wants_missing>"
-          QAL_LIBRARIES="${CMAKE_CURRENT_BINARY_DIR}" QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms")
-target_link_libraries(qal_ikcheck_test PRIVATE qal_ikcheck GTest::gtest_main)
-add_dependencies(qal_ikcheck_test ikcheck ik faulty_solver plain_names single_precision
-                 other_namespace wants_missing)
-gtest_discover_tests(qal_ikcheck_test)
+  SOURCES ikcheck/command_test.cpp ikcheck/elf_file_test.cpp ikcheck/ikcheck_test.cpp
+          ikcheck/jacobian_test.cpp ikcheck/report_test.cpp ikcheck/sandbox_test.cpp
+  LIBRARIES qal_ikcheck
+  DEFINITIONS QAL_IKCHECK="$<TARGET_FILE:ikcheck>" QAL_SOUND_SOLVER="$<TARGET_FILE:ik>"
+              QAL_FAULTY_SOLVER="$<TARGET_FILE:faulty_solver>"
+              QAL_OBJECT_FILE="$<TARGET_OBJECTS:wants_missing>"
+              QAL_LIBRARIES="${CMAKE_CURRENT_BINARY_DIR}"
+              QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  NEEDS ikcheck ik faulty_solver plain_names single_precision other_namespace wants_missing)

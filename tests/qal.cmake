@@ -1,6 +1,5 @@
 # The core: against the solver libraries that mkik makes of the arms of arms/, and solvers built
 # elsewhere.
-qal_require(Eigen3 libeigen3-dev)
 
 set(arm_libraries)
 file(GLOB arms CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/arms/*.*)
@@ -16,29 +15,19 @@ foreach(arm ${arms})
   list(APPEND arm_libraries ${library})
 endforeach()
 
-# Solvers without a linker map: the gantry of foreign.cmake, and one whose own class has a namesake
-# in the test program.
-qal_foreign_solver(gantry ${CMAKE_CXX_COMPILER} -O0 -I ${foreign})
-set(namesake ${CMAKE_CURRENT_BINARY_DIR}/qal/namesake/libik.so)
-add_custom_command(
-  OUTPUT ${namesake}
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${CMAKE_CURRENT_BINARY_DIR}/qal/namesake
-  COMMAND ${CMAKE_CXX_COMPILER} -std=c++17 -O0 -fPIC -shared -I ${foreign}
-          ${CMAKE_CURRENT_SOURCE_DIR}/qal/namesake_solver.cpp -o ${namesake}
-  DEPENDS qal/namesake_solver.cpp ${interface} VERBATIM)
-add_custom_target(qal_solver_libraries DEPENDS ${arm_libraries} ${namesake})
+# A solver without a linker map, whose own class has a namesake in the test program.
+qal_foreign_solver(namesake ${CMAKE_CURRENT_SOURCE_DIR}/qal/namesake_solver.cpp
+                   ${CMAKE_CXX_COMPILER} -O0)
+add_custom_target(qal_solver_libraries DEPENDS ${arm_libraries})
 
-add_executable(qal_core_test qal/arm_test.cpp qal/inverse_test.cpp qal/kinematics_test.cpp
-                             qal/solver_test.cpp)
-target_compile_definitions(
+qal_test_program(
   qal_core_test
-  PRIVATE QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_REFERENCE_SOLVER="$<TARGET_FILE:ik>"
-          QAL_ARM_LIBRARIES="${CMAKE_CURRENT_BINARY_DIR}/qal" QAL_FOREIGN_LIBRARIES="${foreign}"
-          QAL_PLAIN_NAMES="$<TARGET_FILE:plain_names>")
-target_link_libraries(qal_core_test PRIVATE qal_build_options qal_static qal_tools_arm
-                                            Eigen3::Eigen GTest::gtest_main)
-add_dependencies(qal_core_test qal_solver_libraries qal_foreign_gantry qal_foreign_without_forward
-                 plain_names ik)
+  SOURCES qal/arm_test.cpp qal/inverse_test.cpp qal/kinematics_test.cpp qal/solver_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_REFERENCE_SOLVER="$<TARGET_FILE:ik>"
+              QAL_ARM_LIBRARIES="${CMAKE_CURRENT_BINARY_DIR}/qal" QAL_FOREIGN_LIBRARIES="${foreign}"
+              QAL_PLAIN_NAMES="$<TARGET_FILE:plain_names>"
+  LIBRARIES qal_static qal_tools_arm Eigen3::Eigen
+  NEEDS qal_solver_libraries qal_foreign_here qal_foreign_namesake qal_foreign_without_forward
+        plain_names ik)
 # It defines the solver's functions itself, and the solvers' own classes, for all to see.
 set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
-gtest_discover_tests(qal_core_test)

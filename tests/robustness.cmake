@@ -4,9 +4,6 @@ add_library(qal_robustness STATIC robustness/operations.cpp robustness/stand_ins
 target_include_directories(qal_robustness PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_link_libraries(qal_robustness PUBLIC qal_build_options QAL_kinematics ${CMAKE_DL_LIBS})
 
-add_executable(qal_robustness_test robustness/robustness_test.cpp)
-target_include_directories(qal_robustness_test PRIVATE support)
-target_link_libraries(qal_robustness_test PRIVATE qal_robustness GTest::gtest_main)
+qal_test_program(qal_robustness_test SOURCES robustness/robustness_test.cpp LIBRARIES qal_robustness)
 # Its ikfast functions and its operator new take the place of the libraries'.
 set_target_properties(qal_robustness_test PROPERTIES ENABLE_EXPORTS ON)
-gtest_discover_tests(qal_robustness_test)

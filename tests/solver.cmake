@@ -1,4 +1,10 @@
-add_executable(qal_solver_test solver/reference_solver_test.cpp)
+qal_test_program(qal_solver_test SOURCES solver/reference_solver_test.cpp LIBRARIES ik)
 target_include_directories(qal_solver_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(qal_solver_test PRIVATE qal_build_options ik GTest::gtest_main)
-gtest_discover_tests(qal_solver_test)
+
+# What it solves: random poses, singular ones and beside them, against its forward kinematics and
+# that of the arm's description.
+if(QAL_BUILD_TOOLS)
+  add_test(NAME ReferenceSolver.IsSound
+           COMMAND ikcheck $<TARGET_FILE:ik> --strict --urdf
+                   ${PROJECT_SOURCE_DIR}/arms/reference.urdf)
+endif()

@@ -1,6 +1,10 @@
 #ifndef QAL_KINEMATICS_IKFAST_H_
 #define QAL_KINEMATICS_IKFAST_H_
 
+#if __cplusplus < 201703L
+#error "the solver interface needs C++17 or later: compile with -std=c++17"
+#endif
+
 #include <cstddef>
 #include <list>
 #include <stdexcept>

@@ -1,15 +1,45 @@
 #include <cstring>
 #include <iostream>
+#include <type_traits>
 
 #include "waypoints.h"
 
 // Binary interface: callers built earlier rely on sizes, offsets and on how each type is passed by
 // value (a copy that isn't trivial goes by reference).
-static_assert(sizeof(Pos) == 24 && sizeof(Roz) == 24 && sizeof(Ori) == 32);
-static_assert(sizeof(RoadPoint) == 112 && offsetof(RoadPoint, ik_flag) == 104);
+static_assert(sizeof(Pos) == 24 && offsetof(Pos, y) == 8 && offsetof(Pos, z) == 16);
+static_assert(sizeof(Roz) == 24 && offsetof(Roz, y) == 8 && offsetof(Roz, z) == 16);
+static_assert(sizeof(Ori) == 32 && offsetof(Ori, x) == 8 && offsetof(Ori, z) == 24);
+static_assert(sizeof(RoadPoint) == 112 && offsetof(RoadPoint, orientation) == 24);
+static_assert(offsetof(RoadPoint, jointpos) == 56 && offsetof(RoadPoint, ik_flag) == 104);
 static_assert(std::is_trivially_copyable_v<Ori> && std::is_trivially_copyable_v<Roz>);
 static_assert(!std::is_trivially_copy_constructible_v<Pos>);
 static_assert(!std::is_trivially_copy_constructible_v<RoadPoint>);
+
+// Results: no part of the exported names.
+template <typename Result, typename... Results>
+constexpr bool kAllAre = (std::is_same_v<Result, Results> && ...);
+using I = Ikfunc;
+extern RoadPoint p;
+extern double* q;
+extern std::vector<RoadPoint>* road;
+static_assert(
+    kAllAre<bool, decltype(I::ArmFk(p.position, p.orientation, q)), decltype(I::ArmFk(p)),
+            decltype(I::ArmIk(p, q)), decltype(I::ArmIk(p)), decltype(I::ArmIk(p, 1, 1, 1.0, p)),
+            decltype(I::ChekcArmPointok(p)), decltype(I::ArmCheckAndCountSimilarIk(p)),
+            decltype(I::ArmJointIk(p, q, 1.0)), decltype(I::ArmJointIk(p, p, 1.0)),
+            decltype(I::ArmLineMoveIk(p, p.position, q, 1.0)), decltype(p == p),
+            decltype(I::CountLineToBuffer(p, p, 1, &p, 1)),
+            decltype(I::CountLineToBuffer(p, p, road, 1)),
+            decltype(I::CountCurveLineToBuffer(p, p, 1, &p)),
+            decltype(I::CountCurvelLineToBuffer(p, p, road, 1)),
+            decltype(I::CountRunCurvelLineToBuffer(p, p, road, 1, 1)),
+            decltype(I::PositionCompare(p, p, 1, 1)), decltype(I::JointCompare(p, p, 1))>);
+static_assert(
+    kAllAre<int, decltype(I::CountLineSize(p, p, 1)), decltype(I::CountLineToBuffer(p, p, 1.0, &p)),
+            decltype(I::CountSRunCurvelLineToBuffer(p, p, road, 1, 1, 1, 1)),
+            decltype(I::CountCurvelLineSize(p, p, 1)),
+            decltype(I::CountRunCurvelLineSize(p, p, 1, 1))>);
+static_assert(kAllAre<double, decltype(I::SectionNum(1.0))>);
 
 namespace {
 

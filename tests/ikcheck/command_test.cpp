@@ -9,13 +9,13 @@ using namespace qal::ikcheck;
 using IkcheckCommand = InOwnFolder;
 
 ToolRun Ikcheck(const std::string& arguments, const std::string& fault = "none") {
-  return Shell("FAULT='" + fault + "' " QAL_IKCHECK " " + arguments);
+  return Shell("QAL_FOREIGN_FAULT='" + fault + "' " QAL_IKCHECK " " + arguments);
 }
 
 const std::string kFaulty = QAL_FAULTY_SOLVER " --poses 300 ";
 
 TEST_F(IkcheckCommand, TellsByItsExitStatusWhatItFound) {
-  EXPECT_EQ(Ikcheck(QAL_SOUND_SOLVER " --strict").status, 0);
+  EXPECT_EQ(Ikcheck(QAL_SOUND_SOLVER " --poses 300 --strict").status, 0);
   EXPECT_EQ(Ikcheck(kFaulty, "minus pi").status, 0);
   EXPECT_EQ(Ikcheck(kFaulty + "--strict", "minus pi").status, 1);
   EXPECT_EQ(Ikcheck(kFaulty, "true").status, 1);

@@ -14,6 +14,8 @@ class IkSolutionListBase;
 #if defined(SINGLE_PRECISION)
 bool ComputeIk TAKES(float) { return false; }
 void ComputeFk(const float*, float*, float*) {}
+#elif defined(WITHOUT_FORWARD)
+bool ComputeIk TAKES(double) { return false; }
 #elif defined(WANTS_MISSING)
 void ComputeFk(const double*, double*, double*) { NowhereDefined(); }
 #endif

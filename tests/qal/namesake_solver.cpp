@@ -1,4 +1,4 @@
-#include "ikfast.h"
+#include "kinematics/ikfast.h"
 
 // A solver whose own class is exported, with the name of a class that the test program has as well.
 // Its poses show which of the two answers.

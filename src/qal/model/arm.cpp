@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "../../kinematics/solve/arm_numbers.h"
 #include "joint_model.h"
 #include "mounted_solver.h"
 
@@ -41,18 +42,16 @@ bool IsFrame(const Transform& transform) {
 
 // What the settings say of the reference arm: arms/reference.urdf, and its motors.
 ArmSettings ReferenceSettings() {
-  constexpr double kLimitRad = 2.967059678;  // 170 degrees, at the digits that the arm holds
-  constexpr double kMotorSpeedRpm = 3000;
   ArmSettings settings;
   settings.name = "reference";
   for (size_t j = 0; j < settings.joints.size(); ++j) {
     JointSettings& joint = settings.joints[j];
-    joint.lower_rad = -kLimitRad;
-    joint.upper_rad = kLimitRad;
-    joint.gear_ratio = j < 3 ? 363 : 303;
-    joint.motor_speed_rpm = kMotorSpeedRpm;
+    joint.lower_rad = kReferenceNumbers.range[j].lower;
+    joint.upper_rad = kReferenceNumbers.range[j].upper;
+    joint.gear_ratio = kReferenceNumbers.gear_ratio[j];
+    joint.motor_speed_rpm = kReferenceNumbers.full_speed_rpm[j];
   }
-  settings.cycle_s = kAssumedCycleS;
+  settings.cycle_s = kReferenceNumbers.cycle_s;
   return settings;
 }
 

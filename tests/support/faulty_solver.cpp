@@ -1,5 +1,7 @@
-// The reference arm's solver with one fault, which the environment variable FAULT names: none, and
-// it is sound.
+// The reference arm's solver with one fault, which the environment variable QAL_FOREIGN_FAULT
+// names: none, and it is sound. Built elsewhere too: by other compilers, with a copy of the
+// interface header of its own, and without a linker map, so that its instantiations of the
+// containers are exported.
 
 #include <sched.h>
 
@@ -9,6 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <iostream>
+#include <new>
 #include <numeric>
 #include <stdexcept>
 #include <vector>
@@ -24,17 +28,22 @@ using List = ikfast::IkSolutionListBase<double>;
 using Entry = ikfast::IkSingleDOFSolutionBase<double>;
 
 bool Is(const char* fault) {
-  static const char* const chosen = std::getenv("FAULT");
+  const char* const chosen = std::getenv("QAL_FOREIGN_FAULT");
   return chosen != nullptr && std::strcmp(chosen, fault) == 0;
 }
 
 // Faults that show in how a call ends. Only poses low in front have them.
 void Misbehave(const double* eetrans, List& list) {
-  if (!(eetrans[0] > 0.2 && eetrans[2] < 0.3)) return;
+  if (!(eetrans[0] > 0.05 && eetrans[2] < 0.35)) return;
   if (Is("crash")) (void)std::raise(SIGSEGV);
   if (Is("exit")) std::_Exit(3);
-  if (Is("throw")) throw std::runtime_error("no way");
-  if (Is("print")) std::puts("solving");
+  if (Is("throws")) throw std::runtime_error("no\nway");
+  if (Is("throws an int")) throw 42;
+  if (Is("has no memory")) throw std::bad_alloc();
+  if (Is("prints")) {
+    std::puts("solver by printf");
+    std::cout << "solver by stream" << std::endl;
+  }
   while (Is("hang")) {
   }
   while (Is("endless")) (void)list.AddSolution(std::vector<Entry>(6), {});
@@ -72,7 +81,7 @@ void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
   if (Is("miss") && front) solutions.resize(1);
   if (Is("miss near 0")) Drop(solutions, 1e-9, 1e-4);
   if (Is("miss at 0")) Drop(solutions, 0.0, 1e-9);
-  if (Is("unsolved") && front) solutions.clear();
+  if ((Is("unsolved") && front) || Is("finds nothing and returns true")) solutions.clear();
   if (Is("unsolved at 0") && std::fabs(std::sin(solutions[0][4])) < 1e-9) solutions.clear();
 
   static int calls = 0;
@@ -95,15 +104,24 @@ void Add(const std::vector<Joints>& solutions, List& list) {
   std::vector<Entry> entries(6);
   std::vector<LateEntry> late(6);
   std::vector<int> free;
-  if (Is("free joint")) {
-    entries[2].freeind = 0;
+  if (Is("leaves joint 5 free")) {
+    entries[4].fmul = 1;
+    entries[4].freeind = 0;
     free.push_back(0);
   }
   for (const Joints& solution : solutions) {
+    entries.resize(6);
     for (size_t j = 0; j < 6; ++j) entries[j].foffset = late[j].entry.foffset = solution[j];
-    const void* vector = &entries;
-    if (Is("late layout")) vector = &late;
-    (void)list.AddSolution(*static_cast<const std::vector<Entry>*>(vector), free);
+    if (Is("has four joints")) entries.resize(4);
+    if (Is("has seven joints")) entries.resize(7);
+    if (Is("late layout")) {
+      const void* vector = &late;
+      (void)list.AddSolution(*static_cast<const std::vector<Entry>*>(vector), free);
+      continue;
+    }
+    const ikfast::IkSolution<double> own(entries, free);  // its copy of everything is in use
+    own.Validate();
+    (void)list.AddSolution(own._vbasesol, own.GetFree());
   }
 }
 
@@ -133,7 +151,8 @@ bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& 
   bool found = !solutions.empty();
   if (found) {
     Spoil(position, solutions);
-    found = !solutions.empty();
+    found = Is("finds nothing and returns true") ||
+            (!solutions.empty() && !Is("finds joints and returns false"));
   } else {
     const double sum = std::accumulate(eerot, eerot + 9, position[0] + position[1] + position[2]);
     found = Is("true");
@@ -148,6 +167,7 @@ bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& 
 }
 
 void ComputeFk(const double* joints, double* eetrans, double* eerot) {
+  if (Is("throws forward")) throw std::runtime_error("no\nway");
   Joints moved;
   std::memcpy(moved.data(), joints, sizeof(moved));
   if (Is("stuck")) moved[3] = 0;
@@ -160,9 +180,9 @@ void ComputeFk(const double* joints, double* eetrans, double* eerot) {
   for (int i = 0; i < 3; ++i) eetrans[i] *= Is("millimetres") ? 1000 : 1;
 }
 
-int GetNumFreeParameters() { return Is("free parameter") ? 1 : 0; }
+int GetNumFreeParameters() { return Is("is for a free joint") ? 1 : 0; }
 int* GetFreeParameters() { return nullptr; }
-int GetNumJoints() { return Is("seven joints") ? 7 : 6; }
+int GetNumJoints() { return Is("is for seven joints") ? 7 : 6; }
 int GetIkRealSize() { return Is("float") ? 4 : 8; }
 const char* GetIkFastVersion() { return "61"; }
 int GetIkType() { return Is("translation only") ? 0x33000003 : 0x67000001; }

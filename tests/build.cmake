@@ -1,0 +1,37 @@
+# How it builds: on other machines, in other folders, by other hands.
+set(build ${CMAKE_CURRENT_SOURCE_DIR}/build)
+set(build_dir ${CMAKE_CURRENT_BINARY_DIR}/build)
+
+list(TRANSFORM QAL_TOOL_PACKAGES REPLACE "(.+)=.+" "-DCMAKE_DISABLE_FIND_PACKAGE_\\1=ON"
+     OUTPUT_VARIABLE hidden)
+list(TRANSFORM QAL_TOOL_PACKAGES REPLACE ".+=" "" OUTPUT_VARIABLE packages)
+list(JOIN packages " " packages)
+add_test(NAME Build.LeavesOutToolsWithoutTheirPackages
+         COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DBINARY=${build_dir}/bare
+                 -DCOMPILER=${CMAKE_CXX_COMPILER} "-DHIDDEN=${hidden}" "-DPACKAGES=${packages}"
+                 -P ${build}/without_packages.cmake)
+
+foreach(header ikfunc ikfast)
+  add_test(NAME Build.SaysThatItNeedsCxx17.${header}
+           COMMAND ${CMAKE_CXX_COMPILER} -std=c++14 -fsyntax-only -x c++
+                   ${PROJECT_SOURCE_DIR}/src/kinematics/${header}.h)
+  set_tests_properties(Build.SaysThatItNeedsCxx17.${header}
+                       PROPERTIES PASS_REGULAR_EXPRESSION "error: [^\n]*needs C\\+\\+17 or later")
+endforeach()
+
+# What the loader is told: no folder but those beside the file itself.
+add_test(NAME Build.LibrariesAreFoundFromWhereTheFileLies
+         COMMAND ${CMAKE_COMMAND} -DBINARY=${PROJECT_BINARY_DIR} -P ${build}/runpath.cmake)
+
+# Sanitizers and coverage write paths of their own; a debug build is meant to have them.
+if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage" AND NOT CMAKE_BUILD_TYPE STREQUAL Debug)
+  add_test(
+    NAME Build.IsTheSameInAnotherFolder
+    COMMAND
+      ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DBINARY=${PROJECT_BINARY_DIR}
+      -DELSEWHERE=${build_dir}/elsewhere -DCOMPILER=${CMAKE_CXX_COMPILER}
+      "-DFLAGS=${CMAKE_CXX_FLAGS}" -DBUILD_TYPE=${CMAKE_BUILD_TYPE}
+      -DWARNINGS_AS_ERRORS=${QAL_WARNINGS_AS_ERRORS} -DIK_SOLVER=${QAL_IK_SOLVER} -P
+      ${build}/same_bytes.cmake)
+  set_tests_properties(Build.IsTheSameInAnotherFolder PROPERTIES PROCESSORS 2)
+endif()
