@@ -54,9 +54,14 @@ void KeepWriteSignalsAway() {
   (void)std::signal(SIGXFSZ, SIG_IGN);
 }
 
+std::string NameOf(const std::string& path) { return path == "-" ? "standard input" : path; }
+
 std::string ReadFile(const std::string& path) {
-  const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (descriptor < 0) Fail("read", path, errno);
+  const std::string name = NameOf(path);
+  // Standard input by a descriptor of its own: it is closed below.
+  const int descriptor = path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                     : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  if (descriptor < 0) Fail("read", name, errno);
   std::string content;
   std::string block(1 << 16, '\0');
   for (;;) {
@@ -66,14 +71,14 @@ std::string ReadFile(const std::string& path) {
       if (content.size() > kLargestFileBytes) {
         (void)::close(descriptor);
         throw UsageError(
-            fmt::format("cannot read {}: larger than {} MiB", path, kLargestFileBytes >> 20));
+            fmt::format("cannot read {}: larger than {} MiB", name, kLargestFileBytes >> 20));
       }
     } else if (count == 0) {
       break;
     } else if (errno != EINTR) {
       const int error = errno;
       (void)::close(descriptor);
-      Fail("read", path, error);
+      Fail("read", name, error);
     }
   }
   (void)::close(descriptor);

@@ -10,7 +10,10 @@ namespace qal::io {
 /// signal ends the process. Before the first of these.
 void KeepWriteSignalsAway();
 
-/// The content of a file.
+/// What messages call a file: its path, or "standard input" for -.
+std::string NameOf(const std::string& path);
+
+/// The content of a file, or for - what standard input brings until its end.
 /// @throw UsageError "cannot read PATH: REASON"; a folder is no file, and one of more than 512 MiB
 ///        is none of ours
 std::string ReadFile(const std::string& path);

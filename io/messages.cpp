@@ -8,12 +8,15 @@ namespace qal::io {
 
 void Note(const std::string& text) { SayOnError("note", text); }
 
-void SayOnError(const std::string& who, const std::string& text) {
-  std::string line = who + ": " + text;
+std::string OneLine(std::string text) {
   // Names from files are shown as they are, but for what would move the cursor.
   std::replace_if(
-      line.begin(), line.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
-  line += '\n';
+      text.begin(), text.end(), [](unsigned char c) { return std::iscntrl(c) != 0; }, ' ');
+  return text;
+}
+
+void SayOnError(const std::string& who, const std::string& text) {
+  const std::string line = OneLine(who + ": " + text) + '\n';
   // Nobody is left to tell when standard error itself is gone.
   (void)std::fwrite(line.data(), 1, line.size(), stderr);
 }

@@ -8,8 +8,10 @@ namespace qal::io {
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
 
-/// Writes "WHO: TEXT" as one line to standard error; control characters inside, line ends
-/// among them, become blanks.
+/// The text as one line to show: control characters, line ends among them, become blanks.
+std::string OneLine(std::string text);
+
+/// Writes "WHO: TEXT" as one line to standard error.
 void SayOnError(const std::string& who, const std::string& text);
 
 }  // namespace qal::io

@@ -7,8 +7,7 @@
 #include "../../src/qal/model/chain.h"
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
-#include "../../tools/arm/described.h"
-#include "../../tools/arm/read_arm.h"
+#include "../../io/arm_file.h"
 
 namespace qal::tools {
 
@@ -20,9 +19,8 @@ constexpr const char* kArmFiles[] = {
 
 inline std::string ArmPath(const std::string& file) { return QAL_ARMS_DIR "/" + file; }
 
-/// What an arm's file says, as the core takes it.
-inline ArmDescription ReadDescription(const std::string& path, const ReadOptions& options = {}) {
-  return Described(ReadArm(path, options));
+inline ArmDescription Describe(const std::string& file) {
+  return io::ReadDescription(ArmPath(file), {});
 }
 
 inline double LargestDifference(const closed_form::Joints& a, const closed_form::Joints& b) {

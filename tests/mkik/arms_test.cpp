@@ -78,7 +78,7 @@ class EveryArm : public testing::TestWithParam<const char*> {
 
   std::mt19937 engine_{kSeed};
   std::uniform_real_distribution<double> range_{-kJointRangeRad, kJointRangeRad};
-  const ArmDescription arm_ = ReadDescription(ArmPath(GetParam()));
+  const ArmDescription arm_ = Describe(GetParam());
   const Model model_ = MakeModel(arm_).value();
 };
 
@@ -240,7 +240,7 @@ TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
 
 // One solving code: the library's own solver is what mkik makes of the reference arm's URDF.
 TEST(ReferenceArm, IsTheModelOfItsUrdf) {
-  const Model model = MakeModel(ReadDescription(ArmPath("reference.urdf"))).value();
+  const Model model = MakeModel(Describe("reference.urdf")).value();
   const auto& made = std::get<closed_form::SphericalWristArm>(model);
   const closed_form::SphericalWristArm& own = reference_arm::kArm;
   EXPECT_EQ(made.body.upper_arm, own.body.upper_arm);

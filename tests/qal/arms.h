@@ -9,8 +9,7 @@
 #include <sstream>
 #include <string>
 
-#include "../../tools/arm/described.h"
-#include "../../tools/arm/read_arm.h"
+#include "../../io/arm_file.h"
 #include "qal/solve/kinematics.h"
 
 namespace qal {
@@ -22,7 +21,7 @@ constexpr const char* kArmFiles[] = {
     "service_parallel.urdf",  "carrying_parallel.toml"};
 
 inline ArmDescription Describe(const std::string& file) {
-  return tools::Described(tools::ReadArm(QAL_ARMS_DIR "/" + file, {}));
+  return io::ReadDescription(QAL_ARMS_DIR "/" + file, {});
 }
 
 /// A name for a parameterised test's arm.

@@ -1,14 +1,17 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <exception>
 #include <sstream>
 
-#include "../arm/read_options.h"
+#include <qal/model/chain.h>
+#include "../../io/arm_file.h"
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "../../io/messages.h"
+#include "../common/read_options.h"
 #include "checks.h"
 
 namespace {
@@ -26,7 +29,7 @@ struct Arguments {
   bool json = false;
   bool strict = false;
   std::string arm;
-  tools::ReadOptions read;
+  io::ReadOptions read;
 };
 
 void Describe(CLI::App& app, Arguments& arguments) {
@@ -44,21 +47,18 @@ void Describe(CLI::App& app, Arguments& arguments) {
       ->check(CLI::Range(0.1, 3600.0))
       ->capture_default_str();
   app.add_option("--urdf,--table", arguments.arm,
-                 "the arm that the solver should be for: URDF (.urdf, .xml) or table of\n"
-                 "parameters (.toml, .json); base and tip frames have to agree, too")
+                 "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
+                 "arm file; base and tip frames have to agree, too")
       ->type_name("FILE");
   tools::AddReadOptions(app, arguments.read);
   app.add_flag("--json", arguments.json, "print the report as JSON");
   app.add_flag("--strict", arguments.strict, "let notes count as faults in the exit status");
 }
 
-ikcheck::Pose Forward(const tools::Arm& arm, const ikcheck::Joints& joints) {
-  const tools::Frame frame = tools::TipFrame(arm, joints);
-  ikcheck::Pose pose;
-  for (int i = 0; i < 3; ++i) {
-    pose.position[i] = frame.position[i];
-    for (int j = 0; j < 3; ++j) pose.rotation[3 * i + j] = frame.rotation[i][j];
-  }
+ikcheck::Pose Forward(const ArmDescription& arm, const ikcheck::Joints& joints) {
+  const Transform tip = TipFrame(arm, joints);
+  ikcheck::Pose pose = {{tip.position.x, tip.position.y, tip.position.z}, {}};
+  std::copy(tip.rotation, tip.rotation + 9, pose.rotation);
   return pose;
 }
 
@@ -75,7 +75,7 @@ int Run(int argc, char** argv) {
     return io::kDone;
   }
   if (!arguments.arm.empty()) {
-    const tools::Arm arm = tools::ReadArm(arguments.arm, arguments.read);
+    const ArmDescription arm = io::ReadDescription(arguments.arm, arguments.read);
     arguments.options.arm = [arm](const ikcheck::Joints& joints) { return Forward(arm, joints); };
   }
   const ikcheck::Report report = ikcheck::RunChecks(arguments.options);

@@ -5,13 +5,13 @@
 #include <filesystem>
 #include <sstream>
 
-#include "../arm/described.h"
-#include "../arm/read_options.h"
+#include "../../io/arm_file.h"
 #include "../../io/error.h"
+#include "../../io/family_text.h"
 #include "../../io/files.h"
 #include "../../io/messages.h"
+#include "../common/read_options.h"
 #include "build.h"
-#include "family_text.h"
 #include "source.h"
 #include "summary.h"
 #include "verify.h"
@@ -32,7 +32,7 @@ struct Arguments {
 };
 
 void Describe(CLI::App& app, Arguments& arguments) {
-  app.add_option("ARM", arguments.arm, "URDF (.urdf, .xml) or table of parameters (.toml, .json)")
+  app.add_option("ARM", arguments.arm, "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard input")
       ->required();
   app.add_option("-o,--output", arguments.output,
                  "solver library to build, or its source when the name ends in .cpp;\n"
@@ -45,7 +45,7 @@ void Describe(CLI::App& app, Arguments& arguments) {
 }
 
 void Run(const Arguments& arguments) {
-  const ArmDescription arm = Described(ReadArm(arguments.arm, arguments.read));
+  const ArmDescription arm = ReadDescription(arguments.arm, arguments.read);
   const std::optional<Model> found = MakeModel(arm);
   if (!found) {
     throw Failure(fmt::format("{}: {}", arguments.arm, FamilyText(ExamineFamilies(arm))));

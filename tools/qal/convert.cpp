@@ -8,9 +8,10 @@
 #include "../common/library_lines.h"
 #include "../../io/numbers.h"
 #include "commands.h"
-#include "trajectory_csv.h"
-#include "trajectory_file.h"
-#include "trajectory_json.h"
+#include "../../io/trajectory_csv.h"
+#include "../../io/trajectory_json.h"
+#include "trajectory_input.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -40,12 +41,12 @@ void AddPoses(Trajectory& trajectory) {
   for (size_t i = 0; i < trajectory.size(); ++i) {
     if (trajectory[i].pose) continue;
     const RoadPoint point = PointAt(trajectory, i);
-    trajectory[i].pose = Sample::Pose{point.position, point.orientation};
+    trajectory[i].pose = PoseOf(point);
   }
 }
 
 void RunConvert(const ConvertArguments& arguments) {
-  const FileFormat format = FormatOf(arguments.to, arguments.out, "--to");
+  const FileFormat format = FormatToWrite(arguments.to, arguments.out, "--to");
   if (arguments.full && format != FileFormat::kCsv) {
     throw UsageError("--full: only a CSV file has these columns");
   }
@@ -55,7 +56,7 @@ void RunConvert(const ConvertArguments& arguments) {
   const auto text = [&]() -> std::string {
     switch (format) {
       case FileFormat::kCsv:
-        return ToCsv(read.samples, arguments.full);
+        return arguments.full ? ToFullCsv(read.samples, SolverArm()) : ToCsv(read.samples);
       case FileFormat::kJson:
         return ToJson(read.samples).dump() + '\n';
       case FileFormat::kRos:

@@ -10,7 +10,7 @@
 #include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
 #include "agreement.h"
-#include "differences.h"
+#include "waypoints.h"
 #include "solutions.h"
 
 namespace qal::tools {

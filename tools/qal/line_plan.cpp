@@ -12,7 +12,7 @@
 #include "../../io/error.h"
 #include "../common/library_lines.h"
 #include "../../io/numbers.h"
-#include "differences.h"
+#include "waypoints.h"
 #include "line_failure.h"
 #include "solutions.h"
 

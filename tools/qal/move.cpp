@@ -9,10 +9,10 @@
 #include "../../io/error.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
-#include "differences.h"
-#include "measure.h"
+#include "../../io/metrics.h"
 #include "solutions.h"
-#include "trajectory_json.h"
+#include "../../io/trajectory_json.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -78,8 +78,8 @@ std::string Summary(const RoadPoint& start, const std::vector<RoadPoint>& points
   // The step to the first point counts as well.
   std::vector<RoadPoint> way = {start};
   way.insert(way.end(), points.begin(), points.end());
-  const auto figures = Measure(FromWaypoints(way));
-  const Peaks& steps = figures[kJointStep];
+  const auto metrics = Measure(FromWaypoints(way), SolverArm());
+  const Peaks& steps = metrics[kJointStep];
   const auto step = std::max_element(
       steps.begin(), steps.end(), [](const auto& a, const auto& b) { return a->value < b->value; });
   double length_m = 0.0;
@@ -98,7 +98,7 @@ std::string Summary(const RoadPoint& start, const std::vector<RoadPoint>& points
                          Decimal(units.Angle((*step)->value), AngleDecimals(units)),
                          step - steps.begin() + 1, (*step)->sample - 1)) +
          row(fmt::format("largest gap of joints and position [{}]", units.length()),
-             fmt::format("{:.3g}", units.Length(figures[kPositionError][0]->value))) +
+             fmt::format("{:.3g}", units.Length(metrics[kPositionError][0]->value))) +
          "first point\n" + PointRows(points.front(), units) + "last point\n" +
          PointRows(points.back(), units);
 }

@@ -7,7 +7,8 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
-#include "trajectory_csv.h"
+#include "../../io/trajectory_csv.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -27,10 +28,10 @@ void Output::Write(const Trajectory& trajectory, const std::string& data) const 
   // By its name as well: written as a file, it could be one that standard output goes to.
   if (csv_ == "-" || csv_ == "/dev/stdout") {
     if (json_) throw UsageError("--csv - and --json: only one of them can have standard output");
-    WriteStandardOutput(ToCsv(trajectory, full_));
+    WriteStandardOutput((full_ ? ToFullCsv(trajectory, SolverArm()) : ToCsv(trajectory)));
     return;
   }
-  if (!csv_.empty()) WriteFile(csv_, ToCsv(trajectory, full_));
+  if (!csv_.empty()) WriteFile(csv_, (full_ ? ToFullCsv(trajectory, SolverArm()) : ToCsv(trajectory)));
   WriteStandardOutput(data);
 }
 

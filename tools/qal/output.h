@@ -8,7 +8,7 @@
 
 #include "../../src/core/roadpoint.h"
 #include "arguments.h"
-#include "trajectory.h"
+#include "../../io/trajectory.h"
 
 namespace qal::tools {
 
@@ -23,7 +23,7 @@ class Output {
   bool json() const { return json_; }
   /// Writes the CSV file if one is wanted, then `data`, the table or the JSON text, to standard
   /// output. The file comes first, so that a reader which closes the pipe early doesn't lose it.
-  void Write(const Trajectory& trajectory, const std::string& data) const;
+  void Write(const io::Trajectory& trajectory, const std::string& data) const;
   /// The same for a single waypoint.
   void WritePoint(const RoadPoint& point, const Units& units) const;
 

@@ -7,7 +7,8 @@
 #include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
 #include "../../io/messages.h"
-#include "differences.h"
+#include "../../io/finite_differences.h"
+#include "waypoints.h"
 #include "line_failure.h"
 #include "line_plan.h"
 
@@ -37,14 +38,15 @@ bool IsShort(const Move& move, const std::vector<RoadPoint>& points) {
   if (points.empty()) throw Failure("the library refuses the line; its own lines above say why");
   const bool is_short = IsShort(move, points);
   if (!is_short) points.insert(points.begin(), move.start);
+  const Arm arm = SolverArm();
   const Trajectory trajectory = FromWaypoints(points);
-  const Differences rates(trajectory);
+  const FiniteDifferences rates(trajectory);
   double fastest_rpm = 0.0;
   size_t at_point = 0;
   size_t at_joint = 0;
   for (size_t i = 1; i < trajectory.size(); ++i) {
     for (size_t j = 0; j < 6; ++j) {
-      const double rpm = std::fabs(MotorRpm(rates.JointSpeed(i, j), j));
+      const double rpm = std::fabs(MotorRpm(arm, j, rates.JointSpeed(i, j)));
       if (rpm > fastest_rpm) fastest_rpm = rpm, at_point = i, at_joint = j;
     }
   }

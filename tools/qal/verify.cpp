@@ -10,9 +10,10 @@
 #include "../common/library_lines.h"
 #include "arguments.h"
 #include "commands.h"
-#include "differences.h"
-#include "measure.h"
-#include "trajectory_file.h"
+#include "../../io/finite_differences.h"
+#include "../../io/metrics.h"
+#include "trajectory_input.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -21,11 +22,11 @@ using namespace io;
 namespace {
 
 using Json = nlohmann::ordered_json;
-using Figures = std::array<Peaks, kFigureCount>;
+using Metrics = std::array<Peaks, kMetricCount>;
 
 struct VerifyArguments {
   TrajectoryInput in;
-  std::array<Numbers, kFigureCount> limits;
+  std::array<Numbers, kMetricCount> limits;
   bool json = false;
 };
 
@@ -34,13 +35,13 @@ struct Findings {
   LocatedTrajectory trajectory;
   double shortest_s;  // of the intervals between samples
   double longest_s;
-  Figures figures;
+  Metrics metrics;
   Limits limits;
   std::vector<Violation> violations;
 };
 
-// A limit for each value of the figure; nothing when none is given.
-std::vector<double> ReadLimit(const Numbers& numbers, const FigureKind& kind) {
+// A limit for each value of the metric; nothing when none is given.
+std::vector<double> ReadLimit(const Numbers& numbers, const MetricKind& kind) {
   if (!numbers.given()) return {};
   const size_t count = kind.per_joint ? 6 : 1;
   std::vector<double> limit =
@@ -55,25 +56,25 @@ std::vector<double> ReadLimit(const Numbers& numbers, const FigureKind& kind) {
 
 Findings Verify(const VerifyArguments& arguments) {
   Limits limits = DefaultLimits();
-  for (size_t i = 0; i < kFigureCount; ++i) {
-    if (kFigures[i].option != nullptr) limits[i] = ReadLimit(arguments.limits[i], kFigures[i]);
+  for (size_t i = 0; i < kMetricCount; ++i) {
+    if (kMetrics[i].option != nullptr) limits[i] = ReadLimit(arguments.limits[i], kMetrics[i]);
   }
   Findings findings{arguments.in.Read(), 0.0, 0.0, {}, limits, {}};
   const Trajectory& samples = findings.trajectory.samples;
-  const Differences differences(samples);
+  const FiniteDifferences differences(samples);
   for (size_t i = 1; i < samples.size(); ++i) {
     const double duration = differences.Duration(i);
     if (i == 1 || duration < findings.shortest_s) findings.shortest_s = duration;
     if (i == 1 || duration > findings.longest_s) findings.longest_s = duration;
   }
   const LibraryLines lines;
-  findings.figures = Measure(samples);
-  findings.violations = FindViolations(findings.figures, limits);
+  findings.metrics = Measure(samples, SolverArm());
+  findings.violations = FindViolations(findings.metrics, limits);
   return findings;
 }
 
-std::string Title(FigureIndex figure, size_t entry) {
-  const FigureKind& kind = kFigures[figure];
+std::string Title(MetricIndex metric, size_t entry) {
+  const MetricKind& kind = kMetrics[metric];
   return kind.per_joint ? fmt::format("{}, joint {}", kind.title, entry + 1) : kind.title;
 }
 
@@ -95,14 +96,14 @@ std::string Table(const Findings& findings, const std::string& name) {
   std::string table = Heading(findings, name);
   table += fmt::format("\n{:<28}{:>14} {:<9}{:>9}{:>12}{:>14}\n", "largest", "value", "unit",
                        "sample", "time [s]", "limit");
-  for (size_t i = 0; i < kFigureCount; ++i) {
-    for (size_t entry = 0; entry < findings.figures[i].size(); ++entry) {
-      table += fmt::format("{:<28}", Title(static_cast<FigureIndex>(i), entry));
-      if (const std::optional<Peak>& peak = findings.figures[i][entry]) {
-        table += fmt::format("{:>14.7g} {:<9}{:>9}{:>12.7g}", peak->value, kFigures[i].unit,
+  for (size_t i = 0; i < kMetricCount; ++i) {
+    for (size_t entry = 0; entry < findings.metrics[i].size(); ++entry) {
+      table += fmt::format("{:<28}", Title(static_cast<MetricIndex>(i), entry));
+      if (const std::optional<Peak>& peak = findings.metrics[i][entry]) {
+        table += fmt::format("{:>14.7g} {:<9}{:>9}{:>12.7g}", peak->value, kMetrics[i].unit,
                              peak->sample, findings.trajectory.samples[peak->sample].time_s);
       } else {
-        table += fmt::format("{:>14} {:<9}{:>9}{:>12}", "-", kFigures[i].unit, "-", "-");
+        table += fmt::format("{:>14} {:<9}{:>9}{:>12}", "-", kMetrics[i].unit, "-", "-");
       }
       if (!findings.limits[i].empty()) table += fmt::format("{:>14.7g}", findings.limits[i][entry]);
       table += '\n';
@@ -114,16 +115,16 @@ std::string Table(const Findings& findings, const std::string& name) {
 std::string ViolationLines(const Findings& findings) {
   if (findings.violations.empty()) return "\nno violation\n";
   std::string lines = "\nviolations:\n";
-  for (const auto& [figure, entry, limit] : findings.violations) {
-    const std::optional<Peak>& peak = findings.figures[figure][entry];
+  for (const auto& [metric, entry, limit] : findings.violations) {
+    const std::optional<Peak>& peak = findings.metrics[metric][entry];
     const std::string measured =
         // As many digits as tell a violation from its limit.
-        peak ? fmt::format("{:.10g} {} at {}, {:.9g} s", peak->value, kFigures[figure].unit,
+        peak ? fmt::format("{:.10g} {} at {}, {:.9g} s", peak->value, kMetrics[metric].unit,
                            Place(findings.trajectory, peak->sample),
                            findings.trajectory.samples[peak->sample].time_s)
              : "nothing to measure";
-    lines += fmt::format("  {}: {}; limit {:.7g} {}\n", Title(figure, entry), measured, limit,
-                         kFigures[figure].unit);
+    lines += fmt::format("  {}: {}; limit {:.7g} {}\n", Title(metric, entry), measured, limit,
+                         kMetrics[metric].unit);
   }
   return lines;
 }
@@ -146,17 +147,17 @@ Json FindingsJson(const Findings& findings, const std::string& name) {
                {"shortest_interval_s", findings.shortest_s},
                {"longest_interval_s", findings.longest_s},
                {"tool_by", HavePoses(samples) ? "pose" : "joints"}};
-  for (size_t i = 0; i < kFigureCount; ++i) {
+  for (size_t i = 0; i < kMetricCount; ++i) {
     Json peaks = Json::array();
-    for (const auto& peak : findings.figures[i])
+    for (const auto& peak : findings.metrics[i])
       peaks.push_back(PeakJson(peak, findings.trajectory));
-    json[kFigures[i].key] = kFigures[i].per_joint ? peaks : peaks[0];
+    json[kMetrics[i].key] = kMetrics[i].per_joint ? peaks : peaks[0];
   }
   Json& violations = json["violations"] = Json::array();
-  for (const auto& [figure, entry, limit] : findings.violations) {
-    Json violation = {{"what", kFigures[figure].key}};
-    if (kFigures[figure].per_joint) violation["joint"] = entry + 1;
-    violation["measured"] = PeakJson(findings.figures[figure][entry], findings.trajectory);
+  for (const auto& [metric, entry, limit] : findings.violations) {
+    Json violation = {{"what", kMetrics[metric].key}};
+    if (kMetrics[metric].per_joint) violation["joint"] = entry + 1;
+    violation["measured"] = PeakJson(findings.metrics[metric][entry], findings.trajectory);
     violation["limit"] = limit;
     violations.push_back(violation);
   }
@@ -180,8 +181,8 @@ void AddVerify(CLI::App& app) {
   CLI::App* verify = app.add_subcommand(
       "verify", "Measure a trajectory file, from here or elsewhere, and hold it against limits");
   arguments->in.AddTo(*verify, "FILE");
-  for (size_t i = 0; i < kFigureCount; ++i) {
-    const FigureKind& kind = kFigures[i];
+  for (size_t i = 0; i < kMetricCount; ++i) {
+    const MetricKind& kind = kMetrics[i];
     if (kind.option == nullptr) continue;
     arguments->limits[i].AddTo(*verify, kind.option, kind.per_joint ? "N or N,N,N,N,N,N" : "N",
                                fmt::format("limit: {} [{}]", kind.help, kind.unit));

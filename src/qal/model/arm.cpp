@@ -90,6 +90,11 @@ Result<Arm> Arm::FromSolver(const Solver& solver, const ArmSettings& settings) {
   return Held::Make(solver, nothing_said, settings);
 }
 
+Result<Arm> Arm::FromSolver(const Solver& solver, const ArmDescription& description,
+                            const ArmSettings& settings) {
+  return Held::Make(solver, description, settings);
+}
+
 Arm Arm::Reference() { return *FromSolver(Solver::Reference(), ReferenceSettings()); }
 
 const std::string& Arm::name() const { return held_->name; }

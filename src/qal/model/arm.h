@@ -51,6 +51,10 @@ class QAL_API Arm {
   /// An arm from a solver, anybody's `libik.so`.
   /// @return kLimits as above
   static Result<Arm> FromSolver(const Solver& solver, const ArmSettings& settings = {});
+  /// The same, with the limits and the joints' names of a description. Its geometry is the
+  /// solver's business and is not looked at.
+  static Result<Arm> FromSolver(const Solver& solver, const ArmDescription& description,
+                                const ArmSettings& settings);
   /// The reference arm: arms/reference.urdf with its motors.
   static Arm Reference();
 

@@ -1,0 +1,109 @@
+#include "arm_file.h"
+
+#include <fmt/format.h>
+
+#include <filesystem>
+
+#include "arm_settings.h"
+#include "document.h"
+#include "error.h"
+#include "files.h"
+#include "table.h"
+#include "units.h"
+
+namespace qal::io {
+
+namespace {
+
+// A path that a file names: from the file's own folder.
+std::string Beside(const std::string& file, const std::string& named) {
+  if (file == "-") return named;
+  return (std::filesystem::path(file).parent_path() / named).lexically_normal().string();
+}
+
+// The description that an arm file names or has within.
+ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
+                             const ReadOptions& options) {
+  if (fields.at("description").is_string()) {
+    const std::string named = Beside(path, fields.Text("description", ""));
+    ReadOptions with_links = options;
+    if (options.base.empty()) with_links.base = fields.Text("base_link", "");
+    if (options.tip.empty()) with_links.tip = fields.Text("tip_link", "");
+    try {
+      return ParseDescription(ReadFile(named), named, with_links);
+    } catch (const UsageError& error) {
+      fields.Refuse("description", error.what());
+    }
+  }
+  for (const char* key : {"base_link", "tip_link"}) {
+    if (fields.Has(key)) fields.Refuse(key, "for a URDF; a table has no links");
+  }
+  ExpectTableOptions(options);
+  const ArmDescription arm = ReadTable(fields.Object("description"), options);
+  CheckScale(arm, path);
+  return arm;
+}
+
+ArmFile FromDocument(const Document& document, const std::string& path,
+                     const ReadOptions& options) {
+  const Fields fields(document, "", "");
+  ArmFile file;
+  if (fields.Has("convention")) {
+    ExpectTableOptions(options);
+    file.kind = "table";
+    file.description = ReadTable(fields, options);
+    CheckScale(*file.description, document.path);
+    return file;
+  }
+  file.kind = "arm file";
+  fields.Expect({"name", "description", "solver", "base_link", "tip_link", "cycle_s", "limits",
+                 "motors", "base", "tool"});
+  if (!fields.Has("description") && !fields.Has("solver")) {
+    fields.Refuse("",
+                  "no description; a table has its convention, an arm file has 'description', a "
+                  "path or a table, or 'solver', a path");
+  }
+  file.settings = ReadArmSettings(fields);
+  if (fields.Has("description")) file.description = DescriptionOf(fields, path, options);
+  if (fields.Has("solver")) file.solver = Beside(path, fields.Text("solver", ""));
+  return file;
+}
+
+}  // namespace
+
+ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
+  const std::string name = NameOf(path);
+  const std::string text = ReadFile(path);
+  switch (ContentOf(text)) {
+    case Content::kLibrary:
+      if (path == "-") throw UsageError(name + ": a library; its path is expected");
+      return {"solver library", std::nullopt, {}, path};
+    case Content::kXml:
+      return {"URDF", ParseDescription(text, name, options), {}, ""};
+    case Content::kJson:
+      return FromDocument(ParseJson(text, name), path, options);
+    case Content::kToml:
+      break;
+  }
+  return FromDocument(ParseToml(text, name), path, options);
+}
+
+ArmDescription ReadDescription(const std::string& path, const ReadOptions& options) {
+  ArmFile file = ReadArmFile(path, options);
+  if (!file.description) {
+    throw UsageError(fmt::format("{}: {} without a description; a URDF or a table is expected",
+                                 NameOf(path),
+                                 file.kind == "arm file" ? "an arm file" : "a solver library"));
+  }
+  for (size_t j = 0; j < file.settings.joints.size(); ++j) {
+    const JointSettings& said = file.settings.joints[j];
+    JointDescription& joint = file.description->joints[j];
+    if (said.lower_rad) joint.lower_rad = said.lower_rad;
+    if (said.upper_rad) joint.upper_rad = said.upper_rad;
+    if (said.velocity_rad_s) joint.velocity_rad_s = said.velocity_rad_s;
+  }
+  if (!file.settings.name.empty()) file.description->name = file.settings.name;
+  return *std::move(file.description);
+}
+
+}  // namespace qal::io

@@ -1,0 +1,33 @@
+#ifndef QAL_IO_ARM_FILE_H_
+#define QAL_IO_ARM_FILE_H_
+
+#include <optional>
+#include <string>
+
+#include "description.h"
+
+namespace qal::io {
+
+/// What a file of an arm says. docs/arm-file.md has the keys of an arm file; a URDF, a table and a
+/// solver library are files of an arm, too.
+struct ArmFile {
+  std::string kind;                           ///< "URDF", "table", "arm file" or "solver library"
+  std::optional<ArmDescription> description;  ///< none: a solver is all there is
+  ArmSettings settings;
+  std::string solver;  ///< path of a solver library; empty: the closed form
+};
+
+/// Reads a file of an arm, whatever its name: what it is shows in its content.
+/// @param path -: standard input, but not for a library; what an arm file names is looked for in
+///             its folder, standard input's in the current one
+/// @throw UsageError "FILE: ..." or "FILE, line N: ..." with the key and what was expected
+ArmFile ReadArmFile(const std::string& path, const ReadOptions& options);
+
+/// The description in a URDF, a table or an arm file; an arm file's limits go before its
+/// description's.
+/// @throw UsageError as above, and when there is none
+ArmDescription ReadDescription(const std::string& path, const ReadOptions& options);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_ARM_FILE_H_

@@ -1,0 +1,75 @@
+#ifndef QAL_IO_DOCUMENT_H_
+#define QAL_IO_DOCUMENT_H_
+
+#include <qal/model/pose.h>
+
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qal::io {
+
+/// What a file of an arm is, told from what it begins with, whatever its name.
+enum class Content { kLibrary, kXml, kJson, kToml };
+
+Content ContentOf(std::string_view text);
+
+/// A TOML or JSON text as a tree of values.
+struct Document {
+  std::string path;  ///< what messages call the text
+  nlohmann::json root;
+  /// Where each value stands, by its keys with a slash before each. JSON gives no lines.
+  std::map<std::string, unsigned> lines;
+
+  /// "PATH, line N", or "PATH" where there is no line.
+  std::string Place(const std::string& keys) const;
+};
+
+/// @throw UsageError "PATH, line N: ..." when the text isn't well-formed
+Document ParseToml(const std::string& text, const std::string& path);
+Document ParseJson(const std::string& text, const std::string& path);
+
+/// An object of a document, read by its keys. What isn't as expected is refused: a UsageError with
+/// file, line where there is one, key, and what was expected.
+class Fields {
+ public:
+  /// @param keys  where the object stands in the document, as in `Document::lines`
+  /// @param label what messages call the object; empty: the file's name is enough
+  Fields(const Document& document, const std::string& keys, const std::string& label);
+
+  /// Refuses keys that are not among these.
+  void Expect(const std::vector<std::string>& keys) const;
+  bool Has(const std::string& key) const { return object_->contains(key); }
+  const nlohmann::json& at(const std::string& key) const { return object_->at(key); }
+
+  std::string Text(const std::string& key, const std::string& otherwise) const;
+  /// @param otherwise what an absent key stands for; none: it has to be there
+  double Number(const std::string& key, std::optional<double> otherwise) const;
+  /// A list of `count` numbers.
+  std::vector<double> Numbers(const std::string& key, size_t count) const;
+  /// A list of three numbers; zeros without the key.
+  Vec3 Triple(const std::string& key) const;
+  /// The object at a key.
+  Fields Object(const std::string& key) const;
+  /// An object in the list at a key; messages count it from 1.
+  Fields Entry(const std::string& key, size_t entry) const;
+
+  /// "PATH, line N, LABEL, KEY", or without the key when it is empty.
+  std::string Where(const std::string& key) const;
+  [[noreturn]] void Refuse(const std::string& key, const std::string& reason) const;
+
+ private:
+  double Finite(const nlohmann::json& value, const std::string& key) const;
+
+  const Document* document_;
+  std::string keys_;
+  std::string label_;
+  const nlohmann::json* object_;
+};
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_DOCUMENT_H_

@@ -1,0 +1,73 @@
+#include "family_text.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <cmath>
+#include <vector>
+
+namespace qal::io {
+
+namespace {
+
+double Degrees(double rad) { return rad * 180 / 3.14159265358979323846; }
+
+std::string AngleText(double rad) {
+  return rad < 0.01 ? fmt::format("{:.3g} rad", rad) : fmt::format("{:.4g} degrees", Degrees(rad));
+}
+
+std::string AxesText(const Deviation& deviation) {
+  const int a = deviation.axis_a;
+  const int b = deviation.axis_b;
+  if (b != kWristCentre) return fmt::format("axes {} and {}", a, b);
+  return deviation.kind == Deviation::Kind::kNotMeeting
+             ? fmt::format("axis {} and the point where axes 4 and 5 meet", a)
+             : fmt::format("axis {} and the wrist's centre", a);
+}
+
+std::string DeviationText(const Deviation& deviation) {
+  const std::string axes = AxesText(deviation);
+  switch (deviation.kind) {
+    case Deviation::Kind::kNotParallel:
+      return fmt::format("{} are {} off parallel", axes, AngleText(deviation.amount));
+    case Deviation::Kind::kNotRightAngle:
+      return fmt::format("{} are {} off a right angle", axes, AngleText(deviation.amount));
+    case Deviation::Kind::kNotMeeting:
+      return fmt::format("{} are {:.3g} m apart", axes, deviation.amount);
+    case Deviation::Kind::kTooClose:
+      break;
+  }
+  return fmt::format("{} are only {:.3g} m apart", axes, deviation.amount);
+}
+
+std::string DeviationsText(const std::vector<Deviation>& deviations) {
+  std::vector<std::string> texts;
+  for (const Deviation& deviation : deviations) texts.push_back(DeviationText(deviation));
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+std::string AnglesFound(const FamilyReport& report) {
+  std::vector<std::string> texts;
+  for (size_t j = 0; j < report.axis_angles_rad.size(); ++j) {
+    const double degrees = Degrees(report.axis_angles_rad[j]);
+    texts.push_back(fmt::format("{}-{} {:g}", j + 1, j + 2, std::round(degrees * 1e4) / 1e4));
+  }
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+}  // namespace
+
+std::string FamilyText(const FamilyReport& report) {
+  return fmt::format(
+      "no closed form for this arm. Not a spherical wrist: {}. Not three parallel axes: {}. Angles "
+      "between axes: {} degrees (tolerance {} rad, {} m).{}",
+      DeviationsText(report.spherical_wrist), DeviationsText(report.three_parallel_axes),
+      AnglesFound(report), kAxisAngleToleranceRad, kAxisDistanceToleranceM,
+      report.rounded_angles == 0
+          ? ""
+          : fmt::format(" Angles that look rounded, as 1.5708 does: {}; --exact-angles reads them "
+                        "as the multiples of 15 degrees that they stand for.",
+                        report.rounded_angles));
+}
+
+}  // namespace qal::io

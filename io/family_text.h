@@ -1,0 +1,16 @@
+#ifndef QAL_IO_FAMILY_TEXT_H_
+#define QAL_IO_FAMILY_TEXT_H_
+
+#include <qal/model/family.h>
+
+#include <string>
+
+namespace qal::io {
+
+/// Why an arm has no closed form: for each family the axes that keep it out and by how much, and
+/// the angles that were found.
+std::string FamilyText(const FamilyReport& report);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_FAMILY_TEXT_H_

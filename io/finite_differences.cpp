@@ -1,0 +1,49 @@
+#include "finite_differences.h"
+
+#include <kinematics/solve/arm_numbers.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace qal::io {
+
+double FiniteDifferences::Duration(size_t interval) const {
+  if (trajectory_.size() < 2) return 1.0;
+  const size_t end = std::clamp<size_t>(interval, 1, trajectory_.size() - 1);
+  return trajectory_[end].time_s - trajectory_[end - 1].time_s;
+}
+
+double FiniteDifferences::JointSpeed(size_t interval, size_t joint) const {
+  const double duration = Duration(interval);
+  if (!(duration > 0.0)) return std::numeric_limits<double>::quiet_NaN();
+  if (interval == 0 || interval == trajectory_.size()) return 0.0;
+  const double from = trajectory_[interval - 1].joints[joint];
+  return (trajectory_[interval].joints[joint] - from) / duration;
+}
+
+double FiniteDifferences::JointSpeedAt(size_t sample, size_t joint) const {
+  if (sample == 0 || sample + 1 == trajectory_.size()) return 0.0;
+  const double before = Duration(sample);
+  const double after = Duration(sample + 1);
+  return (JointSpeed(sample, joint) * after + JointSpeed(sample + 1, joint) * before) /
+         (before + after);
+}
+
+double FiniteDifferences::JointAcceleration(size_t sample, size_t joint) const {
+  const double change = JointSpeed(sample + 1, joint) - JointSpeed(sample, joint);
+  return change / ((Duration(sample) + Duration(sample + 1)) / 2.0);
+}
+
+double FiniteDifferences::JointJerk(size_t interval, size_t joint) const {
+  const double before = interval == 0 ? 0.0 : JointAcceleration(interval - 1, joint);
+  const double after = interval == trajectory_.size() ? 0.0 : JointAcceleration(interval, joint);
+  return (after - before) / Duration(interval);
+}
+
+double MotorRpm(const Arm& arm, size_t joint, double speed_rad_s) {
+  constexpr double kShaftRadPerSPerRpm = kShaftRadPerRpmTick / kTickS;
+  return speed_rad_s * arm.joints()[joint].gear_ratio.value / kShaftRadPerSPerRpm;
+}
+
+}  // namespace qal::io

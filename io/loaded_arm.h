@@ -1,0 +1,46 @@
+#ifndef QAL_IO_LOADED_ARM_H_
+#define QAL_IO_LOADED_ARM_H_
+
+#include <qal/model/arm.h>
+
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <string>
+
+#include "description.h"
+
+namespace qal::io {
+
+/// An arm, and what it comes from.
+struct LoadedArm {
+  Arm arm;
+  std::string file;  ///< empty: built in
+  std::string kind;  ///< as in `ArmFile`, or "reference arm"
+};
+
+/// The arm of a file: a URDF, a table, an arm file or a solver library, whatever its name.
+/// @throw UsageError as ReadArmFile, or when the file's numbers make no arm or its solver is none
+/// @throw Failure    "FILE: ..." when no closed form has the arm's axes and no solver is named
+LoadedArm ReadArm(const std::string& path, const ReadOptions& options = {});
+
+/// The arm that a command works with: the option's, else the environment's, else the reference arm.
+/// A file that isn't there is an error, never another arm.
+/// @param option      what --arm says
+/// @param environment QAL_ARM's value; null or empty when it isn't set
+LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
+                     const ReadOptions& options = {});
+
+/// Which arm it is, in one line:
+///
+///     reference arm (built in), spherical wrist, hash qal-reference-arm-1
+///     my_arm from arms/my_arm.toml, spherical wrist, hash qal-...
+///     my_arm from arms/my_arm.toml, solver /home/me/libik.so, no hash
+std::string ArmHeading(const LoadedArm& loaded);
+
+/// The same for programs: `name`, `file` (null: built in), `kind`, `family`, `solver` (the library's
+/// path; null: a closed form) and `hash` (null: none).
+nlohmann::ordered_json ArmJson(const LoadedArm& loaded);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_LOADED_ARM_H_

@@ -1,0 +1,176 @@
+#include "metrics.h"
+
+#include <fmt/format.h>
+#include <qal/model/rotations.h>
+#include <qal/solve/kinematics.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "error.h"
+#include "error_text.h"
+#include "finite_differences.h"
+
+namespace qal::io {
+
+const std::array<MetricKind, kMetricCount> kMetrics = {{
+    {"repeated times", "samples", "repeated_times", nullptr, false, ""},
+    {"backward times", "samples", "backward_times", nullptr, false, ""},
+    {"joint speed", "rad/s", "joint_speed_rad_s", "--max-joint-speed", true, "speed of a joint"},
+    {"joint acceleration", "rad/s^2", "joint_acceleration_rad_s2", "--max-joint-acc", true,
+     "acceleration of a joint"},
+    {"joint jerk", "rad/s^3", "joint_jerk_rad_s3", "--max-joint-jerk", true, "jerk of a joint"},
+    {"motor speed", "rpm", "motor_speed_rpm", "--max-motor-rpm", true,
+     "speed of a joint's motor, by its gear ratio"},
+    {"joint step", "rad", "joint_step_rad", "--max-joint-step", true,
+     "move of a joint between two samples"},
+    {"first step", "rad", "first_step_rad", nullptr, false, ""},
+    {"last step", "rad", "last_step_rad", nullptr, false, ""},
+    {"largest other step", "rad", "largest_other_step_rad", nullptr, false, ""},
+    {"end step", "times", "end_step_ratio", "--max-end-step", false,
+     "first or last step over the largest other one, each by its leading joint"},
+    {"tool speed", "m/s", "tool_speed_m_s", "--max-tool-speed", false, "speed of the tool centre"},
+    {"line deviation", "m", "line_deviation_m", "--max-deviation", false,
+     "distance of the tool centre from the straight line between its first and last position"},
+    {"position error", "m", "position_error_m", "--max-position-error", false,
+     "distance of the file's position from that of the joints"},
+    {"orientation error", "rad", "orientation_error_rad", "--max-orientation-error", false,
+     "angle between the file's orientation and that of the joints"},
+}};
+
+namespace {
+
+// A peak of NaN or less than the one before is none: an interval without a duration has no rates.
+void Raise(std::optional<Peak>& peak, double value, size_t sample) {
+  const double magnitude = std::fabs(value);
+  if (peak ? magnitude > peak->value : !std::isnan(magnitude)) peak = Peak{magnitude, sample};
+}
+
+using Metrics = std::array<Peaks, kMetricCount>;
+
+void MeasureTimes(const Trajectory& trajectory, Metrics& metrics) {
+  const FiniteDifferences differences(trajectory);
+  for (const MetricIndex metric : {kRepeatedTimes, kBackwardTimes}) {
+    Peak count{0.0, 0};
+    for (size_t i = 1; i < trajectory.size(); ++i) {
+      const double duration = differences.Duration(i);
+      if (metric == kRepeatedTimes ? duration != 0.0 : duration >= 0.0) continue;
+      if (count.value == 0.0) count.sample = i;
+      ++count.value;
+    }
+    metrics[metric][0] = count;
+  }
+}
+
+void MeasureJoints(const Trajectory& trajectory, const Arm& arm, Metrics& metrics) {
+  const FiniteDifferences rates(trajectory);
+  for (size_t interval = 0; interval <= trajectory.size(); ++interval) {
+    const size_t sample = std::min(interval, trajectory.size() - 1);
+    for (size_t joint = 0; joint < 6; ++joint) {
+      const double speed = rates.JointSpeed(interval, joint);
+      Raise(metrics[kJointSpeed][joint], speed, sample);
+      Raise(metrics[kMotorSpeed][joint], MotorRpm(arm, joint, speed), sample);
+      Raise(metrics[kJointJerk][joint], rates.JointJerk(interval, joint), sample);
+      if (interval == trajectory.size()) continue;
+      Raise(metrics[kJointAcceleration][joint], rates.JointAcceleration(interval, joint), interval);
+    }
+  }
+}
+
+void MeasureSteps(const Trajectory& trajectory, Metrics& metrics) {
+  const size_t last = trajectory.size() - 1;
+  for (size_t i = 1; i <= last; ++i) {
+    double leading = 0.0;
+    for (size_t joint = 0; joint < 6; ++joint) {
+      const double step =
+          std::fabs(trajectory[i].joints[joint] - trajectory[i - 1].joints[joint]);
+      Raise(metrics[kJointStep][joint], step, i);
+      leading = std::max(leading, step);
+    }
+    if (i == 1) Raise(metrics[kFirstStep][0], leading, i);
+    if (i == last) Raise(metrics[kLastStep][0], leading, i);
+    if (i > 1 && i < last) Raise(metrics[kOtherStep][0], leading, i);
+  }
+  if (const auto other = metrics[kOtherStep][0]) {
+    // 0 / 0, when no joint moves at all, is no ratio.
+    for (const MetricIndex end : {kFirstStep, kLastStep}) {
+      Raise(metrics[kEndStep][0], metrics[end][0]->value / other->value, metrics[end][0]->sample);
+    }
+  }
+}
+
+double DistanceFromLine(const Vec3& point, const Vec3& from, const Vec3& to) {
+  const Vec3 line = {to.x - from.x, to.y - from.y, to.z - from.z};
+  const Vec3 out = {point.x - from.x, point.y - from.y, point.z - from.z};
+  const double square = line.x * line.x + line.y * line.y + line.z * line.z;
+  // Of a line without a length, only the start counts.
+  const double along =
+      square > 0.0 ? (out.x * line.x + out.y * line.y + out.z * line.z) / square : 0.0;
+  const double within = std::clamp(along, 0.0, 1.0);
+  return Distance(out, {within * line.x, within * line.y, within * line.z});
+}
+
+Pose PoseOfJoints(const Arm& arm, const Trajectory& trajectory, size_t sample) {
+  const Result<Pose> pose = Forward(arm, trajectory[sample].joints);
+  if (pose) return *pose;
+  throw Failure(fmt::format("sample {}: {}", sample, ErrorText(pose.error())));
+}
+
+void MeasureTool(const Trajectory& trajectory, const Arm& arm, Metrics& metrics) {
+  const auto position_at = [&](size_t sample) {
+    const auto& pose = trajectory[sample].pose;
+    return pose ? pose->position : PoseOfJoints(arm, trajectory, sample).position;
+  };
+  const FiniteDifferences rates(trajectory);
+  const Vec3 from = position_at(0);
+  const Vec3 to = position_at(trajectory.size() - 1);
+  Vec3 before = from;
+  for (size_t i = 0; i < trajectory.size(); ++i) {
+    const Pose by_joints = PoseOfJoints(arm, trajectory, i);
+    const auto& pose = trajectory[i].pose;
+    const Vec3 position = pose ? pose->position : by_joints.position;
+    const double duration = rates.Duration(i);
+    if (duration > 0.0) Raise(metrics[kToolSpeed][0], Distance(before, position) / duration, i);
+    before = position;
+    Raise(metrics[kLineDeviation][0], DistanceFromLine(position, from, to), i);
+    if (!pose) continue;
+    Raise(metrics[kPositionError][0], Distance(position, by_joints.position), i);
+    Raise(metrics[kOrientationError][0], AngleBetween(pose->orientation, by_joints.orientation), i);
+  }
+}
+
+}  // namespace
+
+std::array<Peaks, kMetricCount> Measure(const Trajectory& trajectory, const Arm& arm) {
+  Metrics metrics;
+  for (size_t i = 0; i < kMetricCount; ++i) metrics[i].resize(kMetrics[i].per_joint ? 6 : 1);
+  MeasureTimes(trajectory, metrics);
+  MeasureJoints(trajectory, arm, metrics);
+  MeasureSteps(trajectory, metrics);
+  MeasureTool(trajectory, arm, metrics);
+  return metrics;
+}
+
+Limits DefaultLimits() {
+  Limits limits;
+  limits[kRepeatedTimes] = {0.0};
+  limits[kBackwardTimes] = {0.0};
+  return limits;
+}
+
+std::vector<Violation> FindViolations(const Metrics& metrics, const Limits& limits) {
+  // Separates a real excess from the rounding of angles and times in a plan that goes up to its
+  // limit exactly: a difference of theirs loses up to six digits, a jerk more.
+  constexpr double kSlack = 1.0 + 1e-9;
+  std::vector<Violation> violations;
+  for (size_t i = 0; i < kMetricCount; ++i) {
+    for (size_t entry = 0; entry < limits[i].size(); ++entry) {
+      const std::optional<Peak>& peak = metrics[i][entry];
+      if (peak && peak->value <= limits[i][entry] * kSlack) continue;
+      violations.push_back({static_cast<MetricIndex>(i), entry, limits[i][entry]});
+    }
+  }
+  return violations;
+}
+
+}  // namespace qal::io

@@ -1,0 +1,48 @@
+#ifndef QAL_IO_TRAJECTORY_H_
+#define QAL_IO_TRAJECTORY_H_
+
+#include <qal/model/pose.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qal::io {
+
+/// One sample of a trajectory. Only time and joints are always there.
+struct Sample {
+  double time_s;
+  Joints joints;  ///< [rad]
+  std::optional<Pose> pose;
+};
+
+/// A trajectory as the files hold it, in the order of time.
+using Trajectory = std::vector<Sample>;
+
+/// A trajectory read from a file, and the line that each sample begins on, counted from 1. JSON
+/// gives no lines.
+struct LocatedTrajectory {
+  Trajectory samples;
+  std::vector<size_t> lines;
+  std::vector<std::string> notes = {};  ///< what the reader took upon itself, for the user to know
+};
+
+/// Where a sample stands: "sample 12 (line 14)", counted from sample 0 and line 1; without the line
+/// where there is none.
+std::string Place(const LocatedTrajectory& trajectory, size_t sample);
+
+/// The states of a plan, one control cycle apart, the first at time 0. With a cycle of whole
+/// milliseconds, sample i is at the double nearest i * cycle.
+Trajectory FromStates(const std::vector<State>& states, double cycle_s);
+
+/// The sample of `values`: time, six joints, then, if `pose`, x, y, z, qw, qx, qy, qz.
+/// @throw UsageError when the quaternion is no orientation: all zeros
+Sample SampleOf(const double* values, bool pose);
+
+/// Whether every sample has a pose; false for no samples.
+bool HavePoses(const Trajectory& trajectory);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_TRAJECTORY_H_

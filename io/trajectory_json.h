@@ -1,0 +1,27 @@
+#ifndef QAL_IO_TRAJECTORY_JSON_H_
+#define QAL_IO_TRAJECTORY_JSON_H_
+
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "trajectory.h"
+
+namespace qal::io {
+
+/// A trajectory as JSON, one array a quantity and one entry a sample:
+///
+///     {"time_s": [0, ...], "joints_rad": [[q1, ..., q6], ...],
+///      "position_m": [[x, y, z], ...], "orientation_wxyz": [[w, x, y, z], ...]}
+///
+/// The last two are there when every sample has a pose.
+nlohmann::ordered_json ToJson(const Trajectory& trajectory);
+
+/// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.
+/// @throw UsageError "line N, column M: REASON" when the text is no JSON, "KEY[SAMPLE]: REASON"
+/// when
+///        a value is missing or not as it has to be
+LocatedTrajectory ParseJsonTrajectory(std::string_view text);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_TRAJECTORY_JSON_H_

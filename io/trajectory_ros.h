@@ -1,0 +1,44 @@
+#ifndef QAL_IO_TRAJECTORY_ROS_H_
+#define QAL_IO_TRAJECTORY_ROS_H_
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "trajectory.h"
+
+namespace qal::io {
+
+/// The names of the arm's joints, joint 1 first.
+using JointNames = std::array<std::string, 6>;
+
+/// joint_1 to joint_6.
+JointNames DefaultJointNames();
+
+/// The names to read a ROS file by.
+struct RosNames {
+  JointNames names = DefaultJointNames();
+  bool asked = false;  ///< whether somebody asked for these very names
+};
+
+/// A trajectory as a ROS 2 `trajectory_msgs/JointTrajectory` in YAML. Velocities and accelerations
+/// are those at the samples themselves, as a controller that interpolates wants them: velocity 0 at
+/// the first sample and the last. There is no place for a pose.
+///
+/// Numbers read back to the same double. Times are held in whole nanoseconds; those of the control
+/// cycle read back to the same double too.
+/// @throw UsageError "sample N: REASON" when times do not increase in whole nanoseconds, or do not
+///        fit a ROS duration
+std::string ToRosYaml(const Trajectory& trajectory, const JointNames& names);
+
+/// Reads a `JointTrajectory` in YAML, also with the `secs` and `nsecs` of ROS 1, also as
+/// `ros2 topic echo` prints it. Joints are taken by their names, whatever their order; others are
+/// passed over, and so is everything but positions and time. Where nobody asked for the names and
+/// they aren't the file's, its six joints are taken in its order, with a note. Times are not checked
+/// for their order.
+/// @throw UsageError "line N: REASON"
+LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_TRAJECTORY_ROS_H_

@@ -1,0 +1,36 @@
+#ifndef QAL_TOOLS_QAL_TRAJECTORY_INPUT_H_
+#define QAL_TOOLS_QAL_TRAJECTORY_INPUT_H_
+
+#include <CLI/App.hpp>
+#include <string>
+
+#include "../../io/files.h"
+#include "../../io/trajectory_file.h"
+
+namespace qal::tools {
+
+/// A trajectory file that a command reads.
+class TrajectoryInput {
+ public:
+  /// Adds the positional argument `name`, --from and --joint-names.
+  void AddTo(CLI::App& command, const std::string& name);
+
+  /// What messages call the file.
+  std::string name() const { return io::NameOf(path_); }
+  /// Names of the joints in ROS files.
+  const io::JointNames& names() const { return names_; }
+
+  /// The file's trajectory, at least one sample, and its notes on standard error. Times are not
+  /// checked for their order.
+  /// @throw UsageError "NAME: line N: REASON", in one line
+  io::LocatedTrajectory Read() const;
+
+ private:
+  std::string path_;
+  std::string format_;
+  io::JointNames names_ = io::DefaultJointNames();
+};
+
+}  // namespace qal::tools
+
+#endif  // QAL_TOOLS_QAL_TRAJECTORY_INPUT_H_
