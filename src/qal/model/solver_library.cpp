@@ -78,8 +78,8 @@ SolverLibrary::SolverLibrary(const std::string& path) : library_(Open(path)) {
     load_error_ = reason != nullptr ? reason : path;
     return;
   }
-  compute_ik_ = Find<decltype(compute_ik_)>(library_, kComputeIk);
-  compute_fk_ = Find<decltype(compute_fk_)>(library_, kComputeFk);
+  compute_ik_ = Find<ComputeIk>(library_, kComputeIk);
+  compute_fk_ = Find<ComputeFk>(library_, kComputeFk);
 }
 
 SolverLibrary::~SolverLibrary() {
