@@ -12,6 +12,8 @@ namespace qal {
 template <class T, class E = Error>
 class [[nodiscard]] Result {
  public:
+  using error_type = E;
+
   // Implicit, so that a function returns either.
   // cppcheck-suppress noExplicitConstructor
   Result(T value) : held_(std::in_place_index<0>, std::move(value)) {}  // NOLINT(*-explicit-*)
