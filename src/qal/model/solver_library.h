@@ -11,7 +11,6 @@
 namespace qal {
 
 /// Holds a library open.
-// It is final, and deleted as itself. NOLINTNEXTLINE(*-virtual-class-destructor)
 class SolverLibrary final : public SolverFunctions {
  public:
   /// @param path with a slash
