@@ -10,8 +10,6 @@ namespace qal::classic {
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-
 // Why the operation refuses a profile, or has none.
 Failure NoProfile(const SCurveLimits& limits, double length_m) {
   const auto acceleration = static_cast<double>(limits.acceleration_m_s2);
