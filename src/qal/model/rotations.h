@@ -9,13 +9,21 @@ namespace qal {
 
 /// The Hamilton product: the rotation `b`, then `a`.
 constexpr Quat operator*(const Quat& a, const Quat& b) {
-  return {a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z,
-          a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
-          a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x,
-          a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w};
+  return {
+      a.w * b.w - a.x * b.x - a.y * b.y - a.z * b.z, a.w * b.x + a.x * b.w + a.y * b.z - a.z * b.y,
+      a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w};
 }
 
 constexpr Quat Conjugate(const Quat& q) { return {q.w, -q.x, -q.y, -q.z}; }
+
+/// Rotations about the fixed x, y and z axes, in this order [rad]:
+/// R = Rz(rpy.z) * Ry(rpy.y) * Rx(rpy.x).
+inline Quat FromRollPitchYawAngles(const Vec3& rpy_rad) {
+  const Quat roll = {std::cos(rpy_rad.x / 2), std::sin(rpy_rad.x / 2), 0, 0};
+  const Quat pitch = {std::cos(rpy_rad.y / 2), 0, std::sin(rpy_rad.y / 2), 0};
+  const Quat yaw = {std::cos(rpy_rad.z / 2), 0, 0, std::sin(rpy_rad.z / 2)};
+  return yaw * pitch * roll;
+}
 
 /// The angle of the rotation from one orientation to the other, 0 to pi [rad]. The quaternions need
 /// not have length 1.
