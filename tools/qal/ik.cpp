@@ -52,6 +52,11 @@ std::string WhyUnsolved(const Error& error, const Units& units) {
          ErrorText(error, units.text());
 }
 
+std::string VerdictOn(const Candidate& candidate, bool chosen, const Units& units) {
+  if (candidate.refusal) return ErrorText(*candidate.refusal, units.text());
+  return chosen ? "chosen" : "admissible";
+}
+
 std::string SolutionTable(const std::vector<Candidate>& candidates, size_t chosen,
                           const Units& units) {
   std::string table = "solution";
@@ -64,10 +69,8 @@ std::string SolutionTable(const std::vector<Candidate>& candidates, size_t chose
     table += fmt::format("{:>8}", i + 1);
     for (const double joint : joints)
       table += fmt::format(" {:>11}", Decimal(units.Angle(joint), 6));
-    table += fmt::format(" {:>15}  {}\n", Decimal(units.Angle(distance_rad), 6),
-                         refusal       ? "refused: " + ErrorText(*refusal, units.text())
-                         : i == chosen ? "chosen"
-                                       : "admissible");
+    table += fmt::format(" {:>15}  {}{}\n", Decimal(units.Angle(distance_rad), 6),
+                         refusal ? "refused: " : "", VerdictOn(candidates[i], i == chosen, units));
   }
   return table;
 }
@@ -81,7 +84,7 @@ std::string SolutionJson(const std::vector<Candidate>& candidates, size_t chosen
                     {"distance_rad", distance_rad},
                     {"admissible", !refusal},
                     {"chosen", i == chosen},
-                    {"refusal", refusal ? Json(ErrorText(*refusal)) : Json(nullptr)}});
+                    {"verdict", VerdictOn(candidates[i], i == chosen, Units())}});
   }
   return Json{{"arm", ArmJson(loaded)}, {"solutions", list}}.dump(2) + '\n';
 }

@@ -22,9 +22,14 @@ void AddHelp(CLI::App& app) {
   help->add_option("COMMAND", *about, "the command; without it, all are listed");
   help->footer("Example: qal help line");
   help->callback([&app, about] {
-    if (about->empty()) return WriteStandardOutput(app.help());
+    // Not app.help(), which is the help of the command that was given: of this one.
+    const auto text = [&app](const CLI::App& command, const std::string& prefix) {
+      return app.get_formatter()->make_help(&command, prefix, CLI::AppFormatMode::Normal);
+    };
+    if (about->empty()) return WriteStandardOutput(text(app, app.get_name()));
     try {
-      WriteStandardOutput(app.get_subcommand(*about)->help(app.get_name()));
+      const CLI::App& command = *app.get_subcommand(*about);
+      WriteStandardOutput(text(command, app.get_name() + ' ' + command.get_name()));
     } catch (const CLI::OptionNotFound&) {
       throw UsageError(fmt::format("'{}' is no command; qal help lists them", *about));
     }
