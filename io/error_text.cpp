@@ -186,7 +186,7 @@ std::string Words::OfMove() const {
           "the acceleration, {}/s^2, is built up within 20 ms; it has to be above {}/s^2",
           Length(error_.value), Length(error_.bound));
     case Reason::kTooManyPoints:
-      return fmt::format("{:.3g} points, at most {:g} are planned", error_.value, error_.bound);
+      return fmt::format("{:.9g} points, at most {:.9g} are planned", error_.value, error_.bound);
     default:
       return "";
   }
