@@ -31,7 +31,7 @@
 /// - Operations may run at once on distinct data as far as the solver allows it, and while
 ///   `std::cout` is synchronised with stdio, as it is unless the host has switched that off.
 /// - Only the range of an `int` bounds the points of an S-curve line and of a ramped joint move: a
-///   jerk next to nothing, or joints turning for hours, ask for gigabytes.
+///   jerk next to nothing, or joints turning for hours, need gigabytes.
 class QAL_API Ikfunc {
  public:
   Ikfunc();
@@ -62,10 +62,10 @@ class QAL_API Ikfunc {
   ///
   /// When the pose is that of `joint` already (each coordinate within 1e-5 m, each quaternion
   /// component within 0.0001) the result is true and nothing is written. When the solver finds
-  /// nothing, it is asked once more for the pose of the nudged reference joints moved by the
+  /// nothing, it is queried once more for the pose of the nudged reference joints moved by the
   /// difference between the target and the reference's pose.
   /// @param cur_stat in/out: the pose to solve. Success: `jointpos` and `ik_flag` = true; the pose
-  ///                 stays as given, also when the second question was the one answered.
+  ///                 stays as given, also when the second query was the one answered.
   /// @param joint    6 reference joints [rad]; may be `cur_stat.jointpos`
   /// @return false when the solver finds nothing both times: `cur_stat` is then the shifted target,
   ///         with zero joints and a false flag. Also false when no solution is admissible:
@@ -140,7 +140,7 @@ class QAL_API Ikfunc {
   /// @param step       signed length [m] or angle [rad]
   /// @param result     out, on success only: pose, joints, `ik_flag` = true; may be `cur_stat`
   /// @return false, with `result` untouched and a message on standard error:
-  ///         "2 Failed to get  ik solution\n" when both questions found nothing,
+  ///         "2 Failed to get  ik solution\n" when both queries found nothing,
   ///         "Failed to get  ik solution\n" when no solution is admissible.
   static bool ArmIk(RoadPoint& cur_stat, int coordinate, int move_mode, double step,
                     RoadPoint& result);
