@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "../io/files.h"
-#include "../tools/qal/trajectory_csv.h"
+#include "../io/trajectory_csv.h"
+#include "../tools/qal/waypoints.h"
 
 namespace {
 
@@ -101,7 +102,8 @@ int main(int argc, char** argv) {
   }
   try {
     const Road road = PickAndPlace();
-    qal::io::WriteFile(argv[1], qal::tools::ToCsv(qal::tools::FromWaypoints(road), true));
+    qal::io::WriteFile(argv[1],
+                       qal::io::ToFullCsv(qal::tools::FromWaypoints(road), qal::Arm::Reference()));
     Summarise(road, argv[1]);
     return 0;
   } catch (const std::exception& error) {

@@ -14,7 +14,7 @@ namespace {
 // A key of [limits] or [motors], and where its numbers go.
 struct JointKey {
   const char* key;
-  std::optional<double> JointSettings::* setting;
+  std::optional<double> JointSettings::*setting;
   bool degrees = false;
 };
 
@@ -84,9 +84,9 @@ Transform FromQuaternion(const std::vector<double>& q, const Fields& frame, cons
   const double x = q[1] / length;
   const double y = q[2] / length;
   const double z = q[3] / length;
-  return {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y),
-           2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x),
-           2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)},
+  return {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y), 2 * (x * y + w * z),
+           1 - 2 * (x * x + z * z), 2 * (y * z - w * x), 2 * (x * z - w * y), 2 * (y * z + w * x),
+           1 - 2 * (x * x + y * y)},
           {0, 0, 0}};
 }
 

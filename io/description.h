@@ -15,10 +15,11 @@ struct ReadOptions {
   bool exact_angles = false;  ///< read an angle such as 1.5708 as the multiple of 15 degrees it is
 };
 
-/// The arm that a URDF or a table of parameters (TOML, JSON) describes: a text, told by its content.
-/// What the files contain is in docs/your-arm.md.
+/// The arm that a URDF or a table of parameters (TOML, JSON) describes: a text, told by its
+/// content. What the files contain is in docs/your-arm.md.
 /// @param path what messages call the text
-/// @throw UsageError "PATH: ..." or "PATH, line N: ..." when the text does not describe six revolute
+/// @throw UsageError "PATH: ..." or "PATH, line N: ..." when the text does not describe six
+/// revolute
 ///        joints in a chain
 ArmDescription ParseDescription(const std::string& text, const std::string& path,
                                 const ReadOptions& options);

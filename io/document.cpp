@@ -52,7 +52,10 @@ std::string ValueText(const json& value) {
 }  // namespace
 
 Content ContentOf(std::string_view text) {
-  if (text.substr(0, 4) == "\x7F" "ELF") return Content::kLibrary;
+  if (text.substr(0, 4) ==
+      "\x7F"
+      "ELF")
+    return Content::kLibrary;
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     text.remove_prefix(kByteOrderMark.size());
   }
@@ -75,9 +78,9 @@ Document ParseToml(const std::string& text, const std::string& path) {
     return document;
   } catch (const toml::parse_error& error) {
     const bool named = std::filesystem::path(path).extension() == ".toml";
-    throw UsageError(fmt::format("{}, line {}: not well-formed TOML ({}){}", path,
-                                 error.source().begin.line, error.description(),
-                                 named ? "" : "; a URDF, TOML, JSON or a solver library is expected"));
+    throw UsageError(fmt::format(
+        "{}, line {}: not well-formed TOML ({}){}", path, error.source().begin.line,
+        error.description(), named ? "" : "; a URDF, TOML, JSON or a solver library is expected"));
   }
 }
 
@@ -104,10 +107,9 @@ Fields::Fields(const Document& document, const std::string& keys, const std::str
 void Fields::Expect(const std::vector<std::string>& keys) const {
   for (const auto& entry : object_->items()) {
     if (std::find(keys.begin(), keys.end(), entry.key()) != keys.end()) continue;
-    throw UsageError(fmt::format("{}{}: unknown entry '{}'; expected are {}",
-                                 document_->Place(keys_ + '/' + entry.key()),
-                                 label_.empty() ? "" : ", " + label_, entry.key(),
-                                 fmt::join(keys, ", ")));
+    throw UsageError(fmt::format(
+        "{}{}: unknown entry '{}'; expected are {}", document_->Place(keys_ + '/' + entry.key()),
+        label_.empty() ? "" : ", " + label_, entry.key(), fmt::join(keys, ", ")));
   }
 }
 

@@ -46,9 +46,9 @@ constexpr struct {
   std::string_view ending;
   const char* unit;
   bool angle;
-} kUnits[] = {{"_rad_s3", "/s^3", true},  {"_rad_s2", "/s^2", true}, {"_rad_s", "/s", true},
-              {"_rad", "", true},         {"_rpm_s", " rpm/s", false}, {"_rpm", " rpm", false},
-              {"_m", " m", false},        {"_s", " s", false},         {"", "", false}};
+} kUnits[] = {{"_rad_s3", "/s^3", true}, {"_rad_s2", "/s^2", true},   {"_rad_s", "/s", true},
+              {"_rad", "", true},        {"_rpm_s", " rpm/s", false}, {"_rpm", " rpm", false},
+              {"_m", " m", false},       {"_s", " s", false},         {"", "", false}};
 
 const auto& UnitOf(std::string_view name) {
   return *std::find_if(std::begin(kUnits), std::end(kUnits), [name](const auto& unit) {
@@ -59,7 +59,8 @@ const auto& UnitOf(std::string_view name) {
 
 // What `detail` names, as words: "step bound" for step_bound_rad.
 std::string Words::Name() const {
-  std::string name = error_.detail.substr(0, error_.detail.size() - UnitOf(error_.detail).ending.size());
+  std::string name =
+      error_.detail.substr(0, error_.detail.size() - UnitOf(error_.detail).ending.size());
   std::replace(name.begin(), name.end(), '_', ' ');
   return name;
 }
@@ -86,8 +87,7 @@ std::string Words::Limit() const {
   const bool is_range = error_.detail == "lower_rad" || error_.detail == "upper_rad";
   if (!is_range || !std::isfinite(error_.value)) {
     return fmt::format("{}the {}{} is {}; a finite number{} is expected", whose, Name(),
-                       is_range ? " limit" : "", Named(error_.value),
-                       is_range ? "" : " above 0");
+                       is_range ? " limit" : "", Named(error_.value), is_range ? "" : " above 0");
   }
   return fmt::format("{}the lower limit, {}, lies above the upper one, {}", whose,
                      Named(error_.value), Named(error_.bound));
@@ -99,8 +99,9 @@ std::string Words::OfRequest() const {
       return fmt::format("{}{} is no finite number", error_.joint < 0 ? "" : Joint() + ": ",
                          error_.value);
     case Reason::kNotAnOrientation:
-      return fmt::format("the quaternion has the length {:.3g}; qw qx qy qz of length 1 are expected",
-                         error_.value);
+      return fmt::format(
+          "the quaternion has the length {:.3g}; qw qx qy qz of length 1 are expected",
+          error_.value);
     case Reason::kSetting:
       return Setting();
     default:
@@ -116,9 +117,10 @@ std::string Words::OfSolving() const {
     case Reason::kOutOfReach:
       return "out of reach, the solver finds no joints for it";
     case Reason::kJointRange:
-      return fmt::format("{} at {}, {} outside its limit of {}{}", Joint(), Angle(error_.value),
-                         Angle(over), Angle(error_.bound),
-                         error_.detail == "classic" ? ", which this operation has for any arm" : "");
+      return fmt::format(
+          "{} at {}, {} outside its limit of {}{}", Joint(), Angle(error_.value), Angle(over),
+          Angle(error_.bound),
+          error_.detail == "classic" ? ", which this operation has for any arm" : "");
     case Reason::kStepBound:
       return fmt::format("{} moves {}, {} over the step bound of {}", Joint(), Angle(error_.value),
                          Angle(over), Angle(error_.bound));
@@ -162,7 +164,8 @@ std::string Words::OfMove() const {
                          Length(error_.value), Length(error_.bound));
     case Reason::kEndsTurned:
       return fmt::format(
-          "the tool would have to turn: a quaternion component differs by {:.6g} from start to end; "
+          "the tool would have to turn: a quaternion component differs by {:.6g} from start to "
+          "end; "
           "a straight line keeps each within {:g}",
           error_.value, error_.bound);
     case Reason::kTooShort:
@@ -179,8 +182,9 @@ std::string Words::OfMove() const {
       return fmt::format("{} would need its motor at {:.0f} rpm; {:.9g} rpm are the limit", Joint(),
                          std::fabs(error_.value), error_.bound);
     case Reason::kAccelerationTooLow:
-      return fmt::format("the acceleration, {}/s^2, is built up within 20 ms; it has to be above {}/s^2",
-                         Length(error_.value), Length(error_.bound));
+      return fmt::format(
+          "the acceleration, {}/s^2, is built up within 20 ms; it has to be above {}/s^2",
+          Length(error_.value), Length(error_.bound));
     case Reason::kTooManyPoints:
       return fmt::format("{:.3g} points, at most {:g} are planned", error_.value, error_.bound);
     default:

@@ -26,9 +26,8 @@ Arm MakeArm(const ArmFile& file, const std::string& name) {
   }
   const Result<Solver> solver = Solver::Load(file.solver);
   if (!solver) throw UsageError(fmt::format("{}: {}", file.solver, ErrorText(solver.error())));
-  const Result<Arm> arm = file.description
-                              ? Arm::FromSolver(*solver, description, file.settings)
-                              : Arm::FromSolver(*solver, file.settings);
+  const Result<Arm> arm = file.description ? Arm::FromSolver(*solver, description, file.settings)
+                                           : Arm::FromSolver(*solver, file.settings);
   if (!arm) throw UsageError(fmt::format("{}: {}", name, ErrorText(arm.error())));
   return *arm;
 }
@@ -58,9 +57,8 @@ LoadedArm ResolveArm(const std::optional<std::string>& option, const char* envir
 std::string ArmHeading(const LoadedArm& loaded) {
   const Solver& solver = loaded.arm.solver();
   const std::string hash = solver.hash().empty() ? "no hash" : "hash " + solver.hash();
-  const std::string whence = loaded.file.empty()
-                                 ? "reference arm (built in)"
-                                 : loaded.arm.name() + " from " + loaded.file;
+  const std::string whence =
+      loaded.file.empty() ? "reference arm (built in)" : loaded.arm.name() + " from " + loaded.file;
   const std::string by = solver.path().empty() ? solver.family() : "solver " + solver.path();
   return OneLine(fmt::format("{}, {}, {}", whence, by, hash));
 }
@@ -71,9 +69,12 @@ nlohmann::ordered_json ArmJson(const LoadedArm& loaded) {
     return text;
   };
   const Solver& solver = loaded.arm.solver();
-  return {{"name", loaded.arm.name()},      {"file", or_null(loaded.file)},
-          {"kind", loaded.kind},            {"family", solver.family()},
-          {"solver", or_null(solver.path())}, {"hash", or_null(solver.hash())}};
+  return {{"name", loaded.arm.name()},
+          {"file", or_null(loaded.file)},
+          {"kind", loaded.kind},
+          {"family", solver.family()},
+          {"solver", or_null(solver.path())},
+          {"hash", or_null(solver.hash())}};
 }
 
 }  // namespace qal::io

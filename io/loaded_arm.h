@@ -37,8 +37,8 @@ LoadedArm ResolveArm(const std::optional<std::string>& option, const char* envir
 ///     my_arm from arms/my_arm.toml, solver /home/me/libik.so, no hash
 std::string ArmHeading(const LoadedArm& loaded);
 
-/// The same for programs: `name`, `file` (null: built in), `kind`, `family`, `solver` (the library's
-/// path; null: a closed form) and `hash` (null: none).
+/// The same for programs: `name`, `file` (null: built in), `kind`, `family`, `solver` (the
+/// library's path; null: a closed form) and `hash` (null: none).
 nlohmann::ordered_json ArmJson(const LoadedArm& loaded);
 
 }  // namespace qal::io

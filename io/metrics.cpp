@@ -82,8 +82,7 @@ void MeasureSteps(const Trajectory& trajectory, Metrics& metrics) {
   for (size_t i = 1; i <= last; ++i) {
     double leading = 0.0;
     for (size_t joint = 0; joint < 6; ++joint) {
-      const double step =
-          std::fabs(trajectory[i].joints[joint] - trajectory[i - 1].joints[joint]);
+      const double step = std::fabs(trajectory[i].joints[joint] - trajectory[i - 1].joints[joint]);
       Raise(metrics[kJointStep][joint], step, i);
       leading = std::max(leading, step);
     }

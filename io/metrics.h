@@ -54,9 +54,9 @@ struct Peak {
 /// duration, no step but the first and the last).
 using Peaks = std::vector<std::optional<Peak>>;
 
-/// Measures a trajectory: rates as `FiniteDifferences` defines them, the tool by its pose, or, without
-/// one, by forward kinematics of the joints. The times may be in any order; an interval without a
-/// positive duration has no rates.
+/// Measures a trajectory: rates as `FiniteDifferences` defines them, the tool by its pose, or,
+/// without one, by forward kinematics of the joints. The times may be in any order; an interval
+/// without a positive duration has no rates.
 /// @throw Failure "sample N: REASON" when the arm's solver gives no pose of the joints
 std::array<Peaks, kMetricCount> Measure(const Trajectory& trajectory, const Arm& arm);
 

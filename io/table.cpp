@@ -43,9 +43,9 @@ class TableReader {
     arm.tip = "flange";
     const std::string convention = table_.Text("convention", "");
     if (convention != "dh" && convention != "modified-dh" && convention != "ortho-parallel") {
-      table_.Refuse("convention",
-                    fmt::format("'{}'; 'dh', 'modified-dh' or 'ortho-parallel' is expected",
-                                convention));
+      table_.Refuse(
+          "convention",
+          fmt::format("'{}'; 'dh', 'modified-dh' or 'ortho-parallel' is expected", convention));
     }
     const bool ortho_parallel = convention == "ortho-parallel";
     const std::vector<JointLine> lines = JointLines(ortho_parallel);
@@ -75,8 +75,7 @@ class TableReader {
     if (!table_.Has(key)) return {};
     const Fields frame = table_.Object(key);
     frame.Expect({"xyz", "rpy"});
-    Transform transform =
-        FromRollPitchYaw(units_.Radians(frame.Triple("rpy"), frame.Where("rpy")));
+    Transform transform = FromRollPitchYaw(units_.Radians(frame.Triple("rpy"), frame.Where("rpy")));
     transform.position = units_.Metres(frame.Triple("xyz"));
     return transform;
   }

@@ -8,8 +8,8 @@
 #include <string_view>
 
 #include "error.h"
-#include "numbers.h"
 #include "finite_differences.h"
+#include "numbers.h"
 
 namespace qal::io {
 

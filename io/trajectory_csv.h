@@ -15,8 +15,8 @@ namespace qal::io {
 /// double.
 std::string ToCsv(const Trajectory& trajectory);
 
-/// The same with rates: adds `qd1_rad_s..qd6_rad_s` and `motor1_rpm..motor6_rpm`, the mean speed since the
-/// row before (0 in the first row); `qdd1_rad_s2..qdd6_rad_s2`, the change from this
+/// The same with rates: adds `qd1_rad_s..qd6_rad_s` and `motor1_rpm..motor6_rpm`, the mean speed
+/// since the row before (0 in the first row); `qdd1_rad_s2..qdd6_rad_s2`, the change from this
 /// speed to the next row's (the first and the last row start from and come to rest);
 /// and `tcp_speed_m_s` likewise when there is a pose. The order is speeds, accelerations, tool,
 /// motors. Times have to increase.

@@ -38,8 +38,8 @@ FileFormat FormatOf(std::string_view text) {
   if (ContentOf(text) == Content::kJson) return FileFormat::kJson;
   const std::string_view line = text.substr(0, text.find('\n'));
   // A header with another name for the time still is one; a line of YAML has a colon.
-  const bool columns = line.find(',') != std::string_view::npos &&
-                       line.find(':') == std::string_view::npos;
+  const bool columns =
+      line.find(',') != std::string_view::npos && line.find(':') == std::string_view::npos;
   return columns || line.find("time_s") != std::string_view::npos ? FileFormat::kCsv
                                                                   : FileFormat::kRos;
 }

@@ -9,8 +9,8 @@
 #include <numeric>
 
 #include "error.h"
-#include "numbers.h"
 #include "finite_differences.h"
+#include "numbers.h"
 #include "yaml_document.h"
 
 namespace qal::io {

@@ -34,8 +34,8 @@ std::string ToRosYaml(const Trajectory& trajectory, const JointNames& names);
 /// Reads a `JointTrajectory` in YAML, also with the `secs` and `nsecs` of ROS 1, also as
 /// `ros2 topic echo` prints it. Joints are taken by their names, whatever their order; others are
 /// passed over, and so is everything but positions and time. Where nobody asked for the names and
-/// they aren't the file's, its six joints are taken in its order, with a note. Times are not checked
-/// for their order.
+/// they aren't the file's, its six joints are taken in its order, with a note. Times are not
+/// checked for their order.
 /// @throw UsageError "line N: REASON"
 LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names);
 

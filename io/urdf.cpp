@@ -84,7 +84,8 @@ void ReadLimits(const std::string& path, const UrdfJoint& joint, JointDescriptio
 
 }  // namespace
 
-ArmDescription ReadUrdf(const std::string& text, const std::string& path, const ReadOptions& options) {
+ArmDescription ReadUrdf(const std::string& text, const std::string& path,
+                        const ReadOptions& options) {
   tinyxml2::XMLDocument document;
   if (document.Parse(text.data(), text.size()) != tinyxml2::XML_SUCCESS) {
     throw UsageError(fmt::format("{}, line {}: not well-formed XML ({})", path,

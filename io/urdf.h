@@ -11,7 +11,8 @@ namespace qal::io {
 /// base to tip is left aside.
 /// @param path what messages call the text
 /// @throw UsageError as ParseDescription
-ArmDescription ReadUrdf(const std::string& text, const std::string& path, const ReadOptions& options);
+ArmDescription ReadUrdf(const std::string& text, const std::string& path,
+                        const ReadOptions& options);
 
 }  // namespace qal::io
 

@@ -30,7 +30,7 @@ target_include_directories(qal_fuzz_solver PRIVATE . ${PROJECT_SOURCE_DIR}/src)
 
 if(QAL_BUILD_TOOLS)
   foreach(format csv json ros urdf toml table)
-    qal_add_fuzzer(${format} readers_fuzz.cpp qal_tool qal_tools_arm)
+    qal_add_fuzzer(${format} readers_fuzz.cpp qal_io)
     target_compile_definitions(qal_fuzz_${format} PRIVATE QAL_FUZZ_FORMAT="${format}")
   endforeach()
 endif()

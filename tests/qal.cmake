@@ -3,6 +3,8 @@
 
 set(arm_libraries)
 file(GLOB arms CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/arms/*.*)
+# Another file of an arm that is there already.
+list(FILTER arms EXCLUDE REGEX reference.toml)
 foreach(arm ${arms})
   get_filename_component(name ${arm} NAME_WE)
   set(library ${CMAKE_CURRENT_BINARY_DIR}/qal/${name}/libik.so)
@@ -26,7 +28,7 @@ qal_test_program(
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_REFERENCE_SOLVER="$<TARGET_FILE:ik>"
               QAL_ARM_LIBRARIES="${CMAKE_CURRENT_BINARY_DIR}/qal" QAL_FOREIGN_LIBRARIES="${foreign}"
               QAL_PLAIN_NAMES="$<TARGET_FILE:plain_names>"
-  LIBRARIES qal_static qal_tools_arm Eigen3::Eigen
+  LIBRARIES qal_io Eigen3::Eigen
   NEEDS qal_solver_libraries qal_foreign_here qal_foreign_namesake qal_foreign_without_forward
         plain_names ik)
 # It defines the solver's functions itself, and the solvers' own classes, for all to see.

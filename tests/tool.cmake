@@ -1,6 +1,3 @@
-qal_test_program(qal_trajectory_files_test SOURCES tool/trajectory_files_test.cpp LIBRARIES qal_tool)
-qal_test_program(qal_measure_test SOURCES tool/measure_test.cpp LIBRARIES qal_tool)
-
 # The tool as a process, also with a solver that misbehaves in place of the reference arm's.
 qal_test_program(
   qal_command_test

@@ -1,27 +1,34 @@
+#include <qal/model/chain.h>
+
 #include <cmath>
 #include <cstdint>
 #include <stdexcept>
 
-#include "../../tools/arm/table.h"
-#include "../../tools/arm/units.h"
-#include "../../tools/arm/urdf.h"
-#include "../io/error.h"
-#include "../../tools/qal/trajectory_csv.h"
-#include "../../tools/qal/trajectory_json.h"
-#include "../../tools/qal/trajectory_ros.h"
+#include "../../io/arm_settings.h"
+#include "../../io/error.h"
+#include "../../io/table.h"
+#include "../../io/trajectory_csv.h"
+#include "../../io/trajectory_json.h"
+#include "../../io/trajectory_ros.h"
+#include "../../io/units.h"
+#include "../../io/urdf.h"
 
 namespace {
 
-using namespace qal::tools;
+using namespace qal::io;
 
 void Require(bool holds, const char* what) {
   if (!holds) throw std::logic_error(what);
 }
 
 bool Same(const Sample& a, const Sample& b) {
-  if (a.time_s != b.time_s || a.joints_rad != b.joints_rad) return false;
+  if (a.time_s != b.time_s || a.joints != b.joints) return false;
   if (!a.pose || !b.pose) return !a.pose && !b.pose;
-  return a.pose->position == b.pose->position && a.pose->orientation == b.pose->orientation;
+  const auto numbers = [](const qal::Pose& pose) {
+    const auto& [p, q] = pose;
+    return std::array<double, 7>{p.x, p.y, p.z, q.w, q.x, q.y, q.z};
+  };
+  return numbers(*a.pose) == numbers(*b.pose);
 }
 
 // What is read and written is read the same again.
@@ -40,28 +47,38 @@ void CheckTrajectory(const std::string& text, Read read, Write write) {
           "not the same when read again");
 }
 
-void CheckArm(const Arm& arm) {
+void CheckArm(const qal::ArmDescription& arm) {
   CheckScale(arm, "file");
-  Require(std::isfinite(Length(TipFrame(arm, {}).position)), "a tip that isn't finite");
+  const qal::Vec3 tip = TipFrame(arm, {}).position;
+  Require(std::isfinite(tip.x + tip.y + tip.z), "a tip that isn't finite");
+}
+
+void CheckSettings(const qal::ArmSettings& settings) {
+  for (const qal::JointSettings& joint : settings.joints) {
+    Require(std::isfinite(joint.jerk_rad_s3.value_or(0)), "a limit that isn't finite");
+  }
+  for (const double element : settings.tool.rotation) {
+    Require(std::isfinite(element), "a frame that isn't finite");
+  }
 }
 
 void Read(const std::string& format, const std::string& text) {
   if (format == "csv") {
-    CheckTrajectory(text, ParseCsv, [](const Trajectory& t) { return ToCsv(t, false); });
+    CheckTrajectory(text, ParseCsv, ToCsv);
   } else if (format == "json") {
-    CheckTrajectory(
-        text, [](std::string_view t) { return qal::tools::ParseJson(t); },
-        [](const Trajectory& t) { return ToJson(t).dump(); });
+    CheckTrajectory(text, ParseJsonTrajectory,
+                    [](const Trajectory& t) { return ToJson(t).dump(); });
   } else if (format == "ros") {
-    const JointNames names = DefaultJointNames();
     CheckTrajectory(
-        text, [&](std::string_view t) { return ParseRosYaml(t, names); },
-        [&](const Trajectory& t) { return ToRosYaml(t, names); });
+        text, [](std::string_view t) { return ParseRosYaml(t, {}); },
+        [](const Trajectory& t) { return ToRosYaml(t, DefaultJointNames()); });
   } else if (format == "urdf") {
     CheckArm(ReadUrdf(text, "file", {}));
   } else {
-    CheckArm(ReadTable(format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file"), "file",
-                       {}));
+    const Document table = format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file");
+    const Fields fields(table, "", "");
+    if (fields.Has("convention")) return CheckArm(ReadTable(fields, {}));
+    CheckSettings(ReadArmSettings(fields));
   }
 }
 

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <string>
 
+#include "../../io/arm_file.h"
 #include "../../src/qal/model/chain.h"
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
-#include "../../io/arm_file.h"
 
 namespace qal::tools {
 

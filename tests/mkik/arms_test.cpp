@@ -7,9 +7,9 @@
 #include <limits>
 #include <random>
 
+#include "../../io/document.h"
+#include "../../io/files.h"
 #include "../../solver/reference_arm.h"
-#include "../../tools/arm/table.h"
-#include "../io/files.h"
 #include "../solver/urdf_chain.h"
 
 namespace qal::tools {
@@ -137,7 +137,8 @@ KDL::Chain ChainOf(const ArmDescription& arm, const std::string& path) {
   if (path.find(".urdf") != std::string::npos) return ReadUrdfChain(path, arm.tip);
   const bool toml = path.find(".toml") != std::string::npos;
   const nlohmann::json table =
-      toml ? ParseToml(ReadFile(path), path) : ParseJson(ReadFile(path), path);
+      (toml ? io::ParseToml(io::ReadFile(path), path) : io::ParseJson(io::ReadFile(path), path))
+          .root;
   const auto fixed = [&table](const char* key) {
     if (table.count(key) == 0) return KDL::Frame::Identity();
     const auto& xyz = table[key]["xyz"];

@@ -47,7 +47,8 @@ TEST_F(Mkik, WritesASourceThatBuildsByItself) {
 }
 
 TEST_F(Mkik, SaysWhatItFound) {
-  const auto found = nlohmann::json::parse(Shell(kMkik + kArms + "reference.urdf --json").out);
+  const auto found =
+      nlohmann::json::parse(Shell(kMkik + "- --json < " + kArms + "reference.urdf").out);
   EXPECT_EQ(found["family"], "spherical wrist");
   EXPECT_EQ(found["lengths_m"]["upper_arm"], 0.4);
   EXPECT_EQ(found["joints"][2]["upper_rad"], 2.967059678);
@@ -57,7 +58,7 @@ TEST_F(Mkik, SaysWhatItFound) {
 
 TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
   std::ofstream("skew.urdf") << "<robot name='x'><link name='a&#27;&#10;b'/></robot>";
-  std::ofstream("arm.xacro");
+  std::ofstream("arm.step") << "ISO-10303-21;";
   const std::string reference = kArms + "reference.urdf";
   const struct {
     std::string command;
@@ -66,8 +67,11 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
   } cases[] = {
       {kMkik, 2, "ARM is required (--help shows the usage)"},
       {kMkik + "none.urdf", 2, "cannot read none.urdf: No such file or directory"},
-      {kMkik + "arm.xacro", 2, "arm.xacro: a xacro file; run xacro on it and give its output"},
-      {kMkik + "arm.step", 2, "arm.step: .urdf, .xml, .toml or .json is expected"},
+      {kMkik + "arm.step", 2,
+       "arm.step, line 1: not well-formed TOML (Error while parsing key-value pair: expected '=', "
+       "saw ';'); a URDF, TOML, JSON or a solver library is expected"},
+      {kMkik + QAL_MKIK, 2,
+       QAL_MKIK ": a solver library without a description; a URDF or a table is expected"},
       {kMkik + "skew.urdf", 2, "skew.urdf: no joints behind 'a  b'"},  // an escape, a line end
       {kMkik + reference + " --tip hand", 2, reference + ": no link named 'hand' (--tip)"},
       {kMkik + reference + " --deg", 2, "--deg is for tables; a URDF's angles are radians"},
@@ -89,7 +93,7 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
     EXPECT_EQ(run.err, "mkik: " + message + "\n");
     EXPECT_EQ(run.out, "");
   }
-  EXPECT_EQ(Files(), "arm.xacro\nskew.urdf\n");
+  EXPECT_EQ(Files(), "arm.step\nskew.urdf\n");
 }
 
 }  // namespace

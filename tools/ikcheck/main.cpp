@@ -1,4 +1,5 @@
 #include <fmt/format.h>
+#include <qal/model/chain.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -6,7 +7,6 @@
 #include <exception>
 #include <sstream>
 
-#include <qal/model/chain.h>
 #include "../../io/arm_file.h"
 #include "../../io/error.h"
 #include "../../io/files.h"
@@ -46,9 +46,10 @@ void Describe(CLI::App& app, Arguments& arguments) {
   app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
       ->check(CLI::Range(0.1, 3600.0))
       ->capture_default_str();
-  app.add_option("--urdf,--table", arguments.arm,
-                 "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
-                 "arm file; base and tip frames have to agree, too")
+  app.add_option(
+         "--urdf,--table", arguments.arm,
+         "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
+         "arm file; base and tip frames have to agree, too")
       ->type_name("FILE");
   tools::AddReadOptions(app, arguments.read);
   app.add_flag("--json", arguments.json, "print the report as JSON");

@@ -32,7 +32,9 @@ struct Arguments {
 };
 
 void Describe(CLI::App& app, Arguments& arguments) {
-  app.add_option("ARM", arguments.arm, "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard input")
+  app.add_option(
+         "ARM", arguments.arm,
+         "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard input")
       ->required();
   app.add_option("-o,--output", arguments.output,
                  "solver library to build, or its source when the name ends in .cpp;\n"

@@ -7,9 +7,9 @@
 #include <cmath>
 #include <random>
 
+#include "../../io/error.h"
 #include "../../src/qal/model/chain.h"
 #include "../../src/qal/model/frames.h"
-#include "../../io/error.h"
 
 namespace qal::tools {
 

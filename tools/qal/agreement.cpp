@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
+#include "../../src/kinematics/ikfunc.h"
 
 namespace qal::tools {
 

@@ -8,11 +8,11 @@
 #include <cmath>
 #include <sstream>
 
-#include "../../src/kinematics/solve/arm_numbers.h"
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
 #include "../../io/messages.h"
 #include "../../io/numbers.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/arm_numbers.h"
 
 namespace qal::tools {
 

@@ -5,11 +5,11 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
-#include "../common/library_lines.h"
 #include "../../io/numbers.h"
-#include "commands.h"
 #include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
+#include "../common/library_lines.h"
+#include "commands.h"
 #include "trajectory_input.h"
 #include "waypoints.h"
 

@@ -5,16 +5,17 @@
 #include <cmath>
 #include <memory>
 
-#include "../../src/kinematics/solve/inverse.h"
-#include "../../src/kinematics/ikfunc.h"
-#include "../../src/kinematics/solve/solution_choice.h"
 #include "../../io/error.h"
-#include "../common/library_lines.h"
 #include "../../io/messages.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/inverse.h"
+#include "../../src/kinematics/solve/solution_choice.h"
+#include "../common/library_lines.h"
 #include "agreement.h"
 #include "commands.h"
 #include "output.h"
 #include "solutions.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 

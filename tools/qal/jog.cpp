@@ -4,9 +4,9 @@
 #include <cmath>
 #include <memory>
 
-#include "../../src/kinematics/solve/inverse.h"
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/inverse.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
 #include "commands.h"

@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "../../src/kinematics/trajectory/joint_move.h"
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/trajectory/joint_move.h"
 #include "commands.h"
 #include "move.h"
 

@@ -6,12 +6,12 @@
 #include <cmath>
 #include <cstdio>
 
-#include "../../src/kinematics/trajectory/straight_line.h"
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
 #include "agreement.h"
-#include "waypoints.h"
 #include "solutions.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 

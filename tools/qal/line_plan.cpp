@@ -5,16 +5,16 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../src/kinematics/solve/inverse.h"
-#include "../../src/kinematics/trajectory/straight_line.h"
-#include "../../src/kinematics/ikfunc.h"
-#include "../../src/kinematics/solve/solution_choice.h"
 #include "../../io/error.h"
-#include "../common/library_lines.h"
 #include "../../io/numbers.h"
-#include "waypoints.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/inverse.h"
+#include "../../src/kinematics/solve/solution_choice.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
+#include "../common/library_lines.h"
 #include "line_failure.h"
 #include "solutions.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 

@@ -5,13 +5,13 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "../../src/kinematics/solve/solution_choice.h"
 #include "../../io/error.h"
+#include "../../io/metrics.h"
+#include "../../io/trajectory_json.h"
+#include "../../src/kinematics/solve/solution_choice.h"
 #include "../common/library_lines.h"
 #include "agreement.h"
-#include "../../io/metrics.h"
 #include "solutions.h"
-#include "../../io/trajectory_json.h"
 #include "waypoints.h"
 
 namespace qal::tools {

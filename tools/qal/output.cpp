@@ -31,7 +31,8 @@ void Output::Write(const Trajectory& trajectory, const std::string& data) const 
     WriteStandardOutput((full_ ? ToFullCsv(trajectory, SolverArm()) : ToCsv(trajectory)));
     return;
   }
-  if (!csv_.empty()) WriteFile(csv_, (full_ ? ToFullCsv(trajectory, SolverArm()) : ToCsv(trajectory)));
+  if (!csv_.empty())
+    WriteFile(csv_, (full_ ? ToFullCsv(trajectory, SolverArm()) : ToCsv(trajectory)));
   WriteStandardOutput(data);
 }
 

@@ -6,9 +6,9 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
+#include "../../io/trajectory.h"
 #include "../../src/core/roadpoint.h"
 #include "arguments.h"
-#include "../../io/trajectory.h"
 
 namespace qal::tools {
 

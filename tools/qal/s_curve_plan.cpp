@@ -3,14 +3,14 @@
 #include <cmath>
 #include <limits>
 
-#include "../../src/kinematics/trajectory/straight_line.h"
-#include "../../src/kinematics/ikfunc.h"
 #include "../../io/error.h"
-#include "../../io/messages.h"
 #include "../../io/finite_differences.h"
-#include "waypoints.h"
+#include "../../io/messages.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/trajectory/straight_line.h"
 #include "line_failure.h"
 #include "line_plan.h"
+#include "waypoints.h"
 
 namespace qal::tools {
 

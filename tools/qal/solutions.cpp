@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "../../src/kinematics/solve/arm_numbers.h"
-#include "../../src/kinematics/ikfunc.h"
-#include "../../src/kinematics/solve/solution_choice.h"
-#include "../../src/kinematics/solve/solver_query.h"
 #include "../../io/error.h"
 #include "../../io/messages.h"
+#include "../../src/kinematics/ikfunc.h"
+#include "../../src/kinematics/solve/arm_numbers.h"
+#include "../../src/kinematics/solve/solution_choice.h"
+#include "../../src/kinematics/solve/solver_query.h"
 #include "agreement.h"
 #include "output.h"
 #include "solver_check.h"
@@ -70,11 +70,12 @@ std::vector<Solution> FindSolutions(const RoadPoint& target, const double* refer
       solution.distance_rad +=
           std::fabs(solution.joints_rad[static_cast<size_t>(j)] - reference[j]);
     }
-    const Judgement judgement = Judge(solution.joints_rad.data(), reference, bound_rad, kReferenceNumbers.range);
+    const Judgement judgement =
+        Judge(solution.joints_rad.data(), reference, bound_rad, kReferenceNumbers.range);
     solution.admissible = judgement.refusal == Refusal::kNone;
     solution.verdict = Verdict(judgement, solution.joints_rad, reference, bound_rad, units);
     solution.chosen = found_nearest && std::equal(nearest.jointpos, nearest.jointpos + kJointCount,
-                                                solution.joints_rad.begin());
+                                                  solution.joints_rad.begin());
     solutions.push_back(solution);
   }
   if (solutions.empty()) {

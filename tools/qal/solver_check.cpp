@@ -3,8 +3,8 @@
 #include <dlfcn.h>
 #include <fmt/format.h>
 
-#include "../../src/kinematics/ikfast.h"
 #include "../../io/error.h"
+#include "../../src/kinematics/ikfast.h"
 
 namespace qal::tools {
 

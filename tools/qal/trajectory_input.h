@@ -29,6 +29,7 @@ class TrajectoryInput {
   std::string path_;
   std::string format_;
   io::JointNames names_ = io::DefaultJointNames();
+  const CLI::Option* names_option_ = nullptr;
 };
 
 }  // namespace qal::tools

@@ -7,11 +7,11 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../../io/finite_differences.h"
+#include "../../io/metrics.h"
 #include "../common/library_lines.h"
 #include "arguments.h"
 #include "commands.h"
-#include "../../io/finite_differences.h"
-#include "../../io/metrics.h"
 #include "trajectory_input.h"
 #include "waypoints.h"
 

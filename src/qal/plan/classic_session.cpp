@@ -103,7 +103,8 @@ void Session::Hear(const Report& report) const {
   }
   if (failure_) return;
   failure_ = Heard{report.event, report.point != nullptr ? *report.point : RoadPoint(),
-                   report.index, report.joint, report.value, report.bound};
+                   report.index, report.joint,
+                   report.value, report.bound};
 }
 
 Error Session::WhyUnsolved(const RoadPoint& point, double step_bound_rad) const {

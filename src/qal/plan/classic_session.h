@@ -9,8 +9,8 @@
 
 namespace qal::classic {
 
-/// What the classic operations have to know of an arm. One with the reference arm's motors and cycle
-/// has its numbers, digit by digit.
+/// What the classic operations have to know of an arm. One with the reference arm's motors and
+/// cycle has its numbers, digit by digit.
 ArmNumbers NumbersOf(const Arm& arm);
 
 RoadPoint ToRoadPoint(const Pose& pose, const Joints& joints);
@@ -38,8 +38,8 @@ class Session final : private Observer {
   /// The first of these events, in the order in which they came; nothing: none came.
   const std::optional<Heard>& failure() const { return failure_; }
 
-  /// Why a point has no solution from its own joints: which joint of the nearest solution leaves the
-  /// classic range or the bound.
+  /// Why a point has no solution from its own joints: which joint of the nearest solution leaves
+  /// the classic range or the bound.
   Error WhyUnsolved(const RoadPoint& point, double step_bound_rad) const;
 
   /// Whether the joints have the pose. Where a pose has no solution, the operations may answer with
@@ -56,20 +56,6 @@ class Session final : private Observer {
   Context context_;
   mutable std::optional<Heard> failure_;  // hearing is const, since the console keeps nothing
 };
-
-/// Runs a plan, and gives what a solver throws as a failure.
-template <typename Answer, typename Make>
-Answer Guarded(Make make) {
-  try {
-    return make();
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const std::exception& error) {
-    return Failure{{Reason::kSolverThrows, -1, 0, 0, error.what()}};
-  } catch (...) {
-    return Failure{{Reason::kSolverThrows}};
-  }
-}
 
 }  // namespace qal::classic
 

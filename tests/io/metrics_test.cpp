@@ -1,12 +1,13 @@
-#include "../../tools/qal/measure.h"
+#include "../../io/metrics.h"
 
 #include <gtest/gtest.h>
+#include <qal/solve/kinematics.h>
 
 #include <cmath>
 
-#include "../../tools/qal/differences.h"
+#include "../../io/finite_differences.h"
 
-namespace qal::tools {
+namespace qal::io {
 namespace {
 
 // One second apart, joint 1 at 0, 0.1, 0.3, 0.3 rad, joint 4 at 0, 0, 0, -0.2 and joint 6 at 0,
@@ -17,33 +18,29 @@ Trajectory FourSamples() {
                            {1.0, {0.1, 0.3, -0.2, 0.0, 0.5, 0.1}, {}},
                            {2.0, {0.3, 0.3, -0.2, 0.0, 0.5, 0.24}, {}},
                            {3.0, {0.3, 0.3, -0.2, -0.2, 0.5, 0.33}, {}}};
-  for (size_t i = 0; i < trajectory.size(); ++i) {
-    const RoadPoint point = PointAt(trajectory, i);
-    trajectory[i].pose = Sample::Pose{point.position, point.orientation};
-  }
+  for (Sample& sample : trajectory) sample.pose = Forward(Arm::Reference(), sample.joints).value();
   auto& [position, q] = *trajectory[2].pose;
   position.z += 0.003;
   const double c = -std::cos(0.01);
   const double s = -std::sin(0.01);
-  q = Ori(c * q.w - s * q.z, c * q.x - s * q.y, c * q.y + s * q.x, c * q.z + s * q.w);
+  q = {c * q.w - s * q.z, c * q.x - s * q.y, c * q.y + s * q.x, c * q.z + s * q.w};
   return trajectory;
 }
 
 struct Expected {
-  FigureIndex figure;
+  MetricIndex metric;
   size_t entry;
   double value;
   size_t sample;
 };
 
 void ExpectPeaks(const Trajectory& trajectory, const std::vector<Expected>& expected) {
-  const auto figures = Measure(trajectory);
-  for (const auto& [figure, entry, value, sample] : expected) {
-    const std::optional<Peak>& peak = figures[figure].at(entry);
-    SCOPED_TRACE(testing::Message() << kFigures[figure].key << ", entry " << entry);
+  const auto metrics = Measure(trajectory, Arm::Reference());
+  for (const auto& [metric, entry, value, sample] : expected) {
+    const std::optional<Peak>& peak = metrics[metric].at(entry);
+    SCOPED_TRACE(testing::Message() << kMetrics[metric].key << ", entry " << entry);
     ASSERT_TRUE(peak);
-    // The quaternions of forward kinematics are of single precision.
-    EXPECT_NEAR(value, peak->value, figure == kOrientationError ? 1e-6 : 1e-12);
+    EXPECT_NEAR(value, peak->value, 1e-12);
     EXPECT_EQ(sample, peak->sample);
   }
 }
@@ -84,7 +81,7 @@ TEST(Measure, HoldsTheEndStepsAgainstTheOthers) {
 // end by 2 cm in 2 s and comes back: that is off the line as well.
 TEST(Measure, TakesTheToolFromTheFile) {
   const auto at = [](double time_s, double x, double y) {
-    return Sample{time_s, {}, Sample::Pose{{x, y, 0}, {1, 0, 0, 0}}};
+    return Sample{time_s, {}, Pose{{x, y, 0}, {1, 0, 0, 0}}};
   };
   Trajectory trajectory = {at(0, 0, 0), at(1, 0.01, 0.004), at(2, 0.02, 0), at(4, 0.05, 0),
                            at(5, 0.03, 0)};
@@ -100,14 +97,14 @@ TEST(Measure, CountsTimesThatDoNotIncrease) {
       {0, {0.0}, {}}, {1, {0.1}, {}}, {1, {0.2}, {}}, {0.5, {0.3}, {}}, {1.5, {0.4}, {}}};
   ExpectPeaks(trajectory,
               {{kRepeatedTimes, 0, 1.0, 2}, {kBackwardTimes, 0, 1.0, 3}, {kJointSpeed, 0, 0.1, 4}});
-  EXPECT_EQ(2u, FindViolations(Measure(trajectory), DefaultLimits()).size());
+  EXPECT_EQ(2u, FindViolations(Measure(trajectory, Arm::Reference()), DefaultLimits()).size());
 }
 
 // q = t^2 has the speed 2 t and the acceleration 2, however it is sampled.
-TEST(Differences, AreExactForAParabolaAtUnevenTimes) {
+TEST(FiniteDifferences, AreExactForAParabolaAtUnevenTimes) {
   Trajectory trajectory;
   for (const double t : {0.0, 1.0, 3.0, 3.5}) trajectory.push_back({t, {t * t}, {}});
-  const Differences rates(trajectory);
+  const FiniteDifferences rates(trajectory);
   EXPECT_DOUBLE_EQ(2.0, rates.JointSpeedAt(1, 0));
   EXPECT_DOUBLE_EQ(6.0, rates.JointSpeedAt(2, 0));
   EXPECT_DOUBLE_EQ(2.0, rates.JointAcceleration(1, 0));
@@ -116,28 +113,29 @@ TEST(Differences, AreExactForAParabolaAtUnevenTimes) {
   EXPECT_EQ(0.0, rates.JointSpeedAt(3, 0));
 }
 
-// At its peak each limit holds, a thousandth below it it doesn't; each limit is its figure's alone.
+// At its peak each limit holds, a thousandth below it it doesn't; each limit is its metric's alone.
 TEST(FindViolations, FindsEachViolationOnce) {
-  const auto figures = Measure(FourSamples());
-  EXPECT_TRUE(FindViolations(figures, DefaultLimits()).empty());
-  for (size_t i = kJointSpeed; i < kFigureCount; ++i) {
-    const size_t entry = figures[i].size() > 1 ? 3 : 0;
+  const auto metrics = Measure(FourSamples(), Arm::Reference());
+  EXPECT_TRUE(FindViolations(metrics, DefaultLimits()).empty());
+  for (size_t i = kJointSpeed; i < kMetricCount; ++i) {
+    const size_t entry = metrics[i].size() > 1 ? 3 : 0;
     Limits limits = DefaultLimits();
-    limits[i].assign(figures[i].size(), 1e9);
-    limits[i][entry] = figures[i][entry]->value;
-    EXPECT_TRUE(FindViolations(figures, limits).empty()) << kFigures[i].key;
+    limits[i].assign(metrics[i].size(), 1e9);
+    limits[i][entry] = metrics[i][entry]->value;
+    EXPECT_TRUE(FindViolations(metrics, limits).empty()) << kMetrics[i].key;
     limits[i][entry] *= 0.999;
-    const std::vector<Violation> violations = FindViolations(figures, limits);
-    ASSERT_EQ(1u, violations.size()) << kFigures[i].key;
-    EXPECT_EQ(i, violations[0].figure);
+    const std::vector<Violation> violations = FindViolations(metrics, limits);
+    ASSERT_EQ(1u, violations.size()) << kMetrics[i].key;
+    EXPECT_EQ(i, violations[0].metric);
     EXPECT_EQ(entry, violations[0].entry);
   }
   Trajectory no_pose = FourSamples();
   for (Sample& sample : no_pose) sample.pose.reset();
   Limits limits;
   limits[kPositionError] = {1.0};
-  EXPECT_EQ(1u, FindViolations(Measure(no_pose), limits).size()) << "a check of nothing can't pass";
+  EXPECT_EQ(1u, FindViolations(Measure(no_pose, Arm::Reference()), limits).size())
+      << "a check of nothing can't pass";
 }
 
 }  // namespace
-}  // namespace qal::tools
+}  // namespace qal::io

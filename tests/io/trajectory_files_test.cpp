@@ -3,19 +3,20 @@
 #include <cmath>
 #include <functional>
 
-#include "../../tools/qal/trajectory_csv.h"
-#include "../../tools/qal/trajectory_json.h"
-#include "../../tools/qal/trajectory_ros.h"
+#include "../../io/trajectory_csv.h"
+#include "../../io/trajectory_file.h"
+#include "../../io/trajectory_json.h"
+#include "../../io/trajectory_ros.h"
 #include "../support/refusal.h"
 
-namespace qal::tools {
+namespace qal::io {
 namespace {
 
 // Half a second from row to row, joint 1 moves at 0.5 and 1.5 rad/s, and the tool at 0.5 and 2 m/s.
 // From rest to 0.5 rad/s in half a second is 1 rad/s^2, to 1.5 it is 2, and to rest again -3. The
 // motor turns at 0.5 * 363 * 0.005 / 0.000523595 rpm, and three times that.
 TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
-  const Sample::Pose pose = {{0.1, 0.2, 0.5}, {0, 1, 0, 0}};
+  const Pose pose = {{0.1, 0.2, 0.5}, {0, 1, 0, 0}};
   Trajectory trajectory = {{0.0, {0.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
                            {0.5, {0.25, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
                            {1.0, {1.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose}};
@@ -31,7 +32,7 @@ TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
       "1733.2098282069155,0,0,0,0,0\n"
       "1,1,0,-0,1e-09,0.1,0.3,0.1,0.2,1.75,0,1,0,0,1.5,0,0,0,0,0,-3,0,0,0,0,0,2,"
       "5199.629484620747,0,0,0,0,0\n",
-      ToCsv(trajectory, true));
+      ToFullCsv(trajectory, Arm::Reference()));
 }
 
 // Numbers whose decimals are easily lost.
@@ -41,8 +42,7 @@ Trajectory Awkward(bool poses) {
   for (const int cycle : {-101, 0, 1, 3, 199, 201, 123457, 20000001}) {
     trajectory.push_back({cycle / 200.0, {0.1 + 0.2, -0.0, 4.9e-324, 1.7e308, -1.0 / 3, 1e22}, {}});
     const double nearly_one = std::nextafter(1.0, 0.0);
-    if (poses)
-      trajectory.back().pose = Sample::Pose{{0.7, 1e-17, -2.5}, {nearly_one, 0, -0.0, 0.1}};
+    if (poses) trajectory.back().pose = Pose{{0.7, 1e-17, -2.5}, {nearly_one, 0, -0.0, 0.1}};
   }
   return trajectory;
 }
@@ -51,13 +51,13 @@ Trajectory Awkward(bool poses) {
 TEST(TrajectoryFiles, ReadBackToTheSameDoubles) {
   for (const bool poses : {false, true}) {
     const Trajectory written = Awkward(poses);
-    std::vector<LocatedTrajectory> read = {ParseCsv(ToCsv(written, false)),
-                                           ParseCsv(ToCsv(written, true)),
-                                           ParseJson(ToJson(written).dump())};
+    std::vector<LocatedTrajectory> read = {ParseCsv(ToCsv(written)),
+                                           ParseCsv(ToFullCsv(written, Arm::Reference())),
+                                           ParseJsonTrajectory(ToJson(written).dump())};
     const JointNames names = {"a: b", "\"", "c", "d", "e", "f"};
-    if (!poses) read.push_back(ParseRosYaml(ToRosYaml(written, names), names));
+    if (!poses) read.push_back(ParseRosYaml(ToRosYaml(written, names), {names, true}));
     for (const LocatedTrajectory& file : read) {
-      EXPECT_EQ(ToCsv(written, false), ToCsv(file.samples, false)) << &file - read.data();
+      EXPECT_EQ(ToCsv(written), ToCsv(file.samples)) << &file - read.data();
     }
   }
 }
@@ -72,17 +72,17 @@ TEST(TrajectoryFiles, AreTakenAsOtherProgramsWriteThem) {
       "joint_names:\n- gripper\n- joint_6\n- joint_5\n- joint_4\n- joint_3\n- joint_2\n- joint_1\n"
       "points:\n- positions:\n  - 9.0\n  - 6.0\n  - 5.0\n  - 4\n  - 3.0\n  - 2.0\n  - 1.0\n"
       "  velocities: []\n  time_from_start:\n    sec: 0\n    nanosec: 500000000\n---\n",
-      DefaultJointNames());
+      {});
   const LocatedTrajectory ros1 = ParseRosYaml(
       "joint_names: [a, b, c, d, e, f]\npoints:\n"
       "  - {positions: [1, 2, 3, 4, 5, 6], time_from_start: {secs: 0, nsecs: 500000000}}\n",
-      {"a", "b", "c", "d", "e", "f"});
+      {{"a", "b", "c", "d", "e", "f"}, true});
   EXPECT_EQ(std::vector<size_t>{2}, csv.lines);
   EXPECT_EQ(std::vector<size_t>{10}, ros.lines);
   for (const LocatedTrajectory& read : {csv, ros, ros1}) {
     ASSERT_EQ(1u, read.samples.size());
     EXPECT_EQ(0.5, read.samples[0].time_s);
-    EXPECT_EQ((std::array<double, 6>{1, 2, 3, 4, 5, 6}), read.samples[0].joints_rad);
+    EXPECT_EQ((std::array<double, 6>{1, 2, 3, 4, 5, 6}), read.samples[0].joints);
   }
 }
 
@@ -118,7 +118,7 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
       });
   const std::string json = R"({"time_s": [0, 1], "joints_rad": [[0,0,0,0,0,0], )";
   ExpectRefused(
-      ParseJson,
+      ParseJsonTrajectory,
       {
           {"{\"time_s\": [0],\n \"joints_rad\": nan}", "line 2, column 17: no valid JSON"},
           {"[]", "no array 'time_s'"},
@@ -132,7 +132,7 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
   const std::string points = "points:\n- positions: [0, 0, 0, 0, 0, ";
   const std::string time = "]\n  time_from_start: {sec: 0, nanosec: ";
   ExpectRefused(
-      [](std::string_view text) { ParseRosYaml(text, DefaultJointNames()); },
+      [](std::string_view text) { ParseRosYaml(text, {}); },
       {
           {"", "line 1: the file is empty"},
           {names + "points: [", "line 3: no valid YAML"},
@@ -148,6 +148,48 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
       });
 }
 
+// Names that nobody asked for: where all are known by name, else six in the order of the file.
+TEST(TrajectoryFiles, RosJointsOfOtherNamesAreTakenInOrderWithANote) {
+  const auto read = [](const std::string& names, const RosNames& wanted) {
+    return ParseRosYaml("joint_names: [" + names +
+                            "]\npoints:\n- positions: [1, 2, 3, 4, 5, 6]\n"
+                            "  time_from_start: {sec: 0, nanosec: 0}\n",
+                        wanted);
+  };
+  const RosNames arm = {{"f", "e", "d", "c", "b", "a"}, false};
+  const LocatedTrajectory by_name = read("a, b, c, d, e, f", arm);
+  EXPECT_EQ((Joints{6, 5, 4, 3, 2, 1}), by_name.samples[0].joints);
+  EXPECT_TRUE(by_name.notes.empty());
+  const LocatedTrajectory in_order = read("a, b, c, d, e, g", arm);
+  EXPECT_EQ((Joints{1, 2, 3, 4, 5, 6}), in_order.samples[0].joints);
+  EXPECT_EQ(std::vector<std::string>{"joints 1 to 6 in the order of the file: a, b, c, d, e, g"},
+            in_order.notes);
+  const std::string refusal = "line 1: joint_names: 'f' stands 0 times, once was expected";
+  for (const std::string& said : {Refusal([&] {
+                                    read("a, b, c, d, e, g", {arm.names, true});
+                                  }),
+                                  Refusal([&] { read("a, b, c, d, e, g, h", arm); })}) {
+    EXPECT_EQ(refusal, said.substr(0, refusal.size()));
+  }
+}
+
+TEST(TrajectoryFiles, TellTheirFormatByHowTheyBegin) {
+  EXPECT_EQ(FileFormat::kJson, FormatOf(" \n{\"time_s\": []}"));
+  EXPECT_EQ(FileFormat::kCsv, FormatOf("\xEF\xBB\xBFq1_rad, time_s\n"));
+  EXPECT_EQ(FileFormat::kCsv, FormatOf("t,q1,q2\n0,0,0\n")) << "and refused by its header";
+  EXPECT_EQ(FileFormat::kRos, FormatOf("joint_names: [a, b]\n"));
+  EXPECT_EQ(FileFormat::kRos, FormatOf("---\nheader:\n"));
+  EXPECT_EQ(FileFormat::kRos, FormatToWrite("", "plan.yml", "--to"));
+  EXPECT_EQ(FileFormat::kCsv, FormatToWrite("csv", "plan.json", "--to"));
+  EXPECT_EQ(0u, Refusal([] { FormatToWrite("", "plan.txt", "--to"); }).find("plan.txt: the name"));
+}
+
+// 0.005 is not exact: 35 times it is the double above 0.175; 9 times 0.004 likewise.
+TEST(FromStates, SetsEachSampleAtTheNearestDouble) {
+  EXPECT_EQ(0.175, FromStates(std::vector<State>(36), 0.005)[35].time_s);
+  EXPECT_EQ(0.036, FromStates(std::vector<State>(10), 0.004)[9].time_s);
+}
+
 // Half a nanosecond apart, the two times would be one.
 TEST(TrajectoryFiles, RosTimesMayNotFallTogether) {
   const Trajectory close = {{0.0, {}, {}}, {5e-10 - 1e-12, {}, {}}};
@@ -156,4 +198,4 @@ TEST(TrajectoryFiles, RosTimesMayNotFallTogether) {
 }
 
 }  // namespace
-}  // namespace qal::tools
+}  // namespace qal::io
