@@ -20,10 +20,13 @@
 ///   reference joint, equality included). Its distance is the plain sum of the absolute joint
 ///   differences, not wrapped. The nearest admissible one wins, the solver's earlier one in a tie.
 ///   A solution at distance exactly 0 doesn't hold against a later admissible one: 0 is also the
-///   mark of "none yet". Solutions that don't have six joints are passed over.
+///   mark of "none yet". Solutions that don't have six joints are passed over. A joint that is NaN
+///   is never refused.
 /// - Nudge: each joint above 0 loses 1e-5 rad, every other gains 1e-5 rad.
 /// - Pointers must not be null and must point to as many elements as said.
 /// - Messages to standard error are raw bytes; lines to standard output go through `std::cout`.
+///   Where forward kinematics fails inside another operation, `ArmFk`'s message comes, whatever
+///   that operation's result, and before its own messages.
 /// - Nothing throws but the containers (std::bad_alloc), the streams where the host has switched
 ///   their exceptions on, and a solver that throws; all of these pass through. They leave waypoints
 ///   as they were, and in a vector or an array whole points only: what was there, or the beginning
@@ -48,8 +51,10 @@ class QAL_API Ikfunc {
   /// @param arm_ori     out: orientation (w first), its largest component not negative
   /// @param joint_solve 6 joints [rad]
   /// @return false, with both outputs untouched and "Error while converting to quaternion!\n" on
-  ///         standard error, when the matrix has a NaN. A matrix with infinities may pass and give
-  ///         NaN components.
+  ///         standard error, when a magnitude is NaN: with a NaN on the matrix's diagonal, or with
+  ///         infinities there that cancel. Others pass. A NaN elsewhere in the matrix counts as a
+  ///         negative sum or difference, one in the position is written as it is, and a single
+  ///         infinity on the diagonal gives NaN components.
   static bool ArmFk(Pos& arm_pos, Ori& arm_ori, double* joint_solve);
 
   /// Pose of a waypoint's own joints, written to its `position` and `orientation`; `jointpos` and
@@ -61,15 +66,17 @@ class QAL_API Ikfunc {
   /// Solves a waypoint's pose for the joints nearest a reference.
   ///
   /// When the pose is that of `joint` already (each coordinate within 1e-5 m, each quaternion
-  /// component within 0.0001) the result is true and nothing is written. When the solver finds
-  /// nothing, it is queried once more for the pose of the nudged reference joints moved by the
-  /// difference between the target and the reference's pose.
+  /// component within 0.0001) the result is true and nothing is written. A NaN agrees with any
+  /// number there: a pose that is NaN throughout counts as known. When the solver finds nothing, it
+  /// is queried once more for the pose of the nudged reference joints moved by the difference
+  /// between the target and the reference's pose. Where forward kinematics fails, the reference's
+  /// pose is (0, 0, 0) with the zero quaternion.
   /// @param cur_stat in/out: the pose to solve. Success: `jointpos` and `ik_flag` = true; the pose
   ///                 stays as given, also when the second query was the one answered.
   /// @param joint    6 reference joints [rad]; may be `cur_stat.jointpos`
   /// @return false when the solver finds nothing both times: `cur_stat` is then the shifted target,
   ///         with zero joints and a false flag. Also false when no solution is admissible:
-  ///         `cur_stat` then stays as it was. No message either way.
+  ///         `cur_stat` then stays as it was. No message of its own either way.
   static bool ArmIk(RoadPoint& cur_stat, double* joint);
 
   /// Whether `ArmIk(cur_stat, cur_stat.jointpos)` succeeds. The waypoint is left as it was.
@@ -80,13 +87,16 @@ class QAL_API Ikfunc {
   /// fails, which has then written its message.
   static bool ChekcArmPointok(RoadPoint testpoint);
 
-  /// Whether a waypoint's pose has any solution; if not, moves the waypoint to one that has.
-  /// @param cur_stat in/out: untouched when its pose is solvable (its joints too, even where they
-  ///                 don't match). Otherwise its joints become those of the step-bounded
-  ///                 `ArmJointIk` against themselves, 0.0436332 rad at most, and its pose the pose
-  ///                 of these.
-  /// @return false when that fails too: `cur_stat` untouched, `ArmJointIk`'s message on standard
-  ///         error, then the line "ARM IK is error" on standard output.
+  /// Whether the solver finds anything for a waypoint's pose; if not, moves the waypoint to where
+  /// its joints are.
+  /// @param cur_stat in/out: untouched when the solver finds anything, be it admissible or not (its
+  ///                 joints too, even where they don't match). Otherwise its joints become those of
+  ///                 the step-bounded `ArmJointIk` against themselves, 0.0436332 rad at most,
+  ///                 `ik_flag` becomes true, and its pose the pose of these joints, however far
+  ///                 that is from the one given. Where forward kinematics fails, the one given
+  ///                 stays.
+  /// @return true for both; false when `ArmJointIk` fails: `cur_stat` untouched, `ArmJointIk`'s
+  ///         message on standard error, then the line "ARM IK is error" on standard output.
   static bool ArmCheckAndCountSimilarIk(RoadPoint& cur_stat);
 
   // ---- Inverse kinematics within a step bound ---------------------------------------------------
@@ -94,7 +104,7 @@ class QAL_API Ikfunc {
   // All three write nothing on failure, never change a pose, and say on standard error either
   // "Failed to get  ik solution ArmJointIK \n" (the solver found nothing, fallbacks included) or
   // "Failed to get joint ik solution\n" (it did, but none admissible within the bound). A bound
-  // that is NaN bounds nothing; a negative one admits nothing.
+  // that is NaN bounds nothing; a negative one admits nothing (but joints that are NaN).
 
   /// Solves a waypoint's pose within a step bound of reference joints.
   ///
@@ -135,9 +145,11 @@ class QAL_API Ikfunc {
   /// @param cur_stat   current waypoint, only read; its joints are the reference
   /// @param coordinate 1: tool frame; any other value: base frame
   /// @param move_mode  0, 1, 2: translation along x, y, z; 3, 4, 5: rotation about x, y, z, in the
-  ///                   tool frame only. Anything else, a rotation in the base frame, and a step of
-  ///                   0 solve the current pose again.
-  /// @param step       signed length [m] or angle [rad]
+  ///                   tool frame only. Anything else and a rotation in the base frame solve the
+  ///                   current pose again.
+  /// @param step       signed length [m] or angle [rad]. One of 0 leaves no joint any room: it
+  ///                   succeeds only where the solver gives the current joints back exactly, which
+  ///                   from a pose of `ArmFk`, in single precision, it hardly ever does.
   /// @param result     out, on success only: pose, joints, `ik_flag` = true; may be `cur_stat`
   /// @return false, with `result` untouched and a message on standard error:
   ///         "2 Failed to get  ik solution\n" when both queries found nothing,
@@ -148,7 +160,8 @@ class QAL_API Ikfunc {
   // ---- Straight lines, fixed step ---------------------------------------------------------------
   //
   // The tool keeps the start orientation; the last point is the end point. With a speed setting one
-  // step is speed * 0.00004 m, with a precision factor precis * 0.0002 m.
+  // step is speed * 0.00004 m, with a precision factor precis * 0.0002 m. Each point is solved
+  // against the joints of the one before; the solving operation's message comes before those here.
 
   /// How many points a straight line needs: whole steps in its length, plus the end point.
   ///
@@ -172,8 +185,10 @@ class QAL_API Ikfunc {
   /// so the last interval is two steps long. Orientations that differ are cut to four decimals and
   /// compared again, and the points carry the cut one. A point that doesn't solve (bound 20 rad per
   /// metre of step, from the joints before) is tried once more with its coordinates cut to six
-  /// decimals. A `speed` below 1 leaves no joint any room, so that it fails but where the solver
-  /// gives the reference joints back exactly.
+  /// decimals. It is solved by `ArmJointIk`: a point out of reach is answered silently, with the
+  /// joints before to within the nudge, so count first. A `speed` of 0 leaves no joint any room:
+  /// each point has to be one where the solver gives the joints before back exactly. A negative one
+  /// admits no point.
   /// @param step_count  number of elements to write, at least 1
   /// @param point_array out: `step_count` elements
   /// @return false when the orientations differ after the cut ("CountLineSize error the point data
@@ -186,9 +201,11 @@ class QAL_API Ikfunc {
 
   /// Fills an array with a straight line of `precis` * 0.0002 m steps.
   ///
-  /// Points at fractions 0, 1/n, ... (n-1)/n, then the end point, n = trunc(length / step). A point
-  /// that doesn't solve within 0.0436332 rad of the one before keeps the joints before; its message
-  /// has then gone to standard error.
+  /// Points at fractions 0, 1/n, ... (n-1)/n, then the end point, n = trunc(length / step). Each is
+  /// solved by `ArmJointIk` within 0.0436332 rad of the one before, the end point within that of
+  /// its own joints. So a point out of reach is answered silently, with the joints before to within
+  /// the nudge, and `ik_flag` true. A point without an admissible solution keeps the joints before,
+  /// and their flag; `ArmJointIk`'s message alone tells.
   /// @param precis      step factor, above 0
   /// @param point_array out: n + 1 elements, which the caller works out by the same formula
   /// @return the number of elements written, or -2, silently with nothing written: orientations not
@@ -202,9 +219,10 @@ class QAL_API Ikfunc {
   /// and falls back.
   ///
   /// Steps of 0, 1, ... speed units up, whole steps of `speed` units, then speed, ... 1 units down;
-  /// the jump to the end point covers what is left, less than one cruise step. 2 * speed + cruise
-  /// steps + 2 points. Every point has the start orientation and is solved within 0.518 rad of the
-  /// one before, but for the last: that is `e_point` as given, unsolved.
+  /// the jump to the end point covers what is left, less than one cruise step (the whole line for a
+  /// speed below 1). 2 * speed + cruise steps + 2 points. Every point has the start orientation and
+  /// is solved within 0.518 rad of the one before, but for the last: that is `e_point` as given,
+  /// unsolved.
   ///
   /// The direction comes from the slopes against the first axis along which the points differ.
   /// Where this difference is 1e154 times smaller than another, the steps have no length or are
@@ -246,8 +264,9 @@ class QAL_API Ikfunc {
   ///                   - otherwise the first phase is appended to what is there, after "can't go to
   ///                     mast ver!\n" on standard error.
   /// @param max_v      velocity limit; has no effect
-  /// @param max_acc    acceleration limit [m/s^2], above 0 and finite
-  /// @param max_jerk   jerk limit [m/s^3], above 0 and finite
+  /// @param max_acc    [m/s^2], above 0 and finite; selects the case and limits nothing: the first
+  ///                   phase ends at max_jerk * (length / (2 * max_jerk))^(1/3)
+  /// @param max_jerk   the jerk of the first phase [m/s^3], above 0 and finite
   /// @param max_joint  motor speed limit [rpm] for `CheckRobotJointStep`: as it is between the two
   ///                   end points of a short line, doubled between points of the first phase
   /// @return 1 when done, in all three cases;
@@ -291,9 +310,11 @@ class QAL_API Ikfunc {
   /// cruises, and slows down; the other joints keep the proportions of their travels.
   ///
   /// With n = speed / 2: a ramp of 0, 1, ... n units, whole cruise steps of n units or a little
-  /// more, and n, ... 2 units, 2 n + cruise + 1 waypoints in all; `e_point` as given closes the
-  /// ramp. A travel too short for n takes the largest n that fits, without a cruise; one below two
-  /// units just `s_point` and `e_point` as they are. Waypoints carry `s_point`'s `ik_flag`.
+  /// more (up to 2 n where there is one), and n, ... 2 units, 2 n + cruise + 1 waypoints in all;
+  /// `e_point` as given closes the ramp, with a step of 1 unit and, without a cruise, of what is
+  /// left of the travel, up to n units. A travel too short for n takes the largest n that fits,
+  /// without a cruise, in units of up to 1 + 2 / n; one below two units just `s_point` and
+  /// `e_point` as they are. Waypoints carry `s_point`'s `ik_flag`.
   /// @param point_road out: cleared and refilled
   /// @param speed      twice the top speed in units per cycle, at least 2
   /// @return true; false, with `point_road` untouched, for a speed below 2 or a count that doesn't
@@ -308,7 +329,9 @@ class QAL_API Ikfunc {
   // 5.06242e-06 rad) stands still until the end point.
 
   /// How many cycles a synchronised joint move takes: those of the slower of the two groups'
-  /// leading joints at the limits given.
+  /// leading joints at the limits given, rounded. So the limits are not kept: the planned move may
+  /// exceed the speed by a quarter and the acceleration by half, in few cycles by more
+  /// (docs/trajectories.md).
   /// @param speed   motor speed limit [percent of 3000 rpm], at least 1
   /// @param max_acc motor acceleration limit [rpm/s], at least 1
   /// @return the count; 0 when no joint moves. Also 0 for a limit below 1 or a count that doesn't
@@ -335,8 +358,10 @@ class QAL_API Ikfunc {
   /// Roll, pitch, yaw of a quaternion, taken as it is (not normalised).
   ///
   ///     roll  = atan2(2 (w x + y z), 1 - 2 (x^2 + y^2))   in [-pi, pi]
-  ///     pitch = asin(2 (w y - x z))                       in [-pi/2, pi/2], NaN outside asin's
-  ///     range yaw   = atan2(2 (w z + x y), 1 - 2 (y^2 + z^2))   in [-pi, pi]
+  ///     pitch = asin(2 (w y - x z))                       in [-pi/2, pi/2]
+  ///     yaw   = atan2(2 (w z + x y), 1 - 2 (y^2 + z^2))   in [-pi, pi]
+  ///
+  /// A pitch outside asin's range is NaN, as it may be for a quaternion that is longer than 1.
   ///
   /// (1, 1, 0, 0) gives a roll of atan2(2, -1) = 2.0344439.
   /// @param EulerAngle out: {roll, pitch, yaw} [rad]
@@ -370,7 +395,7 @@ class QAL_API Ikfunc {
 
   /// Whether two poses agree: the three coordinates within `pos_range`, then the four quaternion
   /// components within `ori_range`. Each difference is rounded to float first; equality passes, and
-  /// so does NaN. q and -q are different.
+  /// so does NaN, also as the difference of two equal infinities. q and -q are different.
   static bool PositionCompare(RoadPoint roadpoint1, RoadPoint roadpoint2, float pos_range,
                               float ori_range);
 
