@@ -5,6 +5,6 @@ target_include_directories(qal_solver_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
 # that of the arm's description.
 if(QAL_BUILD_TOOLS)
   add_test(NAME ReferenceSolver.IsSound
-           COMMAND ikcheck $<TARGET_FILE:ik> --strict --urdf
+           COMMAND ikcheck $<TARGET_FILE:ik> --strict --arm
                    ${PROJECT_SOURCE_DIR}/arms/reference.urdf)
 endif()

@@ -108,7 +108,7 @@ TEST_F(IkcheckCommand, SaysInOneLineWhatItCannotUse) {
   const std::pair<std::string, std::string> kRefused[] = {
       {"", "no library; one is expected as LIBRARY, by --arm or in QAL_ARM"},
       {"--arm " QAL_ARMS_DIR "/reference.urdf",
-       QAL_ARMS_DIR "/reference.urdf: URDF that names no solver; the library to check is expected, "
+       QAL_ARMS_DIR "/reference.urdf: no solver in this URDF; the library to check is expected, "
                     "as in: ikcheck libik.so --arm " QAL_ARMS_DIR "/reference.urdf"},
       {kFaulty + "--arm " QAL_SOUND_SOLVER,
        QAL_SOUND_SOLVER ": a solver library without a description; a URDF or a table is expected"},

@@ -56,7 +56,7 @@ void Run(const Arguments& arguments) {
   const Subject subject = SubjectOf(arguments);
   if (subject.library.empty()) {
     throw io::UsageError(
-        subject.arm ? fmt::format("{}: {} that names no solver; the library to check is expected, "
+        subject.arm ? fmt::format("{}: no solver in this {}; the library to check is expected, "
                                   "as in: ikcheck libik.so --arm {}",
                                   subject.arm->name, subject.arm->kind, subject.arm->name)
                     : "no library; one is expected as LIBRARY, by --arm or in QAL_ARM");

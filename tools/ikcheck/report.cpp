@@ -130,11 +130,9 @@ std::string Report::Summary() const {
 
 std::string Report::Text() const {
   std::string text = "ikcheck " + Printable(library) + '\n';
-  if (!arm.is_null()) {
-    text +=
-        Printable(fmt::format("compared with {} from {}", Plain(arm["name"]), Plain(arm["file"]))) +
-        '\n';
-  }
+  text += arm.is_null()
+              ? "not compared with an arm; --arm FILE names one\n"
+              : fmt::format("compared with {} from {}\n", Plain(arm["name"]), Plain(arm["file"]));
   text += '\n';
   for (const auto& item : interface.items()) {
     text += fmt::format("  {:{}}  {}\n", Label(item.key()), kLabelWidth, Plain(item.value()));
