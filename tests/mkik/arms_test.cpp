@@ -16,7 +16,7 @@ namespace {
 
 using closed_form::Solutions;
 
-double LargestDifference(const Frame& a, const Frame& b) {
+double FrameDifference(const Frame& a, const Frame& b) {
   double largest = 0;
   for (int i = 0; i < 3; ++i) {
     largest = std::max(largest, std::fabs(a.position[i] - b.position[i]));
@@ -41,7 +41,7 @@ class EveryArm : public testing::TestWithParam<const char*> {
   void ExpectSound(const Solutions& solutions, const Frame& target, double tolerance) const {
     ASSERT_GT(solutions.Count(), 0u);
     for (const Joints& solution : solutions) {
-      ASSERT_LE(LargestDifference(Forward(solution), target), tolerance);
+      ASSERT_LE(FrameDifference(Forward(solution), target), tolerance);
       for (const double joint : solution) ASSERT_TRUE(joint > -kPi && joint <= kPi);
       for (const Joints* other = solutions.begin(); other != &solution; ++other) {
         ASSERT_GT(LargestDifference(solution, *other), 1e-8);
@@ -179,8 +179,8 @@ TEST_P(EveryArm, HasTheForwardKinematicsOfAnIndependentLibrary) {
       std::copy(expected.M.data + 3 * r, expected.M.data + 3 * r + 3,
                 frame.rotation.row[r].element);
     }
-    ASSERT_LE(LargestDifference(Forward(joints), frame), 1e-12);
-    ASSERT_LE(LargestDifference(ToFrame(TipFrame(arm_, joints)), frame), 1e-12);
+    ASSERT_LE(FrameDifference(Forward(joints), frame), 1e-12);
+    ASSERT_LE(FrameDifference(ToFrame(TipFrame(arm_, joints)), frame), 1e-12);
   }
 }
 
@@ -196,7 +196,7 @@ TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
     const Solutions solutions = closed_form::Solve(arm, kIdentity);
     EXPECT_GT(solutions.Count(), 0u);
     for (const Joints& solution : solutions) {
-      EXPECT_LE(LargestDifference(Forward(arm, solution.data()), kIdentity), 1e-15);
+      EXPECT_LE(FrameDifference(Forward(arm, solution.data()), kIdentity), 1e-15);
     }
   };
   expect_reached(spherical);
