@@ -39,10 +39,23 @@ TEST_F(Mkik, WritesASourceThatBuildsByItself) {
   }
 }
 
-TEST_F(Mkik, SaysWhatItFound) {
-  const auto found =
-      nlohmann::json::parse(Shell(kMkik + "- --json < " + kArms + "reference.urdf").out);
-  EXPECT_EQ(found["family"], "spherical wrist");
+// By its position, by --arm, by QAL_ARM and by standard input; each goes before those behind it.
+// The solver that an arm file names is not looked for: it is what is to be made.
+TEST_F(Mkik, SaysWhatItFoundInTheArmThatItIsGiven) {
+  const std::string arm = kArms + "reference.urdf";
+  std::ofstream("cell.toml") << "description = '" + arm + "'\nname = 'cell'\nsolver = 'none.so'\n";
+  for (const std::string& command :
+       {"QAL_ARM=none " + kMkik + "--arm none " + arm, "QAL_ARM=none " + kMkik + "--arm " + arm,
+        "QAL_ARM=" + arm + ' ' + kMkik, kMkik + "- < " + arm, kMkik + "cell.toml"}) {
+    const ToolRun run = Shell(command);
+    EXPECT_NE(run.out.find(", spherical wrist, hash qal-"), std::string::npos)
+        << command << run.err;
+  }
+  EXPECT_EQ(Shell(kMkik + "--version --arm cell.toml").out.find("mkik 1.0.0\narm: cell from cell"),
+            0u);
+  const auto found = nlohmann::json::parse(Shell(kMkik + "cell.toml --json").out);
+  EXPECT_EQ(found["arm"]["file"], "cell.toml");
+  EXPECT_EQ(found["arm"]["solver"], nullptr);
   EXPECT_EQ(found["lengths_m"]["upper_arm"], 0.4);
   EXPECT_EQ(found["joints"][2]["upper_rad"], 2.967059678);
   EXPECT_LT(found["check"]["solutions"], 1e-12);
