@@ -92,9 +92,15 @@ std::vector<std::string> GatherLists(const std::vector<std::string>& arguments) 
       continue;
     }
     std::string values = arguments[++i];
-    while (i + 1 < arguments.size() && SplitWords({values}).size() < kMost &&
-           GoesOn(arguments[i], numbers) && GoesOn(arguments[i + 1], numbers)) {
-      values += ',' + arguments[++i];
+    size_t end = i + 1;
+    for (std::string more = values; end < arguments.size() && GoesOn(arguments[end - 1], numbers) &&
+                                    GoesOn(arguments[end], numbers);) {
+      more += ',' + arguments[end++];
+      const size_t count = SplitWords({more}).size();
+      if (count > kMost) break;
+      // Fewer names than joints are a mistake; what follows may be meant as a file.
+      if (numbers || count == kMost) values = more, i = end - 1;
+      if (count == kMost) break;
     }
     gathered.push_back(values);
   }

@@ -17,7 +17,8 @@
 /// end is checked like any other point; a point whose joints don't reach its pose is a failure.
 namespace qal::classic {
 
-/// Hears the operation's own messages, as `Ikfunc` would print them: whole lines, or blocks of them.
+/// Hears the operation's own messages, as `Ikfunc` would print them: whole lines, or blocks of
+/// them.
 using Listener = std::function<void(std::string_view)>;
 
 /// The detail of a kJointRange whose bound is not the arm's, but the classic operations'.
@@ -42,7 +43,8 @@ struct Ends {
 
 /// A straight line in steps of speed * 0.00004 m; see `Ikfunc::CountLineSize` and its companion.
 /// @param speed at least 1
-/// @return the points; kEndsApart, kEndsTurned, kOutOfReach, kJointRange, kStepBound, kConfiguration,
+/// @return the points; kEndsApart, kEndsTurned, kOutOfReach, kJointRange, kStepBound,
+/// kConfiguration,
 ///         kSolverFault, kSolverThrows
 QAL_API Plan FixedLine(const Arm& arm, const Ends& ends, int speed, const Listener& listener = {});
 

@@ -76,8 +76,7 @@ Plan TrapezoidMove(const Arm& arm, const State& start, const State& end, int per
                  [&](const Context& context, const RoadPoint& from, const RoadPoint& to) -> Plan {
                    if (percent < 1) return TooLow("speed", percent, 1);
                    if (motor_acc < 1) return TooLow("acceleration", motor_acc, 1);
-                   const auto cycles =
-                       RunCycles(context.numbers, from, to, percent, motor_acc);
+                   const auto cycles = RunCycles(context.numbers, from, to, percent, motor_acc);
                    constexpr int kMost = kLongestRunCycles;
                    if (!cycles || *cycles > kMost) {
                      return TooMany(cycles ? *cycles : std::numeric_limits<double>::infinity(),

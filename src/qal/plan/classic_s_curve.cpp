@@ -2,7 +2,6 @@
 
 #include "../../kinematics/trajectory/straight_line.h"
 #include "../model/rotations.h"
-#include "../solve/kinematics.h"
 #include "classic_session.h"
 
 namespace qal::classic {
@@ -19,8 +18,8 @@ Failure NoProfile(const SCurveLimits& limits, double length_m) {
   if (!(acceleration > kShortestPhaseS * jerk)) {
     return {{Reason::kAccelerationTooLow, -1, acceleration, kShortestPhaseS * jerk}};
   }
-  return {{Reason::kSetting, -1, acceleration, std::cbrt(length_m / 2 / jerk) * jerk,
-           "acceleration"}};
+  return {
+      {Reason::kSetting, -1, acceleration, std::cbrt(length_m / 2 / jerk) * jerk, "acceleration"}};
 }
 
 // The motor speed that a step of a joint in one cycle takes [rpm].
@@ -44,18 +43,18 @@ Failure Refused(const Session& session) {
 Plan SCurveLine(const Arm& arm, const Ends& ends, const SCurveLimits& limits,
                 const Listener& listener) {
   return Guarded<Plan>([&]() -> Plan {
+    const Session session(arm, listener);
     State end = {ends.end_joints.value_or(Joints{}), ends.end};
     if (!ends.end_joints) {
-      const Result<State> solved = Nearest(arm, ends.end, ends.start.joints);
+      const Result<State> solved = session.SolveEnd(ends.end, ends.start.joints);
       if (!solved) return Failure{solved.error(), std::nullopt, ends.end};
       end = *solved;
     }
-    const Session session(arm, listener);
     const RoadPoint start = ToRoadPoint(ends.start.pose, ends.start.joints);
     std::vector<RoadPoint> road;
-    const int result = PlanSCurveLine(session.context(), start, ToRoadPoint(end.pose, end.joints),
-                                      road, limits.acceleration_m_s2, limits.jerk_m_s3,
-                                      limits.motor_speed_rpm);
+    const int result =
+        PlanSCurveLine(session.context(), start, ToRoadPoint(end.pose, end.joints), road,
+                       limits.acceleration_m_s2, limits.jerk_m_s3, limits.motor_speed_rpm);
     constexpr int kNoProfile = -2;
     const double length_m = Distance(ends.start.pose.position, ends.end.position);
     if (result == kNoProfile) return NoProfile(limits, length_m);
@@ -69,8 +68,7 @@ Plan SCurveLine(const Arm& arm, const Ends& ends, const SCurveLimits& limits,
         RoadPoint held = point;
         const Joints& before = states.empty() ? ends.start.joints : states.back().joints;
         std::copy(before.begin(), before.end(), held.jointpos);
-        return Failure{session.WhyUnsolved(held, kLineStepRad), states.size(),
-                       ToState(point).pose};
+        return Failure{session.WhyUnsolved(held, kLineStepRad), states.size(), ToState(point).pose};
       }
       states.push_back(ToState(point));
     }

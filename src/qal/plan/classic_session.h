@@ -9,8 +9,8 @@
 
 namespace qal::classic {
 
-/// What the classic operations have to know of an arm. One with the reference arm's motors and cycle
-/// has its numbers, digit by digit.
+/// What the classic operations have to know of an arm. One with the reference arm's motors and
+/// cycle has its numbers, digit by digit.
 ArmNumbers NumbersOf(const Arm& arm);
 
 RoadPoint ToRoadPoint(const Pose& pose, const Joints& joints);
@@ -38,9 +38,13 @@ class Session final : private Observer {
   /// The first of these events, in the order in which they came; nothing: none came.
   const std::optional<Heard>& failure() const { return failure_; }
 
-  /// Why a point has no solution from its own joints: which joint of the nearest solution leaves the
-  /// classic range or the bound.
+  /// Why a point has no solution from its own joints: which joint of the nearest solution leaves
+  /// the classic range or the bound.
   Error WhyUnsolved(const RoadPoint& point, double step_bound_rad) const;
+
+  /// The joints of a line's end, nearest `near`: exactly, where the operations would nudge, and
+  /// within the classic range, whatever the arm's limits.
+  Result<State> SolveEnd(const Pose& end, const Joints& near) const;
 
   /// Whether the joints have the pose. Where a pose has no solution, the operations may answer with
   /// joints that a nudge of 1e-5 rad a joint leads to, at most 6e-5 rad and about as many metres
