@@ -11,12 +11,12 @@
 
 #include "../io/files.h"
 #include "../io/trajectory_csv.h"
-#include "../tools/qal/waypoints.h"
 
 namespace {
 
 using Road = std::vector<RoadPoint>;
 
+constexpr double kCycleS = 0.005;
 constexpr double kPartM[3] = {0.42, 0.25, 0.10};
 // Above the part. At the line's speed this is ramps of 0.0328 m, 272 whole cruise steps of 0.0008
 // m, and one unit of 0.00002 m as the jump to the end: a longer one would jerk there.
@@ -58,22 +58,35 @@ void AppendLine(const RoadPoint& from, const RoadPoint& to, Road& road) {
 
 // Says what a person can check.
 void Summarise(const Road& road, const char* path) {
-  double way = 0.0;
+  double length = 0.0;
   const Pos* lowest = &road.front().position;
   for (size_t i = 1; i < road.size(); ++i) {
     const Pos step = road[i].position - road[i - 1].position;
-    way += std::sqrt(step.x * step.x + step.y * step.y + step.z * step.z);
+    length += std::sqrt(step.x * step.x + step.y * step.y + step.z * step.z);
     if (road[i].position.z < lowest->z) lowest = &road[i].position;
   }
   const auto print = [](const char* label, const Pos& p) {
     std::printf("%-22s x %.6f  y %.6f  z %.6f m\n", label, p.x, p.y, p.z);
   };
   std::printf("%-22s %s\n%-22s %zu\n%-22s %.3f s\n%-22s %.6f m\n", "trajectory", path, "points",
-              road.size(), "duration", 0.005 * static_cast<double>(road.size() - 1),
-              "way of the tool", way);
+              road.size(), "duration", kCycleS * static_cast<double>(road.size() - 1),
+              "TCP path length", length);
   print("the tool starts at", road.front().position);
   print("picks at", *lowest);
   print("and ends at", road.back().position);
+}
+
+// The waypoints as files hold them.
+qal::io::Trajectory ToTrajectory(const Road& road) {
+  std::vector<qal::State> states;
+  for (const auto& [position, orientation, joints, known] : road) {
+    const auto& [x, y, z] = position;
+    const auto& [qw, qx, qy, qz] = orientation;
+    qal::State state = {{}, {{x, y, z}, {qw, qx, qy, qz}}};
+    std::copy(joints, joints + 6, state.joints.begin());
+    states.push_back(state);
+  }
+  return qal::io::FromStates(states, kCycleS);
 }
 
 Road PickAndPlace() {
@@ -102,8 +115,7 @@ int main(int argc, char** argv) {
   }
   try {
     const Road road = PickAndPlace();
-    qal::io::WriteFile(argv[1],
-                       qal::io::ToFullCsv(qal::tools::FromWaypoints(road), qal::Arm::Reference()));
+    qal::io::WriteFile(argv[1], qal::io::ToFullCsv(ToTrajectory(road), qal::Arm::Reference()));
     Summarise(road, argv[1]);
     return 0;
   } catch (const std::exception& error) {

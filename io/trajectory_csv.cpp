@@ -7,7 +7,7 @@
 #include <array>
 #include <string_view>
 
-#include "error.h"
+#include "csv_rows.h"
 #include "finite_differences.h"
 #include "numbers.h"
 
@@ -49,52 +49,25 @@ void AppendRates(const Trajectory& trajectory, size_t sample, bool poses, const 
   }
 }
 
-// Takes the first line off `text`, without its end.
-std::string_view TakeLine(std::string_view& text) {
-  const size_t end = std::min(text.find('\n'), text.size());
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-  return line;
-}
-
-std::string_view Trim(std::string_view field) {
-  const size_t begin = field.find_first_not_of(" \t");
-  if (begin == std::string_view::npos) return {};
-  return field.substr(begin, field.find_last_not_of(" \t") + 1 - begin);
-}
-
-void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
-  fields.clear();
-  for (;;) {
-    const size_t comma = line.find(',');
-    fields.push_back(Trim(line.substr(0, comma)));
-    if (comma == std::string_view::npos) return;
-    line.remove_prefix(comma + 1);
+// Where the columns of kColumns from `first` to before `last` stand in the header.
+std::vector<size_t> FindColumns(const CsvFields& header, size_t first, size_t last,
+                                const std::string& expected) {
+  std::vector<size_t> places;
+  for (size_t i = first; i < last; ++i) {
+    places.push_back(FindColumn(header, kColumns[i], expected));
   }
+  return places;
 }
 
-// Where the columns of kColumns stand in a row: all of them, or the first kJointColumns.
-std::vector<size_t> FindColumns(const std::vector<std::string_view>& header) {
+// All of kColumns, or the first kJointColumns.
+std::vector<size_t> TrajectoryColumns(const CsvFields& header) {
   const bool pose =
       std::find_first_of(header.begin(), header.end(), kColumns.begin() + kJointColumns,
                          kColumns.end()) != header.end();
-  std::vector<size_t> places;
-  for (size_t i = 0; i < (pose ? kPoseColumns : kJointColumns); ++i) {
-    const auto found = std::find(header.begin(), header.end(), kColumns[i]);
-    if (found == header.end()) {
-      throw UsageError(fmt::format(
-          "no column '{}'; a header with {} was expected, with commas between and no quotes",
-          kColumns[i],
-          pose ? "time_s, q1_rad to q6_rad, x_m, y_m, z_m, qw, qx, qy, qz (the pose whole or not)"
-               : "time_s, q1_rad to q6_rad"));
-    }
-    if (std::count(found, header.end(), kColumns[i]) > 1) {
-      throw UsageError(fmt::format("the column '{}' stands twice", kColumns[i]));
-    }
-    places.push_back(static_cast<size_t>(found - header.begin()));
-  }
-  return places;
+  return FindColumns(
+      header, 0, pose ? kPoseColumns : kJointColumns,
+      pose ? "time_s, q1_rad to q6_rad, x_m, y_m, z_m, qw, qx, qy, qz (the pose whole or not)"
+           : "time_s, q1_rad to q6_rad");
 }
 
 // With rates when there is an arm.
@@ -129,35 +102,33 @@ std::string ToFullCsv(const Trajectory& trajectory, const Arm& arm) {
 }
 
 LocatedTrajectory ParseCsv(std::string_view text) {
-  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
-    text.remove_prefix(kByteOrderMark.size());
-  }
   LocatedTrajectory read;
-  size_t line = 1;
-  try {
-    std::vector<std::string_view> fields;
-    SplitFields(TakeLine(text), fields);
-    const size_t field_count = fields.size();
-    const std::vector<size_t> places = FindColumns(fields);
-    if (text.empty()) throw UsageError("no row below the header");
-    while (!text.empty()) {
-      ++line;
-      SplitFields(TakeLine(text), fields);
-      if (fields.size() != field_count) {
-        throw UsageError(fmt::format("{} fields were expected, as in the header; the row has {}",
-                                     field_count, fields.size()));
-      }
-      std::array<double, kPoseColumns> values{};
-      for (size_t i = 0; i < places.size(); ++i) {
-        values[i] = ParseNumber(fields[places[i]], std::string(kColumns[i]));
-      }
-      read.samples.push_back(SampleOf(values.data(), places.size() == kPoseColumns));
-      read.lines.push_back(line);
-    }
-  } catch (const UsageError& error) {
-    throw UsageError(fmt::format("line {}: {}", line, error.what()));
-  }
+  ReadCsvRows(text, TrajectoryColumns, [&read](const std::vector<double>& row, size_t line) {
+    read.samples.push_back(SampleOf(row.data(), row.size() == kPoseColumns));
+    read.lines.push_back(line);
+  });
+  return read;
+}
+
+PointRows ParsePointsCsv(std::string_view text, PointKind kind) {
+  PointRows read;
+  const bool poses = kind == PointKind::kPoses;
+  const auto choose = [&read, poses](const CsvFields& header) {
+    std::vector<size_t> places =
+        poses ? FindColumns(header, kJointColumns, kPoseColumns, "x_m, y_m, z_m, qw, qx, qy, qz")
+              : FindColumns(header, 1, kJointColumns, "q1_rad to q6_rad");
+    read.timed = std::find(header.begin(), header.end(), kColumns[0]) != header.end();
+    if (read.timed) places.push_back(FindColumn(header, kColumns[0], "time_s"));
+    return places;
+  };
+  ReadCsvRows(text, choose, [&read, poses](const std::vector<double>& row, size_t line) {
+    std::array<double, kPoseColumns> values{};
+    if (read.timed) values[0] = row.back();
+    const size_t first = poses ? kJointColumns : 1;
+    std::copy(row.begin(), row.end() - (read.timed ? 1 : 0), values.begin() + first);
+    read.points.samples.push_back(SampleOf(values.data(), poses));
+    read.points.lines.push_back(line);
+  });
   return read;
 }
 

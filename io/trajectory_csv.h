@@ -30,6 +30,19 @@ std::string ToFullCsv(const Trajectory& trajectory, const Arm& arm);
 ///        number of fields than the header, a field is no number, or there is no row
 LocatedTrajectory ParseCsv(std::string_view text);
 
+/// Rows of a CSV file that are no trajectory yet.
+struct PointRows {
+  LocatedTrajectory points;  ///< what the file doesn't have is 0, or no pose
+  bool timed = false;        ///< whether there is a column of times
+};
+
+enum class PointKind { kJoints, kPoses };
+
+/// Reads the columns of a trajectory file that hold joints, or those that hold poses, and the times
+/// where there are any.
+/// @throw UsageError as ParseCsv
+PointRows ParsePointsCsv(std::string_view text, PointKind kind);
+
 }  // namespace qal::io
 
 #endif  // QAL_IO_TRAJECTORY_CSV_H_

@@ -33,3 +33,10 @@ qal_test_program(
         plain_names ik)
 # It defines the solver's functions itself, and the solvers' own classes, for all to see.
 set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
+
+# The classic operations by value, beside Ikfunc's in one program.
+qal_test_program(
+  qal_classic_test
+  SOURCES qal/classic_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  LIBRARIES qal_io QAL_kinematics)

@@ -5,6 +5,7 @@ qal_test_program(
           tool/file_commands_test.cpp
   LIBRARIES nlohmann_json::nlohmann_json
   DEFINITIONS QAL_BINARY="$<TARGET_FILE:qal>" QAL_FOREIGN_SOLVER_DIR="${foreign}/here"
+              QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
   NEEDS qal qal_foreign_here)
 
 # Sanitizers need more memory than the limits here leave.

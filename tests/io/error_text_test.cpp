@@ -75,7 +75,7 @@ TEST(ErrorText, SaysEachReasonWithItsNumbers) {
        "joint 1 would need its motor at 10682 rpm; 3000 rpm are the limit"},
       {{Reason::kAccelerationTooLow, -1, 0.5, 0.8},
        "the acceleration, 0.5 m/s^2, is built up within 20 ms; it has to be above 0.8 m/s^2"},
-      {{Reason::kTooManyPoints, -1, 5e7, 1e6}, "5e+07 points, at most 1e+06 are planned"},
+      {{Reason::kTooManyPoints, -1, 5e7, 1e6}, "50000000 points, at most 1000000 are planned"},
   };
   for (const auto& [error, text] : rows) EXPECT_EQ(ErrorText(error), text);
 }

@@ -13,19 +13,29 @@ using Verify = Convert;
 TEST_F(Convert, GoesThroughEachFormatToTheSameFile) {
   EXPECT_EQ(0, Qal("convert in.csv a.json").status);
   EXPECT_EQ(0, Qal("convert --joint-names a,b,c,d,e,f a.json a.yaml").status);
-  EXPECT_EQ(0, Qal("convert a.yaml out.csv --joint-names a,b,c,d,e,f").status);
+  EXPECT_EQ(0, Qal("convert --joint-names a b c d e f a.yaml out.csv").status);
   EXPECT_EQ(kFourRows, FileContent("out.csv"));
   EXPECT_EQ(kFourRows, Qal("convert a.json - --to csv").out);
+  // Another's names are taken in their order, with a note.
+  const ToolRun other = Qal("convert a.yaml - --to csv");
+  EXPECT_EQ(kFourRows, other.out);
+  EXPECT_EQ("note: a.yaml: joints 1 to 6 in the order of the file: a, b, c, d, e, f\n", other.err);
   const std::string full = Qal("convert in.csv - --to csv --fk --full").out;
   EXPECT_NE(std::string::npos, full.find(",q6_rad,x_m,y_m,z_m,qw,qx,qy,qz,qd1_rad_s,")) << full;
 }
 
 TEST_F(Verify, ListsTheViolationsWithSampleAndLine) {
-  const ToolRun good = Qal("verify --max-joint-speed 1,1,1,0.2,1,1 --max-motor-rpm 700 in.csv");
+  const ToolRun good = Qal("verify --max-joint-speed 1 1 1,0.2 1 1 --max-motor-rpm 700 in.csv");
   EXPECT_EQ(0, good.status) << good.out;
   EXPECT_EQ("", good.err);
   EXPECT_EQ(0, good.out.find("in.csv: 4 samples, 0 s to 3 s, 1 s apart; tool by the joints\n"));
   EXPECT_NE(std::string::npos, good.out.find("\nno violation\n")) << good.out;
+
+  // Another arm, other gears: 700 rpm are too much for it.
+  std::ofstream("geared.toml") << "description = '" QAL_ARMS_DIR
+                                  "/reference.urdf'\n"
+                                  "[motors]\ngear_ratio = 1000\n";
+  EXPECT_EQ(1, Qal("verify --arm geared.toml --max-motor-rpm 700 in.csv").status);
 
   const std::string check = "verify --max-joint-speed 0.15 --max-position-error 0.001 in.csv";
   const ToolRun bad = Qal(check);
@@ -52,8 +62,7 @@ TEST_F(Verify, ListsTheViolationsWithSampleAndLine) {
 TEST_F(Verify, PrintsNoNanHoweverFewTheSamples) {
   for (const char* command : {"head -n 2 in.csv", "head -n 3 in.csv"}) {
     for (const char* format : {"", "--json "}) {
-      const ToolRun run =
-          Shell(std::string(command) + " | " QAL_BINARY " verify --from csv " + format + "-");
+      const ToolRun run = Shell(std::string(command) + " | " QAL_BINARY " verify " + format + "-");
       EXPECT_EQ(0, run.status) << run.err;
       for (const char* word : {"nan", "inf"}) {
         EXPECT_EQ(std::string::npos, run.out.find(word)) << run.out;

@@ -23,11 +23,13 @@ TEST_F(Fk, GivesTheReferenceArmsPose) {
   const Json zero = QalJson("fk --joints 0 0 0 0 0 0");
   ExpectNear({0.51, 0.0, 0.815}, zero["position_m"], 1e-12);
   ExpectNear({0.70710678, 0.0, 0.70710678, 0.0}, zero["orientation_wxyz"], 1e-7);
-  const std::string table = Qal("fk --mm --deg --joints 45 -0 0 0 0 -.5").out;
-  EXPECT_EQ(0, table.find("joints 1 to 6 [deg]        45.0000000     0.0000000     0.0000000   "
-                          "  0.0000000     0.0000000    -0.5000000\n"
-                          "position x y z [mm]        360.624458    360.624458    815.000000\n"))
-      << table;
+  const std::string expected =
+      "arm                      reference arm (built in), spherical wrist, hash "
+      "qal-reference-arm-1\n"
+      "joints 1 to 6 [deg]        45.000000     0.000000     0.000000     0.000000     0.000000    "
+      "-0.500000\n"
+      "position x y z [mm]        360.62446    360.62446    815.00000\n";
+  EXPECT_EQ(expected, Qal("fk --mm --deg --joints 45 -0 0 0 0 -.5").out.substr(0, expected.size()));
 }
 
 TEST_F(Fk, WritesAFileThatHoldsRadiansAndMetres) {
@@ -57,12 +59,6 @@ TEST_F(Ik, FindsTheJointsNearestAReference) {
             Qal("ik --pose 0.45 0.1 0.5 0 0 2 0 --near 0 0.3 0.2 0 1 0").err);
 }
 
-// At the pose of the reference joints the library writes no joints: they are the answer.
-TEST_F(Ik, AnswersThePoseOfTheReferenceWithTheReference) {
-  const Json solved = QalJson("ik --pose 0.51 0 0.815 0.70710678 0 0.70710678 0");
-  ExpectNear({0, 0, 0, 0, 0, 0}, solved["joints_rad"], 0.0);
-}
-
 // 8 solutions: joint 3 beyond 170 degrees at the last two, joint 4 half a turn off at three others.
 // A bound of 0.2 rad is 0.0186689 less than what joint 1 has to move.
 TEST_F(Ik, ListsEverySolutionWithItsVerdict) {
@@ -78,26 +74,74 @@ TEST_F(Ik, ListsEverySolutionWithItsVerdict) {
   ExpectNear({0.794996}, chosen_rad, 1e-6);
   const std::string table = Qal(ask).out;
   EXPECT_NE(std::string::npos, table.find("refused: joint 3 at -3.06458 rad, 0.097517 rad outside "
-                                          "its range of +-2.96706 rad\n"))
+                                          "its limit of -2.96706 rad\n"))
       << table;
   const ToolRun bounded = Qal(ask + " --step-bound 0.2");
   EXPECT_EQ(1, bounded.status);
   EXPECT_NE(std::string::npos, bounded.out.find("refused: joint 1 moves 0.218669 rad, 0.0186689 "
                                                 "rad over the step bound of 0.2 rad\n"));
   EXPECT_EQ("qal ik: none of the 8 solutions is admissible\n", bounded.err);
+  // Axes 4 and 6 in line: the solver gives the same joints more than once.
+  const Json twice = QalJson("ik --all --pose 0.51 0 0.815 0.70710678 0 0.70710678 0")["solutions"];
+  size_t chosen = 0;
+  for (const Json& solution : twice) chosen += solution["chosen"] ? 1 : 0;
+  EXPECT_EQ(1u, chosen) << twice;
 }
 
-// One step of 2 mm back along the tool's axis, which points along x at zero joints but for 0.5 rad.
-TEST_F(Jog, StepsAlongAToolAxis) {
+// Rows near the solution before, from a file and from standard input, whatever else it holds; the
+// rows come back as they went in.
+TEST_F(Ik, SolvesAWholeFile) {
+  std::ofstream("poses.csv") << "note,time_s,x_m,y_m,z_m,qw,qx,qy,qz\n"
+                                "a,0,0.45,0.1,0.5,0,0,1,0\nb,1,2,0,0,0,0,1,0\n"
+                                "c,2,0.45,0.12,0.5,0,0,1,0\n";
+  const ToolRun run = Qal("ik --file poses.csv --near 0 0.3 0.2 0 1 0 --csv -");
+  EXPECT_EQ(1, run.status);
+  EXPECT_EQ("qal ik: poses.csv: 1 of 3 rows without a solution\n", run.err);
+  EXPECT_NE(std::string::npos,
+            run.out.find("\n1,,,,,,,,,,,,,,out of reach; the solver finds no joints for it\n"));
+  EXPECT_EQ(1, Qal("ik --file poses.csv").status);
+
+  const ToolRun piped = Shell("grep -v b poses.csv | " QAL_BINARY
+                              " ik --file - --near 0 0.3 0.2 0 1 0 --csv solved.csv "
+                              "--json");
+  EXPECT_EQ(0, piped.status) << piped.err;
+  const Json rows = Json::parse(piped.out)["rows"];
+  ASSERT_EQ(2u, rows.size());
+  EXPECT_NEAR(0.9526113, rows[0]["joints_rad"][4].get<double>(), 1e-6);
+  const Json back = QalJson("fk --file solved.csv")["rows"];
+  EXPECT_EQ(2.0, back[1]["time_s"]);
+  ExpectNear({0.45, 0.12, 0.5}, back[1]["position_m"], 1e-12);
+}
+
+// One step of 2 mm back along the tool's axis, which points along x at zero joints but for 0.5 rad;
+// then a turn about the base's z axis, which joint 1 makes alone.
+TEST_F(Jog, StepsAlongAToolAxisAndTurnsAboutTheBases) {
   const std::string joints = "--joints 0 0.3 -0.2 0 0.5 0";
   const std::vector<double> from = QalJson("fk " + joints)["position_m"];
   const double pitch = 0.3 - 0.2 + 0.5;
   const Json jogged = QalJson("jog --frame tool --axis z --mm --step -2 " + joints);
   ExpectNear({from[0] - 0.002 * std::cos(pitch), 0.0, from[2] + 0.002 * std::sin(pitch)},
              jogged["position_m"], 1e-9);
-  const std::string solved = jogged["joints_rad"].dump();
-  const Json reached = QalJson("fk --joints " + solved.substr(1, solved.size() - 2));
-  ExpectNear(jogged["position_m"], reached["position_m"], 1e-9);
+  const Json turned = QalJson("jog --axis rz --step 0.01 " + joints);
+  ExpectNear(from, turned["position_m"], 1e-9);
+  EXPECT_LT(1e-3, std::fabs(turned["joints_rad"][3].get<double>()));
+}
+
+// Each way to name an arm, in heading and JSON; a file that isn't there is never another arm.
+TEST_F(Fk, SaysWhichArmItIsOf) {
+  const std::string arm = QAL_ARMS_DIR "/bench_parallel.urdf";
+  const std::string zero = "fk --joints 0 0 0 0 0 0 ";
+  const Json json = QalJson(zero + "--arm " + arm);
+  EXPECT_EQ(arm, json["arm"]["file"]);
+  EXPECT_EQ("three parallel axes", json["arm"]["family"]);
+  EXPECT_EQ(json, QalJson("--arm " + arm + " " + zero));
+  EXPECT_EQ(json, Json::parse(Shell("QAL_ARM=" + arm + " " QAL_BINARY " " + zero + "--json").out));
+  EXPECT_NE(json["position_m"], QalJson(zero)["position_m"]);
+  const std::string heading = Qal(zero + "--arm " + arm).out;
+  EXPECT_EQ(0, heading.find("arm                      bench_parallel from " + arm)) << heading;
+  EXPECT_NE(std::string::npos, Shell("QAL_ARM=" + arm + " " QAL_BINARY " --version")
+                                   .out.find("\narm: bench_parallel from " + arm));
+  EXPECT_EQ(2, Shell("QAL_ARM=nowhere.urdf " QAL_BINARY " --version").status);
 }
 
 }  // namespace

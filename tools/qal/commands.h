@@ -2,19 +2,26 @@
 #define QAL_TOOLS_QAL_COMMANDS_H_
 
 #include <CLI/App.hpp>
+#include <memory>
+
+#include "../common/arm_option.h"
 
 namespace qal::tools {
+
+/// The arm's options are one for the tool, so that they may stand before the command as well as
+/// behind it.
+using SharedArm = std::shared_ptr<ArmOption>;
 
 // Each adds one command. It runs when the command line has been parsed, writes its data to standard
 // output, and throws UsageError or Failure.
 
-void AddFk(CLI::App& app);
-void AddIk(CLI::App& app);
-void AddJog(CLI::App& app);
-void AddLine(CLI::App& app);
-void AddJoint(CLI::App& app);
-void AddConvert(CLI::App& app);
-void AddVerify(CLI::App& app);
+void AddFk(CLI::App& app, const SharedArm& arm);
+void AddIk(CLI::App& app, const SharedArm& arm);
+void AddJog(CLI::App& app, const SharedArm& arm);
+void AddLine(CLI::App& app, const SharedArm& arm);
+void AddJoint(CLI::App& app, const SharedArm& arm);
+void AddConvert(CLI::App& app, const SharedArm& arm);
+void AddVerify(CLI::App& app, const SharedArm& arm);
 
 }  // namespace qal::tools
 

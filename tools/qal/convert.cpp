@@ -5,13 +5,11 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
-#include "../../io/numbers.h"
 #include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
-#include "../common/library_lines.h"
 #include "commands.h"
+#include "pose_option.h"
 #include "trajectory_input.h"
-#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -21,6 +19,7 @@ namespace {
 
 struct ConvertArguments {
   TrajectoryInput in;
+  SharedArm arm;
   std::string out;
   std::string to;
   bool full = false;
@@ -31,17 +30,20 @@ void RequireIncreasingTimes(const LocatedTrajectory& trajectory, const std::stri
   const Trajectory& samples = trajectory.samples;
   for (size_t i = 1; i < samples.size(); ++i) {
     if (samples[i].time_s > samples[i - 1].time_s) continue;
-    throw UsageError(fmt::format("{}: {}: the time {} s is not after the one before, {} s", name,
-                                 Place(trajectory, i), samples[i].time_s, samples[i - 1].time_s));
+    throw UsageError(fmt::format("{}: {}: the time {:.9g} s is not after the one before, {:.9g} s",
+                                 name, Place(trajectory, i), samples[i].time_s,
+                                 samples[i - 1].time_s));
   }
 }
 
-void AddPoses(Trajectory& trajectory) {
-  const LibraryLines lines;
+void AddPoses(Trajectory& trajectory, const Arm& arm) {
   for (size_t i = 0; i < trajectory.size(); ++i) {
     if (trajectory[i].pose) continue;
-    const RoadPoint point = PointAt(trajectory, i);
-    trajectory[i].pose = PoseOf(point);
+    try {
+      trajectory[i].pose = StateAt(arm, trajectory[i].joints).pose;
+    } catch (const Failure& failure) {
+      throw Failure(fmt::format("sample {}: {}", i, failure.what()));
+    }
   }
 }
 
@@ -50,13 +52,14 @@ void RunConvert(const ConvertArguments& arguments) {
   if (arguments.full && format != FileFormat::kCsv) {
     throw UsageError("--full: only a CSV file has these columns");
   }
+  const LoadedArm loaded = arguments.arm->Load();
   LocatedTrajectory read = arguments.in.Read();
   RequireIncreasingTimes(read, arguments.in.name());
-  if (arguments.fk) AddPoses(read.samples);
+  if (arguments.fk) AddPoses(read.samples, loaded.arm);
   const auto text = [&]() -> std::string {
     switch (format) {
       case FileFormat::kCsv:
-        return arguments.full ? ToFullCsv(read.samples, SolverArm()) : ToCsv(read.samples);
+        return arguments.full ? ToFullCsv(read.samples, loaded.arm) : ToCsv(read.samples);
       case FileFormat::kJson:
         return ToJson(read.samples).dump() + '\n';
       case FileFormat::kRos:
@@ -73,7 +76,7 @@ void RunConvert(const ConvertArguments& arguments) {
 
 }  // namespace
 
-void AddConvert(CLI::App& app) {
+void AddConvert(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<ConvertArguments>();
   CLI::App* convert = app.add_subcommand(
       "convert", "Convert a trajectory between CSV, JSON and a ROS JointTrajectory in YAML");
@@ -81,10 +84,12 @@ void AddConvert(CLI::App& app) {
   convert
       ->add_option("OUT", arguments->out, "file to write, whole or not at all; -: standard output")
       ->required();
+  arguments->arm = arm;
+  arm->AddTo(*convert);
   convert->add_option("--to", arguments->to, "format of OUT (default: by its ending)")
       ->check(CLI::IsMember(kFormatNames));
   convert->add_flag("--full", arguments->full,
-                    "with CSV: speeds, accelerations and motor speeds as well");
+                    "with CSV: speeds, accelerations and the arm's motor speeds as well");
   convert->add_flag("--fk", arguments->fk,
                     "give samples without a pose that of their joints, by forward kinematics");
   convert->footer(

@@ -1,21 +1,17 @@
 #include <fmt/format.h>
+#include <qal/model/rotations.h>
+#include <qal/solve/kinematics.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cmath>
 #include <memory>
 
 #include "../../io/error.h"
-#include "../../io/messages.h"
-#include "../../src/kinematics/ikfunc.h"
-#include "../../src/kinematics/solve/inverse.h"
-#include "../../src/kinematics/solve/solution_choice.h"
-#include "../common/library_lines.h"
-#include "agreement.h"
+#include "../../io/trajectory_csv.h"
 #include "commands.h"
 #include "output.h"
-#include "solutions.h"
-#include "waypoints.h"
+#include "point_file.h"
+#include "pose_option.h"
 
 namespace qal::tools {
 
@@ -24,139 +20,168 @@ using namespace io;
 namespace {
 
 struct IkArguments {
-  Numbers pose;
-  Numbers rpy;
-  Numbers near;
-  Numbers step_bound;
+  NumberOption pose;
+  NumberOption rpy;
+  NumberOption near;
+  NumberOption step_bound;
+  std::string file;
   bool all = false;
-  Units units;
-  Output output;
+  CommonOptions common;
 };
 
-struct Question {
-  RoadPoint target;
-  RoadPoint reference;
-  double bound_rad = kNoStepBound;
+// What is asked for, beside the pose.
+struct Request {
+  Joints near;
+  InverseOptions options;
 };
 
-Question ReadQuestion(const IkArguments& arguments) {
-  Question question;
-  question.target = ReadPose(arguments.pose, arguments.rpy, arguments.units);
-  Joints near{};
-  if (arguments.near.given()) near = ReadJoints(arguments.near, arguments.units);
+Request ReadRequest(const IkArguments& arguments) {
+  const Units& units = arguments.common.units;
+  Request request = {};
+  if (arguments.near.given()) request.near = ReadJoints(arguments.near, units);
   if (arguments.step_bound.given()) {
-    question.bound_rad = arguments.units.Radians(arguments.step_bound.ReadWithin(0.0, 1000.0));
+    request.options.step_bound_rad = units.Radians(arguments.step_bound.ReadWithin(0.0, 1000.0));
   }
-  question.reference = AtJoints(near);
-  question.target.orientation =
-      SignedAs(question.target.orientation, question.reference.orientation);
-  return question;
+  return request;
 }
 
-std::string Answer(const IkArguments& arguments, const Question& question,
-                   const RoadPoint& solved) {
-  double distance_rad = 0.0;
-  for (int j = 0; j < 6; ++j) {
-    distance_rad += std::fabs(solved.jointpos[j] - question.reference.jointpos[j]);
-  }
-  if (arguments.output.json()) {
-    Json json = PointJson(solved);
-    json["distance_rad"] = distance_rad;
-    return json.dump(2) + '\n';
-  }
-  const Units& units = arguments.units;
-  return PointRows(solved, units) + Row(fmt::format("distance [{}]", units.angle()),
-                                        {units.Angle(distance_rad)}, AngleDecimals(units));
+// Why a pose is without a solution, or without an admissible one.
+std::string WhyUnsolved(const Error& error, const Units& units) {
+  const bool refused = error.reason == Reason::kJointRange || error.reason == Reason::kStepBound;
+  return (refused ? "none of its solutions is admissible; the nearest: " : "") +
+         ErrorText(error, units.text());
 }
 
-std::string SolutionTable(const std::vector<Solution>& solutions, const Units& units) {
+std::string VerdictOn(const Candidate& candidate, bool chosen, const Units& units) {
+  if (candidate.refusal) return ErrorText(*candidate.refusal, units.text());
+  return chosen ? "chosen" : "admissible";
+}
+
+std::string SolutionTable(const std::vector<Candidate>& candidates, size_t chosen,
+                          const Units& units) {
   std::string table = "solution";
   for (int j = 1; j <= 6; ++j) {
     table += fmt::format(" {:>11}", fmt::format("q{} [{}]", j, units.angle()));
   }
   table += fmt::format(" {:>15}  verdict\n", fmt::format("distance [{}]", units.angle()));
-  for (const Solution& solution : solutions) {
-    table += fmt::format("{:>8}", &solution - solutions.data() + 1);
-    for (const double joint : solution.joints_rad) {
+  for (size_t i = 0; i < candidates.size(); ++i) {
+    const auto& [joints, distance_rad, refusal] = candidates[i];
+    table += fmt::format("{:>8}", i + 1);
+    for (const double joint : joints)
       table += fmt::format(" {:>11}", Decimal(units.Angle(joint), 6));
-    }
-    table += fmt::format(
-        " {:>15}  {}{}\n", Decimal(units.Angle(solution.distance_rad), 6),
-        solution.admissible ? "" : "refused: ", solution.chosen ? "chosen" : solution.verdict);
+    table += fmt::format(" {:>15}  {}{}\n", Decimal(units.Angle(distance_rad), 6),
+                         refusal ? "refused: " : "", VerdictOn(candidates[i], i == chosen, units));
   }
   return table;
 }
 
-std::string SolutionJson(const std::vector<Solution>& solutions) {
+std::string SolutionJson(const std::vector<Candidate>& candidates, size_t chosen,
+                         const LoadedArm& loaded) {
   Json list = Json::array();
-  for (const Solution& solution : solutions) {
-    list.push_back({{"joints_rad", solution.joints_rad},
-                    {"distance_rad", solution.distance_rad},
-                    {"admissible", solution.admissible},
-                    {"chosen", solution.chosen},
-                    {"verdict", solution.verdict}});
+  for (size_t i = 0; i < candidates.size(); ++i) {
+    const auto& [joints, distance_rad, refusal] = candidates[i];
+    list.push_back({{"joints_rad", joints},
+                    {"distance_rad", distance_rad},
+                    {"admissible", !refusal},
+                    {"chosen", i == chosen},
+                    {"verdict", VerdictOn(candidates[i], i == chosen, Units())}});
   }
-  return Json{{"solutions", list}}.dump(2) + '\n';
+  return Json{{"arm", ArmJson(loaded)}, {"solutions", list}}.dump(2) + '\n';
 }
 
-void RunAll(const IkArguments& arguments) {
-  Question question;
-  std::vector<Solution> solutions;
-  {
-    const LibraryLines lines;
-    question = ReadQuestion(arguments);
-    solutions = FindSolutions(question.target, question.reference.jointpos, question.bound_rad,
-                              arguments.units);
+void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& pose,
+            const Request& request) {
+  const auto& [arm_option, units, output] = arguments.common;
+  const auto candidates = Inverse(loaded.arm, pose, request.near, request.options);
+  if (!candidates) {
+    throw Failure(fmt::format("no solution at {}: {}", PoseText(pose, units),
+                              ErrorText(candidates.error(), units.text())));
   }
-  if (solutions.empty()) {
-    throw Failure(fmt::format("no solution at {}: out of reach, the solver finds no joints for it",
-                              PoseText(question.target, arguments.units)));
+  // The first one that has the joints: a solver may give the same ones several times.
+  const Result<State> nearest = Nearest(loaded.arm, pose, request.near, request.options);
+  size_t chosen = 0;
+  while (nearest && chosen < candidates->size() &&
+         ((*candidates)[chosen].refusal || (*candidates)[chosen].joints != nearest->joints)) {
+    ++chosen;
   }
-  arguments.output.Write({}, arguments.output.json() ? SolutionJson(solutions)
-                                                     : SolutionTable(solutions, arguments.units));
-  if (std::none_of(solutions.begin(), solutions.end(),
-                   [](const Solution& solution) { return solution.chosen; })) {
-    throw Failure(fmt::format("none of the {} solutions is admissible", solutions.size()));
+  if (!nearest) chosen = candidates->size();
+  output.Write(output.json() ? SolutionJson(*candidates, chosen, loaded)
+                             : ArmRow(loaded) + SolutionTable(*candidates, chosen, units),
+               [] { return std::string(); });
+  if (!nearest) {
+    throw Failure(fmt::format("none of the {} solutions is admissible", candidates->size()));
   }
-  if (question.bound_rad == kNoStepBound &&
-      Ikfunc::PositionCompare(question.target, question.reference, kSamePositionM,
-                              kSameOrientation)) {
-    Note("the pose is that of --near: without --all, these joints are the answer");
+}
+
+void RunOne(const IkArguments& arguments, const LoadedArm& loaded, const Pose& pose,
+            const Request& request) {
+  const auto& [arm_option, units, output] = arguments.common;
+  const Result<State> solved = Nearest(loaded.arm, pose, request.near, request.options);
+  if (!solved) {
+    throw Failure(fmt::format("no solution at {}: {}", PoseText(pose, units),
+                              WhyUnsolved(solved.error(), units)));
   }
+  double distance_rad = 0.0;
+  for (size_t j = 0; j < 6; ++j) distance_rad += std::fabs(solved->joints[j] - request.near[j]);
+  Json json = {{"arm", ArmJson(loaded)}};
+  json.update(StateJson(*solved));
+  json["distance_rad"] = distance_rad;
+  output.Write(output.json() ? json.dump(2) + '\n'
+                             : ArmRow(loaded) + StateRows(*solved, units) +
+                                   Row(fmt::format("distance [{}]", units.angle()),
+                                       {units.Angle(distance_rad)}, AngleDecimals(units)),
+               [&solved] {
+                 return ToCsv({{0.0, solved->joints, solved->pose}});
+               });
 }
 
 void RunIk(const IkArguments& arguments) {
-  if (arguments.all) return RunAll(arguments);
-  Question question;
-  RoadPoint solved;
-  {
-    const LibraryLines lines;
-    question = ReadQuestion(arguments);
-    solved = SolveNear(question.target, question.reference, question.bound_rad,
-                       "at " + PoseText(question.target, arguments.units), arguments.units);
+  const bool file = !arguments.file.empty();
+  if (file && (arguments.pose.given() || arguments.rpy.given() || arguments.all)) {
+    throw UsageError("--pose, --rpy and --all do not go with --file");
   }
-  arguments.output.Write(FromWaypoints({solved}), Answer(arguments, question, solved));
+  const LoadedArm loaded = arguments.common.arm->Load();
+  Request request = ReadRequest(arguments);
+  if (file) {
+    return SolveFile(arguments.file, PointKind::kPoses, loaded, arguments.common,
+                     [&](const Sample& row) {
+                       auto solved = Nearest(loaded.arm, *row.pose, request.near, request.options);
+                       if (solved) request.near = solved->joints;
+                       return solved;
+                     });
+  }
+  const Pose pose = ReadPose(arguments.pose, arguments.rpy, arguments.common.units);
+  arguments.all ? RunAll(arguments, loaded, pose, request)
+                : RunOne(arguments, loaded, pose, request);
 }
 
 }  // namespace
 
-void AddIk(CLI::App& app) {
+void AddIk(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<IkArguments>();
-  CLI::App* ik = app.add_subcommand("ik", "Inverse kinematics: the joint angles of a pose");
+  CLI::App* ik = app.add_subcommand(
+      "ik", "Inverse kinematics: the joint angles of a pose, within the arm's limits");
   arguments->pose.AddTo(*ik, "--pose", kPoseShape, kPoseHelp);
   arguments->rpy.AddTo(*ik, "--rpy", kRpyShape, kRpyHelp);
+  ik->add_option(
+        "--file", arguments->file,
+        "a CSV file of poses in place of --pose, with the columns x_m,y_m,z_m,qw,qx,qy,qz;\n"
+        "each row is solved near the solution of the row before, the first near --near;\n"
+        "-: standard input")
+      ->type_name("FILE");
   arguments->near.AddTo(*ik, "--near", kJointsShape,
                         "reference joints [rad; --deg: deg]: the nearest solution is chosen, by\n"
                         "the sum of the joint differences (default: all 0)");
   arguments->step_bound.AddTo(*ik, "--step-bound", "N",
-                              "largest move of each joint from --near [rad; --deg: deg]\n"
+                              "largest move of each joint from the reference [rad; --deg: deg]\n"
                               "(default: any)");
-  arguments->units.AddTo(*ik);
-  arguments->output.AddTo(*ik);
+  arguments->common.AddTo(*ik, arm, false);
   ik->add_flag("--all", arguments->all,
                "list every solution, its distance from --near, and why it was refused")
       ->excludes(ik->get_option("--csv"));
-  ik->footer("Example: qal ik --pose 0.45 0.1 0.5 --rpy 0 3.14159 0 --near 0 0.3 0.2 0 1 0");
+  ik->footer(
+      "Exit status: 0 done, 1 when the pose, or a row of the file, has no admissible solution.\n"
+      "Example: qal ik --pose 0.45 0.1 0.5 --rpy 0 3.14159 0 --near 0 0.3 0.2 0 1 0");
   ik->callback([arguments] { RunIk(*arguments); });
 }
 

@@ -1,26 +1,24 @@
 #include "move.h"
 
 #include <fmt/format.h>
+#include <qal/model/rotations.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cstdio>
 
 #include "../../io/error.h"
 #include "../../io/metrics.h"
+#include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
-#include "../../src/kinematics/solve/solution_choice.h"
-#include "../common/library_lines.h"
-#include "agreement.h"
-#include "solutions.h"
-#include "waypoints.h"
+#include "pose_option.h"
+#include "verdict.h"
 
 namespace qal::tools {
 
 using namespace io;
 
-double Move::Length() const { return Distance(start.position, end.position); }
-
-void Ends::AddTo(CLI::App& command) {
+void EndOptions::AddTo(CLI::App& command) {
   from_.AddTo(command, "--from", kJointsShape, "start: six joint angles [rad; --deg: deg]");
   to_.AddTo(command, "--to", kJointsShape, "end: six joint angles [rad; --deg: deg]");
   to_pose_.AddTo(command, "--to-pose", kPoseShape,
@@ -31,40 +29,41 @@ void Ends::AddTo(CLI::App& command) {
             "end: this far from the start, x y z in the base frame [m; --mm: mm]");
 }
 
-Move Ends::Read(const Units& units) const {
+classic::Ends EndOptions::Read(const Units& units, const Arm& arm) const {
   if (to_.given() + to_pose_.given() + by_.given() != 1) {
     throw UsageError("one of --to, --to-pose and --by is expected, for the end");
   }
   if (rpy_.given() && !to_pose_.given()) throw UsageError("--rpy goes with --to-pose");
-  Move move;
-  move.start = AtJoints(ReadArmJoints(from_, units));
-  move.end_is_pose = !to_.given();
+  const State start = StateAt(arm, ReadArmJoints(from_, units, arm));
   if (to_.given()) {
-    move.end = AtJoints(ReadArmJoints(to_, units));
-    return move;
+    const State end = StateAt(arm, ReadArmJoints(to_, units, arm));
+    return {start, end.pose, end.joints};
   }
-  move.end = move.start;
+  const Quat& kept = start.pose.orientation;
   if (to_pose_.given()) {
-    const RoadPoint pose = ReadPose(to_pose_, rpy_, units, &move.start.orientation);
-    move.end.position = pose.position;
-    move.end.orientation = SignedAs(pose.orientation, move.start.orientation);
-  } else {
-    const auto by = by_.Read(3, fmt::format("x y z [{}]", units.length()));
-    const Pos offset(units.Metres(by[0]), units.Metres(by[1]), units.Metres(by[2]));
-    move.end.position = move.start.position + offset;
+    const Pose pose = ReadPose(to_pose_, rpy_, units, &kept);
+    return {start, {pose.position, SignedAs(pose.orientation, kept)}};
   }
-  return move;
+  const Vec3 by = ReadVector(by_, units, fmt::format("x y z [{}]", units.length()));
+  const Vec3& from = start.pose.position;
+  return {start, {{from.x + by.x, from.y + by.y, from.z + by.z}, kept}};
 }
 
-void SolveEnd(Move& move, const Units& units) {
-  if (move.end_is_pose)
-    move.end = SolveNear(move.end, move.start, kNoStepBound,
-                         "at the end, " + PoseText(move.end, units), units);
+void PlanOptions::AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm) {
+  common.AddTo(command, arm, true);
+  command.add_flag("--strict", strict,
+                   "exit status 1 when the plan exceeds a limit of the arm, assumed ones too");
+  command.add_flag("--verbose", verbose, "the operation's own messages, on standard error");
 }
 
-void RefuseOthers(const std::string& profile, std::initializer_list<const Numbers*> all,
-                  std::initializer_list<const Numbers*> taken) {
-  for (const Numbers* option : all) {
+classic::Listener PlanOptions::Listener() const {
+  if (!verbose) return {};
+  return [](std::string_view text) { (void)std::fwrite(text.data(), 1, text.size(), stderr); };
+}
+
+void RefuseOthers(const std::string& profile, std::initializer_list<const NumberOption*> all,
+                  std::initializer_list<const NumberOption*> taken) {
+  for (const NumberOption* option : all) {
     if (option->given() && std::find(taken.begin(), taken.end(), option) == taken.end()) {
       throw UsageError(fmt::format("{} does not go with --profile {}", option->name(), profile));
     }
@@ -73,50 +72,83 @@ void RefuseOthers(const std::string& profile, std::initializer_list<const Number
 
 namespace {
 
-std::string Summary(const RoadPoint& start, const std::vector<RoadPoint>& points,
+// "at point 57, 0.0224 m (22.4 %) along the line, at POSE"; what isn't known is left out.
+std::string PlaceOf(const classic::Failure& failure, const classic::Ends& ends,
                     const Units& units) {
-  // The step to the first point counts as well.
-  std::vector<RoadPoint> way = {start};
-  way.insert(way.end(), points.begin(), points.end());
-  const auto metrics = Measure(FromWaypoints(way), SolverArm());
-  const Peaks& steps = metrics[kJointStep];
-  const auto step = std::max_element(
-      steps.begin(), steps.end(), [](const auto& a, const auto& b) { return a->value < b->value; });
-  double length_m = 0.0;
-  for (size_t i = 1; i < points.size(); ++i) {
-    length_m += Distance(points[i - 1].position, points[i].position);
+  if (!failure.at) return "";
+  const std::string pose = PoseText(*failure.at, units);
+  if (!failure.point) return "at " + pose;
+  const Vec3& start = ends.start.pose.position;
+  const double along_m = Distance(start, failure.at->position);
+  const double length_m = Distance(start, ends.end.position);
+  return fmt::format("at point {}, {:.6g} {} ({:.3g} %) along the line, at {}", *failure.point,
+                     units.Length(along_m), units.length(),
+                     length_m > 0.0 ? 100.0 * along_m / length_m : 0.0, pose);
+}
+
+std::string FailureText(const classic::Failure& failure, const classic::Ends& ends,
+                        const Units& units) {
+  const std::string reason = ErrorText(failure.error, units.text());
+  const std::string place = PlaceOf(failure, ends, units);
+  if (place.empty()) return reason;
+  switch (failure.error.reason) {
+    case Reason::kOutOfReach:
+    case Reason::kJointRange:
+    case Reason::kStepBound:
+      return fmt::format("no solution {}: {}", place, reason);
+    default:
+      return fmt::format("{}: {}", place, reason);
   }
+}
+
+std::string Summary(const Trajectory& plan, const Arm& arm, const Units& units) {
+  double length_m = 0.0;
+  for (size_t i = 1; i < plan.size(); ++i) {
+    length_m += Distance(plan[i - 1].pose->position, plan[i].pose->position);
+  }
+  const Peaks errors = Measure(plan, arm)[kPositionError];
   const auto row = [](const std::string& label, const std::string& value) {
-    return fmt::format("{:<40} {}\n", label, value);
+    return fmt::format("{:<32} {:>12}\n", label, value);
   };
-  return row("points", std::to_string(points.size())) +
-         row("duration [s]", Decimal(FromWaypoints(points).back().time_s, 3)) +
-         row(fmt::format("way of the tool [{}]", units.length()),
+  const auto rows = [&](const Sample& sample) {
+    return StateRows({sample.joints, *sample.pose}, units);
+  };
+  return row("points", std::to_string(plan.size())) +
+         row("duration [s]", Decimal(plan.back().time_s, 3)) +
+         row(fmt::format("TCP path length [{}]", units.length()),
              Decimal(units.Length(length_m), LengthDecimals(units))) +
-         row(fmt::format("largest joint step [{}]", units.angle()),
-             fmt::format("{}, joint {}, to point {}",
-                         Decimal(units.Angle((*step)->value), AngleDecimals(units)),
-                         step - steps.begin() + 1, (*step)->sample - 1)) +
-         row(fmt::format("largest gap of joints and position [{}]", units.length()),
-             fmt::format("{:.3g}", units.Length(metrics[kPositionError][0]->value))) +
-         "first point\n" + PointRows(points.front(), units) + "last point\n" +
-         PointRows(points.back(), units);
+         row(fmt::format("FK position error [{}]", units.length()),
+             fmt::format("{:.3g}", units.Length(errors[0]->value))) +
+         "first point\n" + rows(plan.front()) + "last point\n" + rows(plan.back());
 }
 
 }  // namespace
 
-void RunMove(const Ends& ends, const Units& units, const Output& output,
-             const std::function<std::vector<RoadPoint>(Move&)>& plan) {
-  Trajectory trajectory;
-  std::string data;
-  {
-    const LibraryLines lines;
-    Move move = ends.Read(units);
-    const std::vector<RoadPoint> points = plan(move);
-    trajectory = FromWaypoints(points);
-    data = output.json() ? ToJson(trajectory).dump() + '\n' : Summary(move.start, points, units);
+void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const std::vector<State>& plan,
+               const std::string& answer, const Json& json) {
+  const auto& [arm_option, units, output] = options.common;
+  const Arm& arm = loaded.arm;
+  const Trajectory trajectory = FromStates(plan, arm.cycle_s().value);
+  const Verdict verdict = Judge(trajectory, arm);
+  Json all = {{"arm", ArmJson(loaded)}, {"verdict", VerdictJson(verdict)}};
+  all.update(json);
+  output.Write(
+      output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
+      [&, full = output.full()] { return full ? ToFullCsv(trajectory, arm) : ToCsv(trajectory); });
+  NoteExceeded(verdict, units);
+  if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
+    throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
   }
-  output.Write(trajectory, data);
+}
+
+void RunMove(const EndOptions& ends, const PlanOptions& options, const Planner& planner) {
+  const Units& units = options.common.units;
+  const LoadedArm loaded = options.common.arm->Load();
+  const classic::Ends read = ends.Read(units, loaded.arm);
+  const classic::Plan plan = planner(loaded.arm, read, options.Listener());
+  if (!plan) throw Failure(FailureText(plan.error(), read, units));
+  const Trajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
+  WritePlan(options, loaded, *plan, Summary(trajectory, loaded.arm, units), ToJson(trajectory));
 }
 
 }  // namespace qal::tools

@@ -1,58 +1,66 @@
 #ifndef QAL_TOOLS_QAL_MOVE_H_
 #define QAL_TOOLS_QAL_MOVE_H_
 
+#include <qal/plan/classic.h>
+
 #include <CLI/App.hpp>
 #include <functional>
 #include <initializer_list>
 #include <string>
-#include <vector>
 
-#include "../../src/core/roadpoint.h"
-#include "arguments.h"
+#include "number_option.h"
 #include "output.h"
 
 namespace qal::tools {
 
 constexpr int kMostSetting = 1000000000;  // of a speed and the like: far beyond any use
 
-/// Start and end of a move.
-struct Move {
-  RoadPoint start;
-  RoadPoint end;
-  bool end_is_pose;  // given as a pose: its joints are the start's until they are solved
-
-  /// Distance of the two positions [m].
-  double Length() const;
-};
-
 /// The options that give a move's ends.
-class Ends {
+class EndOptions {
  public:
   /// Adds --from, --to, --to-pose, --rpy and --by.
   void AddTo(CLI::App& command);
-  Move Read(const Units& units) const;
+  classic::Ends Read(const Units& units, const Arm& arm) const;
 
  private:
-  Numbers from_;
-  Numbers to_;
-  Numbers to_pose_;
-  Numbers rpy_;
-  Numbers by_;
+  NumberOption from_;
+  NumberOption to_;
+  NumberOption to_pose_;
+  NumberOption rpy_;
+  NumberOption by_;
 };
 
-/// @throw UsageError when one of `all` is given and none of `taken`
-void RefuseOthers(const std::string& profile, std::initializer_list<const Numbers*> all,
-                  std::initializer_list<const Numbers*> taken);
+/// What every command takes that plans.
+struct PlanOptions {
+  CommonOptions common;
+  bool strict = false;
+  bool verbose = false;
 
-/// Solves the end of a move, where it is a pose, for the joints nearest the start's.
-/// @throw Failure when it has no solution
-void SolveEnd(Move& move, const Units& units);
+  /// Adds the common options, --strict and --verbose.
+  void AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm);
+  /// Passes the operations' own lines on to standard error, with --verbose.
+  classic::Listener Listener() const;
+};
 
-/// Reads the ends, plans, and writes the plan: a summary that a person can check, or JSON with
-/// every point; a CSV file besides.
-/// @param plan may complete the move; what it says on standard output goes to standard error
-void RunMove(const Ends& ends, const Units& units, const Output& output,
-             const std::function<std::vector<RoadPoint>(Move&)>& plan);
+/// @throw UsageError when one of `all` is given and not one of `taken`
+void RefuseOthers(const std::string& profile, std::initializer_list<const NumberOption*> all,
+                  std::initializer_list<const NumberOption*> taken);
+
+/// Judges a plan by its arm and writes it: a summary that a person can check, or JSON with every
+/// point; a CSV file besides.
+/// @param answer what the table has above the verdict
+/// @param json   what JSON has beside the arm and the verdict
+/// @throw Failure with --strict, when a limit of the arm is exceeded; all is written before
+void WritePlan(const PlanOptions& options, const io::LoadedArm& loaded,
+               const std::vector<State>& plan, const std::string& answer, const Json& json);
+
+/// Plans between two ends.
+using Planner =
+    std::function<classic::Plan(const Arm&, const classic::Ends&, const classic::Listener&)>;
+
+/// Reads the ends, plans, judges and writes.
+/// @throw Failure when there is no plan: where, and why
+void RunMove(const EndOptions& ends, const PlanOptions& options, const Planner& planner);
 
 }  // namespace qal::tools
 

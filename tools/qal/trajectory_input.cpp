@@ -1,10 +1,14 @@
 #include "trajectory_input.h"
 
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <set>
 
 #include "../../io/error.h"
 #include "../../io/messages.h"
+#include "number_option.h"
 
 namespace qal::tools {
 
@@ -14,22 +18,29 @@ void TrajectoryInput::AddTo(CLI::App& command, const std::string& name) {
   command.add_option(name, path_, "trajectory to read; -: standard input")->required();
   command.add_option("--from", format_, "format of " + name + " (default: by its content)")
       ->check(CLI::IsMember(kFormatNames));
-  names_option_ =
-      command
-          .add_option(
-              "--joint-names", names_,
-              "names of joints 1 to 6 in ROS files, with commas between (default: joint_1 to "
-              "joint_6,\nor, in a file with six other joints, these in their order)")
-          ->delimiter(',')
-          ->type_name("A,B,C,D,E,F");
+  command
+      .add_option("--joint-names", names_,
+                  "names of joints 1 to 6 in ROS files (default: joint_1 to joint_6,\n"
+                  "or, in a file with six other joints, these in their order)")
+      ->type_name("A B C D E F");
+}
+
+JointNames TrajectoryInput::names() const {
+  JointNames names = DefaultJointNames();
+  if (names_.empty()) return names;
+  const std::vector<std::string> given = SplitWords({names_});
+  if (given.size() != names.size()) {
+    throw UsageError(fmt::format("--joint-names: six names expected, {} given", given.size()));
+  }
+  std::copy(given.begin(), given.end(), names.begin());
+  if (std::set<std::string>(names.begin(), names.end()).size() != names.size()) {
+    throw UsageError("--joint-names: a name stands twice");
+  }
+  return names;
 }
 
 LocatedTrajectory TrajectoryInput::Read() const {
-  if (std::set<std::string>(names_.begin(), names_.end()).size() != names_.size()) {
-    throw UsageError("--joint-names: a name stands twice");
-  }
-  LocatedTrajectory read =
-      ReadTrajectory(path_, FormatNamed(format_), {names_, names_option_->count() > 0});
+  LocatedTrajectory read = ReadTrajectory(path_, FormatNamed(format_), {names(), !names_.empty()});
   for (const std::string& note : read.notes) Note(name() + ": " + note);
   return read;
 }

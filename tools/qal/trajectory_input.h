@@ -18,7 +18,8 @@ class TrajectoryInput {
   /// What messages call the file.
   std::string name() const { return io::NameOf(path_); }
   /// Names of the joints in ROS files.
-  const io::JointNames& names() const { return names_; }
+  /// @throw UsageError when --joint-names are not six different ones
+  io::JointNames names() const;
 
   /// The file's trajectory, at least one sample, and its notes on standard error. Times are not
   /// checked for their order.
@@ -28,8 +29,7 @@ class TrajectoryInput {
  private:
   std::string path_;
   std::string format_;
-  io::JointNames names_ = io::DefaultJointNames();
-  const CLI::Option* names_option_ = nullptr;
+  std::string names_;
 };
 
 }  // namespace qal::tools

@@ -3,17 +3,15 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
-#include <nlohmann/json.hpp>
 
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "../../io/finite_differences.h"
 #include "../../io/metrics.h"
-#include "../common/library_lines.h"
-#include "arguments.h"
 #include "commands.h"
+#include "number_option.h"
+#include "tables.h"
 #include "trajectory_input.h"
-#include "waypoints.h"
 
 namespace qal::tools {
 
@@ -21,17 +19,18 @@ using namespace io;
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using Metrics = std::array<Peaks, kMetricCount>;
 
 struct VerifyArguments {
   TrajectoryInput in;
-  std::array<Numbers, kMetricCount> limits;
+  SharedArm arm;
+  std::array<NumberOption, kMetricCount> limits;
   bool json = false;
 };
 
 // What a verification found.
 struct Findings {
+  LoadedArm loaded;
   LocatedTrajectory trajectory;
   double shortest_s;  // of the intervals between samples
   double longest_s;
@@ -41,14 +40,13 @@ struct Findings {
 };
 
 // A limit for each value of the metric; nothing when none is given.
-std::vector<double> ReadLimit(const Numbers& numbers, const MetricKind& kind) {
+std::vector<double> ReadLimit(const NumberOption& numbers, const MetricKind& kind) {
   if (!numbers.given()) return {};
   const size_t count = kind.per_joint ? 6 : 1;
-  std::vector<double> limit =
-      numbers.Read(numbers.size() == 1 ? 1 : count,
-                   kind.per_joint ? "one number, or six with commas between," : "one number");
+  std::vector<double> limit = numbers.Read(numbers.size() == 1 ? 1 : count,
+                                           kind.per_joint ? "one number or six" : "one number");
   for (const double value : limit) {
-    if (value < 0.0) throw UsageError(fmt::format("{}: {} is below 0", kind.option, value));
+    if (value < 0.0) throw UsageError(fmt::format("{}: {:.9g} is below 0", kind.option, value));
   }
   if (limit.size() == 1) limit.resize(count, limit[0]);
   return limit;
@@ -59,7 +57,7 @@ Findings Verify(const VerifyArguments& arguments) {
   for (size_t i = 0; i < kMetricCount; ++i) {
     if (kMetrics[i].option != nullptr) limits[i] = ReadLimit(arguments.limits[i], kMetrics[i]);
   }
-  Findings findings{arguments.in.Read(), 0.0, 0.0, {}, limits, {}};
+  Findings findings{arguments.arm->Load(), arguments.in.Read(), 0.0, 0.0, {}, limits, {}};
   const Trajectory& samples = findings.trajectory.samples;
   const FiniteDifferences differences(samples);
   for (size_t i = 1; i < samples.size(); ++i) {
@@ -67,8 +65,7 @@ Findings Verify(const VerifyArguments& arguments) {
     if (i == 1 || duration < findings.shortest_s) findings.shortest_s = duration;
     if (i == 1 || duration > findings.longest_s) findings.longest_s = duration;
   }
-  const LibraryLines lines;
-  findings.metrics = Measure(samples, SolverArm());
+  findings.metrics = Measure(samples, findings.loaded.arm);
   findings.violations = FindViolations(findings.metrics, limits);
   return findings;
 }
@@ -89,7 +86,8 @@ std::string Heading(const Findings& findings, const std::string& name) {
   } else if (samples.size() > 1) {
     text += fmt::format(", {:.9g} s apart", findings.longest_s);
   }
-  return text + (HavePoses(samples) ? "; tool by the file's pose\n" : "; tool by the joints\n");
+  text += HavePoses(samples) ? "; tool by the file's pose\n" : "; tool by the joints\n";
+  return text + ArmRow(findings.loaded);
 }
 
 std::string Table(const Findings& findings, const std::string& name) {
@@ -119,7 +117,7 @@ std::string ViolationLines(const Findings& findings) {
     const std::optional<Peak>& peak = findings.metrics[metric][entry];
     const std::string measured =
         // As many digits as tell a violation from its limit.
-        peak ? fmt::format("{:.10g} {} at {}, {:.9g} s", peak->value, kMetrics[metric].unit,
+        peak ? fmt::format("{:.9g} {} at {}, {:.9g} s", peak->value, kMetrics[metric].unit,
                            Place(findings.trajectory, peak->sample),
                            findings.trajectory.samples[peak->sample].time_s)
              : "nothing to measure";
@@ -141,6 +139,7 @@ Json PeakJson(const std::optional<Peak>& peak, const LocatedTrajectory& trajecto
 Json FindingsJson(const Findings& findings, const std::string& name) {
   const Trajectory& samples = findings.trajectory.samples;
   Json json = {{"file", name},
+               {"arm", ArmJson(findings.loaded)},
                {"samples", samples.size()},
                {"first_time_s", samples.front().time_s},
                {"last_time_s", samples.back().time_s},
@@ -176,15 +175,17 @@ void RunVerify(const VerifyArguments& arguments) {
 
 }  // namespace
 
-void AddVerify(CLI::App& app) {
+void AddVerify(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<VerifyArguments>();
   CLI::App* verify = app.add_subcommand(
       "verify", "Measure a trajectory file, from here or elsewhere, and hold it against limits");
   arguments->in.AddTo(*verify, "FILE");
+  arguments->arm = arm;
+  arm->AddTo(*verify);
   for (size_t i = 0; i < kMetricCount; ++i) {
     const MetricKind& kind = kMetrics[i];
     if (kind.option == nullptr) continue;
-    arguments->limits[i].AddTo(*verify, kind.option, kind.per_joint ? "N or N,N,N,N,N,N" : "N",
+    arguments->limits[i].AddTo(*verify, kind.option, kind.per_joint ? "N or N1 .. N6" : "N",
                                fmt::format("limit: {} [{}]", kind.help, kind.unit));
     // One word, so that FILE may follow.
     verify->get_option(kind.option)->expected(1)->allow_extra_args(false);
@@ -195,10 +196,9 @@ void AddVerify(CLI::App& app) {
       "it.\n"
       "Speeds are the differences of the samples over their time, accelerations those of the\n"
       "speeds, jerks those of the accelerations; the arm stands before the first sample and after\n"
-      "the last. Motor speeds follow from the joint speeds: 0.000523595 rad of the motor in 0.005 "
-      "s\n"
-      "are one rpm, its gear ratio is 363 for joints 1 to 3 and 303 for joints 4 to 6. What lies\n"
-      "between two samples is said at the later one; samples count from 0.\n"
+      "the last. Motor speeds follow from the joint speeds by the arm's gear ratios; one rpm is\n"
+      "0.104719 rad/s of the motor. What lies between two samples is said at the later one;\n"
+      "samples count from 0.\n"
       "A time that is repeated or goes back is always a violation.\n"
       "Exit status: 0 within all limits, 1 with a violation, 2 when the file cannot be read.\n"
       "Example: qal verify planned.csv --max-motor-rpm 3000 --max-joint-acc 8,8,8,12,12,12");

@@ -16,6 +16,15 @@ constexpr Quat operator*(const Quat& a, const Quat& b) {
 
 constexpr Quat Conjugate(const Quat& q) { return {q.w, -q.x, -q.y, -q.z}; }
 
+/// Rotations about the fixed x, y and z axes, in this order [rad]:
+/// R = Rz(rpy.z) * Ry(rpy.y) * Rx(rpy.x).
+inline Quat FromRollPitchYawAngles(const Vec3& rpy_rad) {
+  const Quat roll = {std::cos(rpy_rad.x / 2), std::sin(rpy_rad.x / 2), 0, 0};
+  const Quat pitch = {std::cos(rpy_rad.y / 2), 0, std::sin(rpy_rad.y / 2), 0};
+  const Quat yaw = {std::cos(rpy_rad.z / 2), 0, 0, std::sin(rpy_rad.z / 2)};
+  return yaw * pitch * roll;
+}
+
 /// The angle of the rotation from one orientation to the other, 0 to pi [rad]. The quaternions need
 /// not have length 1.
 inline double AngleBetween(const Quat& a, const Quat& b) {

@@ -1,0 +1,86 @@
+#include "csv_rows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "error.h"
+#include "numbers.h"
+
+namespace qal::io {
+
+namespace {
+
+// Takes the first line off `text`, without its end.
+std::string_view TakeLine(std::string_view& text) {
+  const size_t end = std::min(text.find('\n'), text.size());
+  std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
+  return line;
+}
+
+std::string_view Trim(std::string_view field) {
+  const size_t begin = field.find_first_not_of(" \t");
+  if (begin == std::string_view::npos) return {};
+  return field.substr(begin, field.find_last_not_of(" \t") + 1 - begin);
+}
+
+void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
+  fields.clear();
+  for (;;) {
+    const size_t comma = line.find(',');
+    fields.push_back(Trim(line.substr(0, comma)));
+    if (comma == std::string_view::npos) return;
+    line.remove_prefix(comma + 1);
+  }
+}
+
+}  // namespace
+
+size_t FindColumn(const CsvFields& header, std::string_view name, const std::string& expected) {
+  const auto found = std::find(header.begin(), header.end(), name);
+  if (found == header.end()) {
+    throw UsageError(fmt::format(
+        "no column '{}'; a header with {} was expected, with commas between and no quotes", name,
+        expected));
+  }
+  if (std::count(found, header.end(), name) > 1) {
+    throw UsageError(fmt::format("the column '{}' stands twice", name));
+  }
+  return static_cast<size_t>(found - header.begin());
+}
+
+void ReadCsvRows(std::string_view text,
+                 const std::function<std::vector<size_t>(const CsvFields& header)>& choose,
+                 const std::function<void(const std::vector<double>& row, size_t line)>& take) {
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+    text.remove_prefix(kByteOrderMark.size());
+  }
+  size_t line = 1;
+  try {
+    CsvFields header;
+    SplitFields(TakeLine(text), header);
+    const std::vector<size_t> places = choose(header);
+    if (text.empty()) throw UsageError("no row below the header");
+    CsvFields fields;
+    std::vector<double> row(places.size());
+    while (!text.empty()) {
+      ++line;
+      SplitFields(TakeLine(text), fields);
+      if (fields.size() != header.size()) {
+        throw UsageError(fmt::format("{} fields were expected, as in the header; the row has {}",
+                                     header.size(), fields.size()));
+      }
+      for (size_t i = 0; i < places.size(); ++i) {
+        row[i] = ParseNumber(fields[places[i]], std::string(header[places[i]]));
+      }
+      take(row, line);
+    }
+  } catch (const UsageError& error) {
+    throw UsageError(fmt::format("line {}: {}", line, error.what()));
+  }
+}
+
+}  // namespace qal::io

@@ -1,0 +1,95 @@
+#include "run.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cctype>
+#include <charconv>
+#include <exception>
+#include <new>
+#include <sstream>
+
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../../io/messages.h"
+
+namespace qal::tools {
+
+using namespace io;
+
+namespace {
+
+// Lets a negative number that starts with no digit ("-.5", "-inf") pass as a value, not an option.
+std::string ShieldNumber(const std::string& argument) {
+  if (argument.size() < 2 || argument[0] != '-' ||
+      std::isdigit(static_cast<unsigned char>(argument[1])) != 0) {
+    return argument;
+  }
+  double value = 0.0;
+  const char* const begin = argument.data();
+  return std::from_chars(begin, begin + argument.size(), value).ptr == begin ? argument
+                                                                             : ' ' + argument;
+}
+
+// "TOOL", or "TOOL COMMAND" once a command has been read.
+std::string WhoOf(const CLI::App& app) {
+  std::string who = app.get_name();
+  for (const CLI::App* command : app.get_subcommands()) who += ' ' + command->get_name();
+  return who;
+}
+
+void Parse(CLI::App& app, const std::vector<std::string>& arguments) {
+  const bool has_commands = !app.get_subcommands([](const CLI::App*) { return true; }).empty();
+  std::vector<std::string> reversed(arguments.size());  // as the parser wants them
+  std::transform(arguments.rbegin(), arguments.rend(), reversed.begin(), ShieldNumber);
+  try {
+    app.parse(reversed);
+  } catch (const CLI::ExtrasError&) {
+    const std::string extra = app.remaining(true).front();
+    if (has_commands && app.get_subcommands().empty()) {
+      throw UsageError(
+          fmt::format("'{}' is no command; {} --help lists them", extra, app.get_name()));
+    }
+    throw UsageError(
+        fmt::format("'{}' was not expected; {} --help lists the options", extra, WhoOf(app)));
+  } catch (const CLI::ParseError& error) {
+    std::ostringstream text;
+    if (app.exit(error, text, text) != 0) {
+      throw UsageError(fmt::format("{}; {} --help says how", OneLine(error.what()), WhoOf(app)));
+    }
+    WriteStandardOutput(text.str());
+    return;
+  }
+  if (has_commands && app.get_subcommands().empty()) {
+    throw UsageError(fmt::format("a command is expected; {} --help lists them", app.get_name()));
+  }
+}
+
+}  // namespace
+
+int RunTool(const std::string& name, const std::vector<std::string>& arguments,
+            const std::function<void(CLI::App&)>& describe) {
+  KeepWriteSignalsAway();
+  CLI::App app;
+  app.name(name);
+  try {
+    describe(app);
+    Parse(app, arguments);
+    return kDone;
+  } catch (const UsageError& error) {
+    SayOnError(WhoOf(app), error.what());
+    return kBadUsage;
+  } catch (const Failure& error) {
+    SayOnError(WhoOf(app), error.what());
+  } catch (const std::bad_alloc&) {
+    SayOnError(WhoOf(app), "out of memory");
+  } catch (const std::exception& error) {
+    SayOnError(WhoOf(app), fmt::format("unexpected error: {}", error.what()));
+  } catch (...) {  // a solver library may throw anything
+    SayOnError(WhoOf(app), "unexpected error of an unknown kind");
+  }
+  return kFailed;
+}
+
+}  // namespace qal::tools
