@@ -16,7 +16,7 @@ namespace qal::io {
 namespace {
 
 // A path that a file names: from the file's own folder.
-std::string Beside(const std::string& file, const std::string& named) {
+std::string InFolderOf(const std::string& file, const std::string& named) {
   if (file == "-") return named;
   return (std::filesystem::path(file).parent_path() / named).lexically_normal().string();
 }
@@ -25,7 +25,7 @@ std::string Beside(const std::string& file, const std::string& named) {
 ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
                              const ReadOptions& options) {
   if (fields.at("description").is_string()) {
-    const std::string named = Beside(path, fields.Text("description", ""));
+    const std::string named = InFolderOf(path, fields.Text("description", ""));
     ReadOptions with_links = options;
     if (options.base.empty()) with_links.base = fields.Text("base_link", "");
     if (options.tip.empty()) with_links.tip = fields.Text("tip_link", "");
@@ -47,7 +47,7 @@ ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
 ArmFile FromDocument(const Document& document, const std::string& path,
                      const ReadOptions& options) {
   const Fields fields(document, "", "");
-  ArmFile file;
+  ArmFile file = {document.path, "arm file", std::nullopt, {}, ""};
   if (fields.Has("convention")) {
     ExpectTableOptions(options);
     file.kind = "table";
@@ -55,7 +55,6 @@ ArmFile FromDocument(const Document& document, const std::string& path,
     CheckScale(*file.description, document.path);
     return file;
   }
-  file.kind = "arm file";
   fields.Expect({"name", "description", "solver", "base_link", "tip_link", "cycle_s", "limits",
                  "motors", "base", "tool"});
   if (!fields.Has("description") && !fields.Has("solver")) {
@@ -65,7 +64,7 @@ ArmFile FromDocument(const Document& document, const std::string& path,
   }
   file.settings = ReadArmSettings(fields);
   if (fields.Has("description")) file.description = DescriptionOf(fields, path, options);
-  if (fields.Has("solver")) file.solver = Beside(path, fields.Text("solver", ""));
+  if (fields.Has("solver")) file.solver = InFolderOf(path, fields.Text("solver", ""));
   return file;
 }
 
@@ -77,9 +76,9 @@ ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
   switch (ContentOf(text)) {
     case Content::kLibrary:
       if (path == "-") throw UsageError(name + ": a library; its path is expected");
-      return {"solver library", std::nullopt, {}, path};
+      return {name, "solver library", std::nullopt, {}, path};
     case Content::kXml:
-      return {"URDF", ParseDescription(text, name, options), {}, ""};
+      return {name, "URDF", ParseDescription(text, name, options), {}, ""};
     case Content::kJson:
       return FromDocument(ParseJson(text, name), path, options);
     case Content::kToml:
@@ -88,22 +87,26 @@ ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
   return FromDocument(ParseToml(text, name), path, options);
 }
 
-ArmDescription ReadDescription(const std::string& path, const ReadOptions& options) {
-  ArmFile file = ReadArmFile(path, options);
+ArmDescription DescriptionIn(const ArmFile& file) {
   if (!file.description) {
     throw UsageError(fmt::format("{}: {} without a description; a URDF or a table is expected",
-                                 NameOf(path),
+                                 file.name,
                                  file.kind == "arm file" ? "an arm file" : "a solver library"));
   }
+  ArmDescription description = *file.description;
   for (size_t j = 0; j < file.settings.joints.size(); ++j) {
     const JointSettings& said = file.settings.joints[j];
-    JointDescription& joint = file.description->joints[j];
+    JointDescription& joint = description.joints[j];
     if (said.lower_rad) joint.lower_rad = said.lower_rad;
     if (said.upper_rad) joint.upper_rad = said.upper_rad;
     if (said.velocity_rad_s) joint.velocity_rad_s = said.velocity_rad_s;
   }
-  if (!file.settings.name.empty()) file.description->name = file.settings.name;
-  return *std::move(file.description);
+  if (!file.settings.name.empty()) description.name = file.settings.name;
+  return description;
+}
+
+ArmDescription ReadDescription(const std::string& path, const ReadOptions& options) {
+  return DescriptionIn(ReadArmFile(path, options));
 }
 
 }  // namespace qal::io

@@ -11,6 +11,7 @@ namespace qal::io {
 /// What a file of an arm says. docs/arm-file.md has the keys of an arm file; a URDF, a table and a
 /// solver library are files of an arm, too.
 struct ArmFile {
+  std::string name;                           ///< what messages call it
   std::string kind;                           ///< "URDF", "table", "arm file" or "solver library"
   std::optional<ArmDescription> description;  ///< none: a solver is all there is
   ArmSettings settings;
@@ -23,9 +24,13 @@ struct ArmFile {
 /// @throw UsageError "FILE: ..." or "FILE, line N: ..." with the key and what was expected
 ArmFile ReadArmFile(const std::string& path, const ReadOptions& options);
 
-/// The description in a URDF, a table or an arm file; an arm file's limits go before its
+/// The description in a URDF, a table or an arm file; an arm file's name and limits go before its
 /// description's.
-/// @throw UsageError as above, and when there is none
+/// @throw UsageError when there is none
+ArmDescription DescriptionIn(const ArmFile& file);
+
+/// The same, read from a file.
+/// @throw UsageError as both
 ArmDescription ReadDescription(const std::string& path, const ReadOptions& options);
 
 }  // namespace qal::io

@@ -46,7 +46,7 @@ size_t FindColumn(const CsvFields& header, std::string_view name, const std::str
         expected));
   }
   if (std::count(found, header.end(), name) > 1) {
-    throw UsageError(fmt::format("the column '{}' stands twice", name));
+    throw UsageError(fmt::format("the column '{}' is a duplicate", name));
   }
   return static_cast<size_t>(found - header.begin());
 }

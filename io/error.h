@@ -7,10 +7,10 @@ namespace qal::io {
 
 // Exit statuses of every command.
 constexpr int kDone = 0;
-constexpr int kFailed = 1;    // asked rightly, but there is no answer, or a check found something
+constexpr int kFailed = 1;    // a sound request, but there is no answer, or a check found something
 constexpr int kBadUsage = 2;  // arguments, input files or output files are not as they have to be
 
-/// The work was asked for rightly and has no answer: one line, exit status 1.
+/// A sound request that has no answer: one line, exit status 1.
 class Failure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

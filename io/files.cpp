@@ -98,19 +98,19 @@ void WriteFile(const std::string& path, std::string_view content) {
   std::error_code unresolved;
   const std::filesystem::path resolved = std::filesystem::canonical(path, unresolved);
   const std::string target = unresolved ? path : resolved.string();
-  // Stopped in between, the file beside would stay.
+  // Stopped in between, the temporary file would stay.
   const HeldSignals held;
-  std::string beside = target + ".XXXXXX";
-  const int descriptor = ::mkostemp(beside.data(), O_CLOEXEC);
+  std::string temporary = target + ".XXXXXX";
+  const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
   if (descriptor < 0) Fail("write", path, errno);
   // As an ordinary new file would be, or as the one it replaces: mkostemp gives 0600.
   const mode_t mask = ::umask(0);
   (void)::umask(mask);
   (void)::fchmod(descriptor, exists ? status.st_mode & 07777 : 0666 & ~mask);
   int error = WriteAndClose(descriptor, content);
-  if (error == 0 && ::rename(beside.c_str(), target.c_str()) != 0) error = errno;
+  if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) error = errno;
   if (error != 0) {
-    (void)::unlink(beside.c_str());
+    (void)::unlink(temporary.c_str());
     Fail("write", path, error);
   }
 }

@@ -18,7 +18,7 @@ std::string NameOf(const std::string& path);
 ///        is none of ours
 std::string ReadFile(const std::string& path);
 
-/// Writes a file as a whole: beside it first, then renamed, so that a failure leaves what stood
+/// Writes a file as a whole: next to it first, then renamed, so that a failure leaves what stood
 /// there before and nothing half written; a stop (Ctrl-C) waits until that is done. A link stays,
 /// and what it leads to is replaced. What is no regular file (a device, a pipe) is written in
 /// place.

@@ -5,7 +5,8 @@
 
 namespace qal::io {
 
-/// While one lives, the signals that ask a program to stop wait: Ctrl-C, a closed terminal, `kill`.
+/// While one lives, the signals that tell a program to stop wait: Ctrl-C, a closed terminal,
+/// `kill`.
 class HeldSignals {
  public:
   HeldSignals() {

@@ -3,55 +3,68 @@
 #include <fmt/format.h>
 #include <qal/model/family.h>
 
-#include "arm_file.h"
 #include "error.h"
 #include "error_text.h"
 #include "family_text.h"
-#include "files.h"
 #include "messages.h"
 
 namespace qal::io {
 
 namespace {
 
-Arm MakeArm(const ArmFile& file, const std::string& name) {
+Arm ArmOf(const ArmFile& file) {
   const ArmDescription description = file.description.value_or(ArmDescription());
   if (file.solver.empty()) {
     const Result<Arm> arm = Arm::FromDescription(description, file.settings);
     if (arm) return *arm;
     if (arm.error().reason == Reason::kNoClosedForm) {
-      throw Failure(fmt::format("{}: {}", name, FamilyText(ExamineFamilies(description))));
+      throw Failure(fmt::format("{}: {}", file.name, FamilyText(ExamineFamilies(description))));
     }
-    throw UsageError(fmt::format("{}: {}", name, ErrorText(arm.error())));
+    throw UsageError(fmt::format("{}: {}", file.name, ErrorText(arm.error())));
   }
   const Result<Solver> solver = Solver::Load(file.solver);
   if (!solver) throw UsageError(fmt::format("{}: {}", file.solver, ErrorText(solver.error())));
   const Result<Arm> arm = file.description ? Arm::FromSolver(*solver, description, file.settings)
                                            : Arm::FromSolver(*solver, file.settings);
-  if (!arm) throw UsageError(fmt::format("{}: {}", name, ErrorText(arm.error())));
+  if (!arm) throw UsageError(fmt::format("{}: {}", file.name, ErrorText(arm.error())));
   return *arm;
 }
 
-}  // namespace
-
-LoadedArm ReadArm(const std::string& path, const ReadOptions& options) {
-  const ArmFile file = ReadArmFile(path, options);
-  return {MakeArm(file, NameOf(path)), NameOf(path), file.kind};
-}
-
-LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
-                     const ReadOptions& options) {
-  if (option) return ReadArm(*option, options);
-  if (environment == nullptr || *environment == '\0') {
-    return {Arm::Reference(), "", "reference arm"};
-  }
+// What `read` makes of the path that the option names, else the environment, which messages then
+// name; nothing when neither does.
+template <typename Read>
+auto ReadNamed(const std::optional<std::string>& option, const char* environment, Read read)
+    -> std::optional<decltype(read(*option))> {
+  if (option) return read(*option);
+  if (environment == nullptr || *environment == '\0') return std::nullopt;
   try {
-    return ReadArm(environment, options);
+    return read(environment);
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("QAL_ARM: {}", error.what()));
   } catch (const Failure& failure) {
     throw Failure(fmt::format("QAL_ARM: {}", failure.what()));
   }
+}
+
+}  // namespace
+
+LoadedArm MakeArm(const ArmFile& file) { return {ArmOf(file), file.name, file.kind}; }
+
+LoadedArm ReadArm(const std::string& path, const ReadOptions& options) {
+  return MakeArm(ReadArmFile(path, options));
+}
+
+LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
+                     const ReadOptions& options) {
+  const auto named = ReadNamed(option, environment,
+                               [&](const std::string& path) { return ReadArm(path, options); });
+  return named ? *named : LoadedArm{Arm::Reference(), "", "reference arm"};
+}
+
+std::optional<ArmFile> ResolveArmFile(const std::optional<std::string>& option,
+                                      const char* environment, const ReadOptions& options) {
+  return ReadNamed(option, environment,
+                   [&](const std::string& path) { return ReadArmFile(path, options); });
 }
 
 std::string ArmHeading(const LoadedArm& loaded) {

@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "description.h"
+#include "arm_file.h"
 
 namespace qal::io {
 
@@ -18,9 +18,13 @@ struct LoadedArm {
   std::string kind;  ///< as in `ArmFile`, or "reference arm"
 };
 
-/// The arm of a file: a URDF, a table, an arm file or a solver library, whatever its name.
-/// @throw UsageError as ReadArmFile, or when the file's numbers make no arm or its solver is none
+/// The arm that a file of an arm makes.
+/// @throw UsageError when its numbers make no arm or its solver is none
 /// @throw Failure    "FILE: ..." when no closed form has the arm's axes and no solver is named
+LoadedArm MakeArm(const ArmFile& file);
+
+/// The arm of a file: a URDF, a table, an arm file or a solver library, whatever its name.
+/// @throw as ReadArmFile and MakeArm
 LoadedArm ReadArm(const std::string& path, const ReadOptions& options = {});
 
 /// The arm that a command works with: the option's, else the environment's, else the reference arm.
@@ -29,6 +33,11 @@ LoadedArm ReadArm(const std::string& path, const ReadOptions& options = {});
 /// @param environment QAL_ARM's value; null or empty when it isn't set
 LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
                      const ReadOptions& options = {});
+
+/// The file that `ResolveArm` would make an arm of; nothing: none is named. No solver is loaded.
+/// @throw UsageError as ReadArmFile
+std::optional<ArmFile> ResolveArmFile(const std::optional<std::string>& option,
+                                      const char* environment, const ReadOptions& options = {});
 
 /// Which arm it is, in one line:
 ///

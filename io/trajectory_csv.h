@@ -26,7 +26,7 @@ std::string ToFullCsv(const Trajectory& trajectory, const Arm& arm);
 /// Reads CSV, ours or from elsewhere: the columns in any order, others passed over, the pose
 /// columns all or none. A byte order mark, CRLF line ends and blanks around fields are taken. Times
 /// are not checked for their order.
-/// @throw UsageError "line N: REASON" when a column is missing or stands twice, a row has another
+/// @throw UsageError "line N: REASON" when a column is missing or a duplicate, a row has another
 ///        number of fields than the header, a field is no number, or there is no row
 LocatedTrajectory ParseCsv(std::string_view text);
 

@@ -87,22 +87,22 @@ std::string NamesIn(const YamlNode& list) {
   return names;
 }
 
-// Where each of the arm's joints stands in `list`; a note when it isn't by name.
+// Where each of the arm's joints is in `list`; a note when it isn't by name.
 std::array<size_t, 6> FindJoints(const YamlNode& list, const RosNames& wanted,
                                  std::vector<std::string>& notes) {
   std::array<size_t, 6> places{};
-  const auto stands_once = [&](const std::string& name) { return CountOf(list, name) == 1; };
-  if (!wanted.asked && list.size() == places.size() &&
-      !std::all_of(wanted.names.begin(), wanted.names.end(), stands_once)) {
+  const auto is_there_once = [&](const std::string& name) { return CountOf(list, name) == 1; };
+  if (!wanted.requested && list.size() == places.size() &&
+      !std::all_of(wanted.names.begin(), wanted.names.end(), is_there_once)) {
     std::iota(places.begin(), places.end(), size_t{0});
     notes.push_back(fmt::format("joints 1 to 6 in the order of the file: {}", NamesIn(list)));
     return places;
   }
   for (size_t joint = 0; joint < places.size(); ++joint) {
     const std::string& name = wanted.names[joint];
-    if (!stands_once(name)) {
+    if (!is_there_once(name)) {
       list.Refuse(fmt::format(
-          "joint_names: '{}' stands {} times, once was expected; --joint-names says other names",
+          "joint_names: '{}' is there {} times, once is expected; --joint-names says other names",
           name, CountOf(list, name)));
     }
     while (list[places[joint]].Scalar() != name) ++places[joint];

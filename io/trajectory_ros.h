@@ -18,7 +18,7 @@ JointNames DefaultJointNames();
 /// The names to read a ROS file by.
 struct RosNames {
   JointNames names = DefaultJointNames();
-  bool asked = false;  ///< whether somebody asked for these very names
+  bool requested = false;  ///< whether somebody named these very ones
 };
 
 /// A trajectory as a ROS 2 `trajectory_msgs/JointTrajectory` in YAML. Velocities and accelerations
@@ -33,7 +33,7 @@ std::string ToRosYaml(const Trajectory& trajectory, const JointNames& names);
 
 /// Reads a `JointTrajectory` in YAML, also with the `secs` and `nsecs` of ROS 1, also as
 /// `ros2 topic echo` prints it. Joints are taken by their names, whatever their order; others are
-/// passed over, and so is everything but positions and time. Where nobody asked for the names and
+/// passed over, and so is everything but positions and time. Where nobody named them and
 /// they aren't the file's, its six joints are taken in its order, with a note. Times are not
 /// checked for their order.
 /// @throw UsageError "line N: REASON"

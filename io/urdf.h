@@ -7,7 +7,7 @@
 
 namespace qal::io {
 
-/// The arm in the text of a URDF. Fixed joints are taken over; whatever is beside the chain from
+/// The arm in the text of a URDF. Fixed joints are taken over; whatever is outside the chain from
 /// base to tip is left aside.
 /// @param path what messages call the text
 /// @throw UsageError as ParseDescription

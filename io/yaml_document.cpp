@@ -70,7 +70,7 @@ std::optional<YamlNode> YamlNode::Find(std::string_view key) const {
   for (const yaml_node_pair_t* pair = pairs.start; pair != pairs.top; ++pair) {
     const YamlNode name(document_, yaml_document_get_node(document_, pair->key));
     if (name.Scalar() != key) continue;
-    if (found) name.Refuse(fmt::format("'{}' stands twice", key));
+    if (found) name.Refuse(fmt::format("'{}' is a duplicate key", key));
     found = YamlNode(document_, yaml_document_get_node(document_, pair->value));
   }
   return found;

@@ -16,7 +16,7 @@ class YamlNode {
   YamlNode(yaml_document_t* document, yaml_node_t* node) : document_(document), node_(node) {}
 
   /// The value at `key` of a map; nothing where there is none, or no map here.
-  /// @throw UsageError when the key stands twice
+  /// @throw UsageError when a key is a duplicate
   std::optional<YamlNode> Find(std::string_view key) const;
   /// The same where it has to be there.
   /// @throw UsageError when it is not

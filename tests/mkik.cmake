@@ -5,8 +5,7 @@ qal_test_program(
   SOURCES mkik/arms_test.cpp mkik/mkik_test.cpp
   LIBRARIES qal_mkik kdl_parser::kdl_parser
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_MKIK="$<TARGET_FILE:mkik>"
-              QAL_IKCHECK="$<TARGET_FILE:ikcheck>"
-  NEEDS mkik ikcheck)
+  NEEDS mkik)
 
 # What docs/your-arm.md says is what happens.
 add_test(NAME Mkik.DoesWhatItsDocumentShows

@@ -15,6 +15,7 @@ foreach(arm ${arms})
             > ${library}.txt
     DEPENDS mkik ${arm} VERBATIM)
   list(APPEND arm_libraries ${library})
+  add_test(NAME Mkik.MakesASoundSolver.${name} COMMAND ikcheck ${library} --arm ${arm} --strict)
 endforeach()
 
 # A solver without a linker map, whose own class has a namesake in the test program.
@@ -34,7 +35,7 @@ qal_test_program(
 # It defines the solver's functions itself, and the solvers' own classes, for all to see.
 set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
 
-# The classic operations by value, beside Ikfunc's in one program.
+# The classic operations by value, vs Ikfunc's in one program.
 qal_test_program(
   qal_classic_test
   SOURCES qal/classic_test.cpp

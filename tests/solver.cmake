@@ -1,10 +1,10 @@
 qal_test_program(qal_solver_test SOURCES solver/reference_solver_test.cpp LIBRARIES ik)
 target_include_directories(qal_solver_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
 
-# What it solves: random poses, singular ones and beside them, against its forward kinematics and
+# What it solves: random poses, singular ones and near them, against its forward kinematics and
 # that of the arm's description.
 if(QAL_BUILD_TOOLS)
   add_test(NAME ReferenceSolver.IsSound
-           COMMAND ikcheck $<TARGET_FILE:ik> --strict --urdf
+           COMMAND ikcheck $<TARGET_FILE:ik> --strict --arm
                    ${PROJECT_SOURCE_DIR}/arms/reference.urdf)
 endif()

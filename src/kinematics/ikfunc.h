@@ -34,7 +34,7 @@
 /// - Operations may run at once on distinct data as far as the solver allows it, and while
 ///   `std::cout` is synchronised with stdio, as it is unless the host has switched that off.
 /// - Only the range of an `int` bounds the points of an S-curve line and of a ramped joint move: a
-///   jerk next to nothing, or joints turning for hours, ask for gigabytes.
+///   jerk next to nothing, or joints turning for hours, need gigabytes.
 class QAL_API Ikfunc {
  public:
   Ikfunc();

@@ -13,12 +13,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     return chosen;
   }();
   if (size == 0) return 0;
-  constexpr int kMostQuestions = 100;
+  constexpr int kMostQueries = 100;
   const Operation& operation = group[data[0] % group.size()];
   const Bytes bytes(data + 1, data + size);
-  const Frame once = Perform(operation, bytes, kMostQuestions);
+  const Frame once = Perform(operation, bytes, kMostQueries);
   if (!once.fault.empty()) throw std::logic_error(once.fault);
-  if (!SameFrames(once, Perform(operation, bytes, kMostQuestions))) {
+  if (!SameFrames(once, Perform(operation, bytes, kMostQueries))) {
     throw std::logic_error(operation.name + ": not the same twice");
   }
   return 0;

@@ -1,8 +1,8 @@
 #include "robustness/byte_input.h"
 #include "solver/answer.h"
 
-// Asks the reference arm's solver for the pose of joints, singular ones and next to them too, for
-// one a little off that, and for any target at all.
+// Queries the reference arm's solver for the pose of joints, singular ones and next to them too,
+// for one a little off that, and for any target at all.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const Bytes bytes(data, data + size);
   ByteInput in(bytes);

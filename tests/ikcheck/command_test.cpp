@@ -18,7 +18,9 @@ TEST_F(IkcheckCommand, TellsByItsExitStatusWhatItFound) {
   EXPECT_EQ(Ikcheck(QAL_SOUND_SOLVER " --poses 300 --strict").status, 0);
   EXPECT_EQ(Ikcheck(kFaulty, "minus pi").status, 0);
   EXPECT_EQ(Ikcheck(kFaulty + "--strict", "minus pi").status, 1);
-  EXPECT_EQ(Ikcheck(kFaulty, "true").status, 1);
+  const ToolRun faulty = Ikcheck(kFaulty, "true");
+  EXPECT_EQ(faulty.status, 1);
+  EXPECT_EQ(faulty.err, "ikcheck: " QAL_FAULTY_SOLVER ": faults: true-without-solution\n");
 }
 
 TEST_F(IkcheckCommand, PrintsJson) {
@@ -47,7 +49,7 @@ TEST_F(IkcheckCommand, ComparesWithAnArmsDescription) {
     const char* options;
     std::string reason;
   } cases[] = {
-      {"", "--urdf arm.urdf", none},
+      {"", "--arm arm.urdf", none},
       {"s/0.050 0 0.380/0.050 0 0.380001/", "--urdf arm.urdf", none},
       {"0,/0 0 0/s//0 0 0.1/", "--urdf arm.urdf", base + "\"0 0 0.1\" rpy=\"0 0 0\""},
       {"s/0 1.5707963267948966 0/0 0 0/", "--urdf arm.urdf",
@@ -73,16 +75,49 @@ TEST_F(IkcheckCommand, ComparesWithAnArmsDescription) {
   }
 }
 
+// The library alone; an arm file's, with its description; QAL_ARM, which goes after both others.
+TEST_F(IkcheckCommand, TakesTheLibraryAndTheArmFromAFileOfAnArm) {
+  std::ofstream("cell.toml") << "name = 'cell'\nsolver = '" QAL_SOUND_SOLVER
+                                "'\n"
+                                "description = '" QAL_ARMS_DIR "/reference.urdf'\n";
+  const struct {
+    std::string environment;
+    std::string arguments;
+    const char* library;
+    Json arm;  // its name
+  } cases[] = {
+      {"", "--arm " QAL_SOUND_SOLVER, QAL_SOUND_SOLVER, nullptr},
+      {"", "--arm cell.toml", QAL_SOUND_SOLVER, "cell"},
+      {"cell.toml", "", QAL_SOUND_SOLVER, "cell"},
+      {"none", "--arm - < cell.toml", QAL_SOUND_SOLVER, "cell"},
+      {"cell.toml", QAL_FAULTY_SOLVER, QAL_FAULTY_SOLVER, "cell"},
+      {QAL_SOUND_SOLVER, QAL_FAULTY_SOLVER, QAL_FAULTY_SOLVER, nullptr},
+  };
+  for (const auto& [environment, arguments, library, arm] : cases) {
+    const ToolRun run =
+        Shell("QAL_ARM=" + environment + ' ' + QAL_IKCHECK " --poses 10 --json " + arguments);
+    const Json report = Json::parse(run.out, nullptr, false);
+    EXPECT_EQ(report["library"], library) << arguments << run.err;
+    EXPECT_EQ(report["arm"].is_null() ? Json() : report["arm"]["name"], arm) << arguments;
+  }
+}
+
 TEST_F(IkcheckCommand, SaysInOneLineWhatItCannotUse) {
   std::ofstream("text") << "no library";
   const std::string missing = QAL_LIBRARIES "/libwants_missing.so";
   const std::pair<std::string, std::string> kRefused[] = {
-      {"", "library is required"},
+      {"", "no library; one is expected as LIBRARY, by --arm or in QAL_ARM"},
+      {"--arm " QAL_ARMS_DIR "/reference.urdf",
+       QAL_ARMS_DIR "/reference.urdf: no solver in this URDF; the library to check is expected, "
+                    "as in: ikcheck libik.so --arm " QAL_ARMS_DIR "/reference.urdf"},
+      {kFaulty + "--arm " QAL_SOUND_SOLVER,
+       QAL_SOUND_SOLVER ": a solver library without a description; a URDF or a table is expected"},
       {"nowhere.so", "cannot read nowhere.so: No such file or directory"},
       {"text", "text: not a shared library (no ELF file)"},
       {missing, "cannot load " + missing + ": undefined symbol: _Z14NowhereDefinedv"},
-      {kFaulty + "--poses 0", "--poses: Value 0 not in range 1 to 10000000"},
-      {kFaulty + "--seed x", "Could not convert: --seed = x"},
+      {kFaulty + "--poses 0",
+       "--poses: Value 0 not in range 1 to 10000000; ikcheck --help says how"},
+      {kFaulty + "--seed x", "Could not convert: --seed = x; ikcheck --help says how"},
   };
   for (const auto& [arguments, message] : kRefused) {
     const ToolRun run = Ikcheck(arguments);

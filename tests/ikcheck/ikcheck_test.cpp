@@ -116,7 +116,7 @@ TEST(Ikcheck, GoesOnAfterACrash) {
   EXPECT_EQ(report["unfinished"][0]["check"], "random joints");
   EXPECT_GT(report["unfinished"][0]["lost_calls"], 1);
   for (const Json& check : report["checks"]) {
-    EXPECT_GT(check.value("asked", 100), 10) << check;
+    EXPECT_GT(check.value("poses", 100), 10) << check;
   }
   EXPECT_EQ(report["checks"].back()["check"], "time per call, on this machine");
 
@@ -159,7 +159,7 @@ TEST(Ikcheck, KnowsTheLibrariesThatCannotBeUsed) {
             "ikfast::IkSolutionListBase<double>&)");
 }
 
-// The same seed asks for the same poses, another one for others.
+// The same seed draws the same poses, another one others.
 TEST(Ikcheck, RepeatsItselfWithTheSameSeed) {
   const auto check = [](unsigned seed) {
     Session::Options options = Options(QAL_FAULTY_SOLVER, "wrong");

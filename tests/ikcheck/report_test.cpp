@@ -38,7 +38,7 @@ TEST(Report, ShowsInTextWhatItHoldsAndNoControlCharacters) {
   Report report;
   report.library = "libik.so";
   report.interface["kinematics_hash"] = "x\033[2J\x80";
-  report.rows = {{"first", {{"asked_for", 20000}, {"error", 1.23456e-5}}}};
+  report.rows = {{"first", {{"joint_sets", 20000}, {"error", 1.23456e-5}}}};
   report.unfinished = {{"first", 3}};
   report.stopped = "at \"last\": enough";
   report.Judge(Finding::kHang, false, 0.5, [] {

@@ -106,7 +106,7 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {"", "line 1: no column 'time_s'"},
           {head + "\n", "line 1: no row"},
           {"time_s,q1_rad,q2_rad,q3_rad,q4_rad,q6_rad" + row, "line 1: no column 'q5_rad'"},
-          {head + ",q2_rad" + row + ",0", "line 1: the column 'q2_rad' stands twice"},
+          {head + ",q2_rad" + row + ",0", "line 1: the column 'q2_rad' is a duplicate"},
           {head + ",qx" + row + ",0", "line 1: no column 'x_m'"},
           {head + row + "\n1,0,0,0,0,0",
            "line 3: 7 fields were expected, as in the header; the row has 6"},
@@ -137,18 +137,18 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {"", "line 1: the file is empty"},
           {names + "points: [", "line 3: no valid YAML"},
           {points + "0" + time + "0}", "line 1: no 'joint_names'"},
-          {"joint_names: [joint_1, joint_1]\n", "line 1: joint_names: 'joint_1' stands 2 times"},
+          {"joint_names: [joint_1, joint_1]\n", "line 1: joint_names: 'joint_1' is there 2 times"},
           {names + "points: []", "line 2: no points"},
           {names + points + "0, 0" + time + "0}", "line 3: 7 positions, 6 were expected"},
           {names + points + ".nan" + time + "0}", "line 3: positions: '.nan' is not a number"},
           {names + points + "0]\n", "line 3: no 'time_from_start'"},
           {names + points + "0" + time + "1000000000}", "line 4: nanosec: 1000000000 is no whole"},
           {names + points + "0" + time + "0}\n---\na: b", "line 6: a second document"},
-          {names + points + "0" + time + "0}\npoints: 1", "line 5: 'points' stands twice"},
+          {names + points + "0" + time + "0}\npoints: 1", "line 5: 'points' is a duplicate key"},
       });
 }
 
-// Names that nobody asked for: where all are known by name, else six in the order of the file.
+// Names that nobody requested: where all are known by name, else six in the order of the file.
 TEST(TrajectoryFiles, RosJointsOfOtherNamesAreTakenInOrderWithANote) {
   const auto read = [](const std::string& names, const RosNames& wanted) {
     return ParseRosYaml("joint_names: [" + names +
@@ -164,7 +164,7 @@ TEST(TrajectoryFiles, RosJointsOfOtherNamesAreTakenInOrderWithANote) {
   EXPECT_EQ((Joints{1, 2, 3, 4, 5, 6}), in_order.samples[0].joints);
   EXPECT_EQ(std::vector<std::string>{"joints 1 to 6 in the order of the file: a, b, c, d, e, g"},
             in_order.notes);
-  const std::string refusal = "line 1: joint_names: 'f' stands 0 times, once was expected";
+  const std::string refusal = "line 1: joint_names: 'f' is there 0 times, once is expected";
   for (const std::string& said : {Refusal([&] {
                                     read("a, b, c, d, e, g", {arm.names, true});
                                   }),

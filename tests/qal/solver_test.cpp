@@ -60,7 +60,7 @@ std::string LibraryOf(const std::string& file) {
 const std::string kForeign = QAL_FOREIGN_LIBRARIES "/here/libik.so";
 
 // A closed form taken at run time is the library that a compiler makes of the same geometry: every
-// arm, all of them and two foreign solvers open side by side, asked in turn.
+// arm, all of them and two foreign solvers open side by side, queried in turn.
 TEST(Solvers, SideBySideAnswerAsTheLibrariesOfTheirArmsToTheLastBit) {
   std::vector<std::pair<Solver, Solver>> pairs = {
       {Solver::Reference(), Solver::Load(QAL_REFERENCE_SOLVER).value()}};

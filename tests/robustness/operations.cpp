@@ -196,20 +196,20 @@ const std::vector<Operation>& Operations() {
   return operations;
 }
 
-Frame Perform(const Operation& operation, const Bytes& bytes, int most_questions, long fail_at) {
+Frame Perform(const Operation& operation, const Bytes& bytes, int most_queries, long fail_at) {
   ByteInput in(bytes);
   Frame frame{};
   frame.road.assign(2, Canary());
   // Room for all that the solver's patience allows, and something behind it.
-  const size_t room = static_cast<size_t>(most_questions) + 2;
+  const size_t room = static_cast<size_t>(most_queries) + 2;
   if (operation.writes & kArray) frame.array.assign(room, Canary());
-  byte_solver = {&in, most_questions, false, {}};
+  byte_solver = {&in, most_queries, false, {}};
   try {
     Draw(in, frame);
   } catch (const SolverFault&) {
   }  // zeros for the rest
   const Frame before = frame;
-  byte_solver.questions_left = most_questions;
+  byte_solver.queries_left = most_queries;
   allocations.fail_at = fail_at == 0 ? 0 : allocations.made + fail_at;
   try {
     frame.result = operation.call(frame);

@@ -44,8 +44,8 @@ const std::vector<Operation>& Operations();
 
 /// Calls an operation with arguments and a solver drawn from bytes.
 ///
-/// The solver throws after `most_questions`: no trajectory gets longer, whatever the bytes say.
+/// The solver throws after `most_queries`: no trajectory gets longer, whatever the bytes say.
 /// @param fail_at the allocation that fails, the call's first being 1; 0: none
-Frame Perform(const Operation& operation, const Bytes& bytes, int most_questions, long fail_at = 0);
+Frame Perform(const Operation& operation, const Bytes& bytes, int most_queries, long fail_at = 0);
 
 #endif  // QAL_TESTS_ROBUSTNESS_OPERATIONS_H_

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int kMostQuestions = 100;
+constexpr int kMostQueries = 100;
 
 Bytes Random(unsigned seed) {
   Bytes bytes(700);
@@ -29,7 +29,7 @@ std::vector<Frame> PerformAll(const Operation& operation) {
   const unsigned count = operation.group == "solve" ? 500 : 100;  // they are short, and branch most
   std::vector<Frame> frames;
   for (unsigned seed = 0; seed < count; ++seed) {
-    frames.push_back(Perform(operation, Random(seed), kMostQuestions));
+    frames.push_back(Perform(operation, Random(seed), kMostQueries));
     EXPECT_EQ(frames.back().fault, "") << "seed " << seed;
   }
   return frames;
@@ -86,12 +86,12 @@ bool IsPrefix(const std::vector<RoadPoint>& part, const std::vector<RoadPoint>& 
 
 // Lets each allocation fail in a call of its own. Returns what is wrong.
 std::string Starve(const Operation& operation, const Bytes& bytes) {
-  constexpr int kFewQuestions = 25;
-  const Frame whole = Perform(operation, bytes, kFewQuestions);
+  constexpr int kFewQueries = 25;
+  const Frame whole = Perform(operation, bytes, kFewQueries);
   for (long k = 1;; ++k) {
     const long live = allocations.live;
     {
-      const Frame part = Perform(operation, bytes, kFewQuestions, k);
+      const Frame part = Perform(operation, bytes, kFewQueries, k);
       if (!part.fault.empty()) return part.fault;
       if (!part.starved) return "";
       if (part.result) return "not told of allocation " + std::to_string(k);
@@ -120,7 +120,7 @@ TEST(Threads, GetTheResultsOfOneByItself) {
   const std::vector<Operation>& operations = Operations();
   const auto perform = [&](size_t i) {
     const auto seed = static_cast<unsigned>(i / operations.size());
-    return Perform(operations[i % operations.size()], Random(seed), kMostQuestions);
+    return Perform(operations[i % operations.size()], Random(seed), kMostQueries);
   };
   std::atomic<long> calls{0}, different{0};
   const auto run = [&] {

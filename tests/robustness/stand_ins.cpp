@@ -38,9 +38,9 @@ namespace {
 
 using Vector = std::vector<ikfast::IkSingleDOFSolutionBase<double>>;
 
-// Counts the question, and draws what kind of answer it gets.
+// Counts the query, and draws what kind of answer it gets.
 int Kind() {
-  if (byte_solver.questions_left-- <= 0) throw SolverFault();
+  if (byte_solver.queries_left-- <= 0) throw SolverFault();
   const int kind = byte_solver.bytes->Take<uint8_t>() % 16;
   if (kind == 15) throw SolverFault();
   return kind;

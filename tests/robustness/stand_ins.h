@@ -9,7 +9,7 @@
 // stand_ins.cpp exports ikfast::ComputeIk, ikfast::ComputeFk, operator new and delete itself, so
 // that the library binds to these.
 
-/// What the solver throws when it has been asked too often, or its bytes tell it to.
+/// What the solver throws when it has been called too often, or its bytes tell it to.
 struct SolverFault {};
 
 /// This thread's solver. It answers as its bytes say: with any number of solutions of any number of
@@ -18,7 +18,7 @@ struct SolverFault {};
 /// are the coordinates.
 struct ByteSolver {
   ByteInput* bytes;
-  int questions_left;
+  int queries_left;
   bool reference_arm;                        ///< answers as libik.so's own instead
   std::vector<std::array<double, 6>> given;  ///< every solution of six joints
 };

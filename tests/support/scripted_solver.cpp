@@ -13,10 +13,10 @@ bool ikfast::ComputeIk(const IkReal* eetrans, const IkReal* eerot, const IkReal*
   EXPECT_EQ(pfree, nullptr);
   SolverPose target;
   std::copy(eerot, eerot + 9, std::copy(eetrans, eetrans + 3, target.begin()));
-  script.asked.push_back(target);
+  script.queries.push_back(target);
 
-  // This question is among those asked; size_t wraps for the first ones.
-  const bool silent = script.asked.size() - 1 - script.answered < script.unanswered;
+  // This query is among them; size_t wraps for the first ones.
+  const bool silent = script.queries.size() - 1 - script.answered < script.unanswered;
   const Answer answer = silent ? Answer{} : script.inverse(target);
   for (const std::vector<double>& solution : answer.solutions) {
     std::vector<IkSingleDOFSolutionBase<IkReal>> joints(solution.size());
@@ -27,9 +27,9 @@ bool ikfast::ComputeIk(const IkReal* eetrans, const IkReal* eerot, const IkReal*
 }
 
 void ikfast::ComputeFk(const IkReal* joints, IkReal* eetrans, IkReal* eerot) {
-  Joints question;
-  std::copy(joints, joints + 6, question.begin());
-  const SolverPose pose = script.forward(question);
+  Joints query;
+  std::copy(joints, joints + 6, query.begin());
+  const SolverPose pose = script.forward(query);
   std::copy(pose.begin(), pose.begin() + 3, eetrans);
   std::copy(pose.begin() + 3, pose.end(), eerot);
 }

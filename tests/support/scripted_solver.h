@@ -14,10 +14,10 @@ using SolverPose = std::array<double, 12>;
 
 /// Joints 1 to 3 are the coordinates, the tool never turns: positions read off the joints exactly.
 SolverPose GantryForward(const Joints& joints);
-/// The question for this position of the gantry.
+/// The query for this position of the gantry.
 inline SolverPose GantryAt(const Pos& p) { return GantryForward({p.x, p.y, p.z}); }
 
-/// What one inverse question gets. A solution may have any number of joints.
+/// What one inverse query gets. A solution may have any number of joints.
 struct Answer {
   bool found;
   std::vector<std::vector<double>> solutions;
@@ -30,7 +30,7 @@ inline Answer GantryInverse(const SolverPose& target, double joint4 = 0.0) {
 struct SolverScript {
   std::function<Answer(const SolverPose&)> inverse = [](auto& t) { return GantryInverse(t); };
   std::function<SolverPose(const Joints&)> forward = GantryForward;
-  std::vector<SolverPose> asked;        ///< every inverse question so far
+  std::vector<SolverPose> queries;      ///< every inverse query so far
   size_t answered = 0, unanswered = 0;  ///< so many get an answer, then so many don't
 };
 extern SolverScript script;
@@ -40,9 +40,9 @@ class ScriptedSolver : public testing::Test {
  protected:
   ScriptedSolver() { script = SolverScript(); }
 
-  /// From now on so many questions get an answer, then so many don't, then all do.
+  /// From now on so many queries get an answer, then so many don't, then all do.
   static void FindNothing(size_t answered, size_t unanswered) {
-    script.asked.clear();
+    script.queries.clear();
     script.answered = answered;
     script.unanswered = unanswered;
   }

@@ -82,7 +82,7 @@ using BoolOutcome = Outcome<bool>;
 inline const BoolOutcome kSilentTrue(true, "", "");
 inline const BoolOutcome kSilentFalse(false, "", "");
 
-/// What the operations that ask the solver write when it finds nothing, and nothing admissible.
+/// What the operations that query the solver write when it finds nothing, and nothing admissible.
 inline const std::string kUnsolved = "Failed to get  ik solution ArmJointIK \n";
 inline const std::string kInadmissible = "Failed to get joint ik solution\n";
 

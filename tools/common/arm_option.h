@@ -9,7 +9,10 @@
 
 namespace qal::tools {
 
-/// The options that say which arm a command works with: --arm, --base-link and --tip-link.
+/// QAL_ARM, the arm where no option names one; null when it isn't set.
+const char* ArmOfEnvironment();
+
+/// The options that say which arm a command works with: --arm, --base and --tip.
 class ArmOption {
  public:
   void AddTo(CLI::App& command);

@@ -7,14 +7,22 @@
 
 namespace qal::tools {
 
-/// Adds the options that say how a description is to be read: --base, --tip, --mm, --deg and
+/// Adds the options that say which links of a URDF are the base and the tip.
+inline void AddLinkOptions(CLI::App& app, io::ReadOptions& options) {
+  app.add_option("--base,--base-link", options.base,
+                 "base link of a URDF (default: the one without a parent)")
+      ->type_name("LINK");
+  app.add_option("--tip,--tip-link", options.tip,
+                 "tip link of a URDF (default: where six joints end)")
+      ->type_name("LINK");
+}
+
+/// Adds the options that say how a description is to be read: those above, --mm, --deg and
 /// --exact-angles.
 inline void AddReadOptions(CLI::App& app, io::ReadOptions& options) {
-  app.add_option("--base", options.base, "base link (else the one without a parent)")
-      ->type_name("LINK");
-  app.add_option("--tip", options.tip, "tip link (else where six joints end)")->type_name("LINK");
-  app.add_flag("--mm", options.millimetres, "lengths are in millimetres, not metres");
-  app.add_flag("--deg", options.degrees, "a table's angles are in degrees, not radians");
+  AddLinkOptions(app, options);
+  app.add_flag("--mm", options.millimetres, "the description's lengths are in mm, not m");
+  app.add_flag("--deg", options.degrees, "a table's angles are in degrees, not rad");
   app.add_flag("--exact-angles", options.exact_angles,
                "read angles such as 1.5708 as the multiples of 15 degrees that they stand for");
 }

@@ -81,7 +81,7 @@ void CheckArm(Session& session, Row& row) {
   for (size_t i = 0; i < joints.size(); ++i) {
     if (answers[i].outcome != Outcome::kReturned) continue;
     solver.push_back(FrameOf(answers[i].pose));
-    arm.push_back(FrameOf(session.options.arm(joints[i])));
+    arm.push_back(FrameOf(session.options.arm->forward(joints[i])));
     sets.push_back(joints[i]);
   }
   double distance = 0.0;

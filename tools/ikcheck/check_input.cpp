@@ -19,20 +19,20 @@ std::vector<Pose> GoodPoses(Session& session, size_t count) {
   return poses;
 }
 
-void CheckRefused(Session& session, Finding finding, const std::vector<Question>& questions,
+void CheckRefused(Session& session, Finding finding, const std::vector<IkRequest>& requests,
                   Row& row) {
-  const auto answers = session.Solve(questions);
-  size_t asked = 0;
+  const auto answers = session.Solve(requests);
+  size_t poses = 0;
   size_t refused = 0;
   for (size_t i = 0; i < answers.size(); ++i) {
     if (answers[i].outcome != Outcome::kReturned) continue;
     const bool accepted = answers[i].found && answers[i].added > 0;
-    ++asked;
+    ++poses;
     if (!accepted) ++refused;
     session.report.Judge(finding, !accepted,
-                         [&] { return CaseOf("ComputeIk returned solutions", questions[i]); });
+                         [&] { return CaseOf("ComputeIk returned solutions", requests[i]); });
   }
-  row.values["asked"] = asked;
+  row.values["poses"] = poses;
   row.values["refused"] = refused;
 }
 
@@ -41,13 +41,13 @@ void CheckRefused(Session& session, Finding finding, const std::vector<Question>
 void CheckNonFiniteInput(Session& session, Row& row) {
   constexpr double kInfinity = std::numeric_limits<double>::infinity();
   constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
-  std::vector<Question> questions;
+  std::vector<IkRequest> requests;
   std::vector<Joints> sets;
   for (const double value : {kNan, kInfinity, -kInfinity}) {
     for (const Pose& good : GoodPoses(session, 10)) {
       for (size_t i = 0; i < 12; ++i) {
-        questions.push_back({good});
-        Value(questions.back().pose, i) = value;
+        requests.push_back({good});
+        Value(requests.back().pose, i) = value;
       }
     }
     for (size_t j = 0; j < 6; ++j) {
@@ -57,11 +57,11 @@ void CheckNonFiniteInput(Session& session, Row& row) {
   }
   // It has to return; there is no right answer.
   (void)session.Forward(sets);
-  CheckRefused(session, Finding::kAcceptsNonFinite, questions, row);
+  CheckRefused(session, Finding::kAcceptsNonFinite, requests, row);
 }
 
 void CheckNonRotations(Session& session, Row& row) {
-  std::vector<Question> questions;
+  std::vector<IkRequest> requests;
   for (const Pose& good : GoodPoses(session, 50)) {
     Pose scaled = good;
     Pose sheared = good;
@@ -73,9 +73,9 @@ void CheckNonRotations(Session& session, Row& row) {
       mirrored.rotation[i] *= -1;
     }
     for (double& element : zero.rotation) element = 0.0;
-    for (const Pose& bad : {scaled, sheared, mirrored, zero}) questions.push_back({bad});
+    for (const Pose& bad : {scaled, sheared, mirrored, zero}) requests.push_back({bad});
   }
-  CheckRefused(session, Finding::kAcceptsNonRotation, questions, row);
+  CheckRefused(session, Finding::kAcceptsNonRotation, requests, row);
 }
 
 }  // namespace qal::ikcheck

@@ -13,23 +13,23 @@ namespace {
 
 void CheckJoints(Session& session, const std::vector<Joints>& joints, Row& row) {
   PoseJudge judge(session);
-  judge.AskFor(joints);
+  judge.JudgeJoints(joints);
   judge.Fill(row);
 }
 
-// Small enough that a regular solution of the turned and shifted pose has one of the pose beside
+// Small enough that a regular solution of the turned and shifted pose has one of the pose nearby
 // it.
-constexpr double kBeside = 1e-7;
+constexpr double kNearby = 1e-7;
 
-Pose Beside(Session& session, const Pose& pose) {
+Pose Nearby(Session& session, const Pose& pose) {
   using Matrix = Eigen::Matrix<double, 3, 3, Eigen::RowMajor>;
   const Eigen::Vector3d axis(session.Random(), session.Random(), session.Random());
-  Pose beside = pose;
-  Eigen::Map<Matrix>(beside.rotation) =
+  Pose nearby = pose;
+  Eigen::Map<Matrix>(nearby.rotation) =
       Eigen::Map<const Matrix>(pose.rotation) *
-      Eigen::AngleAxisd(kBeside, axis.normalized()).toRotationMatrix();
-  for (double& value : beside.position) value += kBeside * session.reach * session.Random();
-  return beside;
+      Eigen::AngleAxisd(kNearby, axis.normalized()).toRotationMatrix();
+  for (double& value : nearby.position) value += kNearby * session.reach * session.Random();
+  return nearby;
 }
 
 // All 24 rotations that take axes to axes.
@@ -46,8 +46,8 @@ std::vector<Eigen::Matrix3d> AxisRotations() {
 }
 
 // Positions of the arm's own, in the plane y = 0, and on the base's z axis; as many of each.
-std::vector<Question> AxisAlignedPoses(Session& session, size_t positions) {
-  std::vector<Question> questions;
+std::vector<IkRequest> AxisAlignedPoses(Session& session, size_t positions) {
+  std::vector<IkRequest> requests;
   const auto poses = session.Forward(session.RandomJoints(3 * positions));
   for (size_t i = 0; i < poses.size(); ++i) {
     if (poses[i].outcome != Outcome::kReturned) continue;
@@ -56,10 +56,10 @@ std::vector<Question> AxisAlignedPoses(Session& session, size_t positions) {
     if (i % 3 == 2) pose.position[0] = 0.0;
     for (const Eigen::Matrix3d& rotation : AxisRotations()) {
       for (int k = 0; k < 9; ++k) pose.rotation[k] = rotation(k / 3, k % 3);
-      questions.push_back({pose});
+      requests.push_back({pose});
     }
   }
-  return questions;
+  return requests;
 }
 
 // Whether a pose has a solution away from singularities.
@@ -77,7 +77,7 @@ void CheckRandomPoses(Session& session, Row& row) {
   PoseJudge judge(session);
   for (size_t left = session.options.poses; left > 0 && session.lost() == 0;) {
     const size_t count = std::min(left, kBlock);
-    judge.AskFor(session.RandomJoints(count));
+    judge.JudgeJoints(session.RandomJoints(count));
     left -= count;
   }
   judge.Fill(row);
@@ -113,7 +113,7 @@ void CheckSingularPoses(Session& session, Row& row) {
   std::vector<Joints> sets;
   for (const Singularity& at : session.singularities) sets.push_back(at.joints);
   PoseJudge judge(session);
-  judge.AskFor(sets, true);
+  judge.JudgeJoints(sets, true);
   judge.Fill(row);
 }
 
@@ -134,19 +134,19 @@ void CheckNearSingularPoses(Session& session, Row& row) {
 // Nothing says which of these poses the arm reaches; but it reaches those next to which it has a
 // regular solution.
 void CheckAxisAlignedTool(Session& session, Row& row) {
-  const std::vector<Question> questions = AxisAlignedPoses(session, 20);
-  std::vector<Question> neighbours;
-  for (const Question& question : questions) {
-    neighbours.push_back({Beside(session, question.pose)});
+  const std::vector<IkRequest> requests = AxisAlignedPoses(session, 20);
+  std::vector<IkRequest> neighbours;
+  for (const IkRequest& request : requests) {
+    neighbours.push_back({Nearby(session, request.pose)});
   }
   PoseJudge judge(session);
-  const auto asked = judge.Ask(questions);
-  const auto beside = PoseJudge(session).Ask(neighbours);
-  for (size_t i = 0; i < questions.size(); ++i) {
-    if (!asked[i].answered || !beside[i].solved) continue;
-    const bool missing = !asked[i].solved && HasRegular(session, beside[i].solutions);
+  const auto results = judge.JudgePoses(requests);
+  const auto nearby = PoseJudge(session).JudgePoses(neighbours);
+  for (size_t i = 0; i < requests.size(); ++i) {
+    if (!results[i].answered || !nearby[i].solved) continue;
+    const bool missing = !results[i].solved && HasRegular(session, nearby[i].solutions);
     session.report.Judge(Finding::kUnsolved, !missing, [&] {
-      return CaseOf("no solution, but a regular one 1e-7 beside", questions[i]);
+      return CaseOf("no solution, but a regular one 1e-7 away", requests[i]);
     });
   }
   judge.Fill(row);
@@ -154,16 +154,16 @@ void CheckAxisAlignedTool(Session& session, Row& row) {
 
 // In a box that holds all that the arm reaches, and much that it doesn't.
 void CheckOutOfReach(Session& session, Row& row) {
-  std::vector<Question> questions;
+  std::vector<IkRequest> requests;
   for (const FkAnswer& answer :
        session.Forward(session.RandomJoints(std::min<size_t>(2000, session.options.poses)))) {
     if (answer.outcome != Outcome::kReturned) continue;
-    Question question = {answer.pose};
-    for (double& value : question.pose.position) value = 1.1 * session.reach * session.Random();
-    questions.push_back(question);
+    IkRequest request = {answer.pose};
+    for (double& value : request.pose.position) value = 1.1 * session.reach * session.Random();
+    requests.push_back(request);
   }
   PoseJudge judge(session);
-  (void)judge.Ask(questions);
+  (void)judge.JudgePoses(requests);
   judge.Fill(row);
 }
 

@@ -13,7 +13,7 @@ constexpr Check kChecks[] = {
     {"joints at multiples of 90 deg", CheckQuarterTurns},
     {"joints at multiples of 45 deg", CheckEighthTurns},
     {"singular joints", CheckSingularPoses},
-    {"1e-12 to 1e-4 rad beside them", CheckNearSingularPoses},
+    {"1e-12 to 1e-4 rad from them", CheckNearSingularPoses},
     {"tool along the base's axes", CheckAxisAlignedTool},
     {"within and out of reach", CheckOutOfReach},
     {"poses that are not finite", CheckNonFiniteInput},
@@ -30,6 +30,10 @@ constexpr Check kChecks[] = {
 Report RunChecks(const Session::Options& options) {
   Report report;
   report.library = options.library;
+  if (options.arm) {
+    report.arm = {
+        {"name", options.arm->name}, {"file", options.arm->file}, {"kind", options.arm->kind}};
+  }
   Session session(options, report);
   for (const Check& check : kChecks) {
     Row row{check.name};

@@ -5,8 +5,8 @@
 
 namespace qal::ikcheck {
 
-/// One thing to look at. A check asks the session for answers, judges them as findings of the
-/// session's report, and may put figures into its row.
+/// One thing to look at. A check has the session call the solver, judges the answers as findings of
+/// the session's report, and may put values into its row.
 struct Check {
   const char* name;
   void (*run)(Session& session, Row& row);

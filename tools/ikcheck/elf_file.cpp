@@ -14,7 +14,7 @@ namespace qal::ikcheck {
 
 namespace {
 
-// What stands at an offset, unless the file ends before.
+// The value at an offset, unless the file ends before.
 template <typename T>
 std::optional<T> At(const std::string& file, size_t offset) {
   if (offset > file.size() || file.size() - offset < sizeof(T)) return std::nullopt;
@@ -59,7 +59,7 @@ Elf64_Ehdr CheckedHeader(const std::string& path, const std::string& file) {
   const Elf64_Ehdr own = OwnHeader();
   if (!SameMachine(*header, own)) {
     throw io::UsageError(fmt::format("{}: built for {}, this machine's programs are {}", path,
-                                        MachineName(*header), MachineName(own)));
+                                     MachineName(*header), MachineName(own)));
   }
   if (header->e_type != ET_DYN) {
     throw io::UsageError(

@@ -55,12 +55,12 @@ constexpr FindingKind kKinds[] = {
     {"missing-queries", "answers GetNumJoints, GetIkRealSize and the other queries", kNote},
     {"length-unit", "lengths in metres: a reach of 0.05 to 20", kNote},
     {"loose-solution", "solutions of regular poses are good to 1e-9", kNote},
-    {"unsolved-singular", "singular poses and those beside them are solved", kNote},
+    {"unsolved-singular", "singular poses and those near them are solved", kNote},
     {"missed-singular",
      "at and near singularities, too, a pose's joints are found again as well as they are "
      "determined",
      kNote},
-    {"duplicate-solution", "each solution stands in the list once", kNote},
+    {"duplicate-solution", "no solution is a duplicate of another", kNote},
     {"minus-pi", "a half turn is pi, not -pi or past pi by a rounding", kNote},
     {"accepts-non-rotation", "refuses matrices that are no rotations", kNote},
     {"clears-list", "leaves the entries that the list has beforehand", kNote},
@@ -74,6 +74,7 @@ const FindingKind& KindOf(Finding finding) { return kKinds[static_cast<size_t>(f
 
 std::string FindingsHelp() {
   std::string help = fmt::format(
+      "Numbers of a case have 9 digits here; --json has all of them.\n\n"
       "A joint set is away from singularities, and its pose regular, when the smallest singular\n"
       "value of its numeric Jacobian is {:g} or more, with lengths as parts of the reach.\n\n"
       "Findings, with what is expected:\n",

@@ -63,8 +63,8 @@ const FindingKind& KindOf(Finding finding);
 /// All findings with what is expected, for the help text.
 std::string FindingsHelp();
 
-// What the findings mean by "reaches", "regular" and so on. The arm's reach stands for the length
-// unit: positions are judged as parts of it.
+// What the findings mean by "reaches", "regular" and so on. The arm's reach is the unit of
+// length: positions are judged as parts of it.
 
 /// A solution that is further off its pose than this is wrong: far above rounding, which is 1e-15,
 /// and what is lost at singularities; far below what an arm can repeat.

@@ -105,7 +105,7 @@ double SmallestSingularValue(const Jacobian& jacobian) {
   return Eigen::JacobiSVD<Jacobian>(jacobian).singularValues()(5);
 }
 
-std::optional<Joints> CounterTurn(const Jacobian& jacobian) {
+std::optional<Joints> SelfMotion(const Jacobian& jacobian) {
   const Eigen::JacobiSVD<Jacobian> svd(jacobian, Eigen::ComputeFullV);
   if (svd.singularValues()(4) < kRegularValue) return std::nullopt;
   Joints direction;

@@ -23,7 +23,7 @@ double SmallestSingularValue(const Jacobian& jacobian);
 /// 6: the turn of the one against the other that leaves the tool where it is, as a unit vector.
 /// Nothing when there is no such pair, or when the arm is singular in another way as well: the tool
 /// then stays along no straight line of joint sets, or along several.
-std::optional<Joints> CounterTurn(const Jacobian& jacobian);
+std::optional<Joints> SelfMotion(const Jacobian& jacobian);
 
 /// Singular joint sets of an arm that nothing is known about: one of the joints 2 to 5 is moved,
 /// from `starts` random sets, to where the Jacobian's determinant changes its sign. Multiples of

@@ -3,57 +3,46 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <csignal>
-#include <exception>
-#include <sstream>
+#include <optional>
 
-#include "../../io/arm_file.h"
 #include "../../io/error.h"
 #include "../../io/files.h"
-#include "../../io/messages.h"
+#include "../../io/loaded_arm.h"
+#include "../common/arm_option.h"
 #include "../common/read_options.h"
+#include "../common/run.h"
 #include "checks.h"
 
 namespace {
 
 using namespace qal;
 
-constexpr const char* kDescription =
-    "Checks a solver library, libik.so, in a process of its own, so that nothing it does ends the\n"
-    "check. Exit status: 0 sound, 1 faults found (with --strict notes, too), 2 bad usage, or not "
-    "a\n"
-    "library that can be loaded.";
-
 struct Arguments {
+  std::optional<std::string> library;
+  std::optional<std::string> arm;
   ikcheck::Session::Options options;
   bool json = false;
   bool strict = false;
-  std::string arm;
   io::ReadOptions read;
 };
 
-void Describe(CLI::App& app, Arguments& arguments) {
-  app.name("ikcheck");
-  app.description(kDescription);
-  app.footer(ikcheck::FindingsHelp());
-  app.set_version_flag("--version", "ikcheck " QAL_VERSION);
-  ikcheck::Session::Options& options = arguments.options;
-  app.add_option("library", options.library, "the solver library")->required();
-  app.add_option("--poses", options.poses, "random joint sets to check with")
-      ->check(CLI::Range(1, 10000000))
-      ->capture_default_str();
-  app.add_option("--seed", options.seed, "of the random numbers")->capture_default_str();
-  app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
-      ->check(CLI::Range(0.1, 3600.0))
-      ->capture_default_str();
-  app.add_option(
-         "--urdf,--table", arguments.arm,
-         "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
-         "arm file; base and tip frames have to agree, too")
-      ->type_name("FILE");
-  tools::AddReadOptions(app, arguments.read);
-  app.add_flag("--json", arguments.json, "print the report as JSON");
-  app.add_flag("--strict", arguments.strict, "let notes count as faults in the exit status");
+// What is to be checked, and the description that it is compared with. The library is not loaded
+// here: its code may do anything.
+struct Subject {
+  std::string library;
+  std::optional<io::ArmFile> arm;
+};
+
+Subject SubjectOf(const Arguments& arguments) {
+  Subject subject = {arguments.library.value_or(""),
+                     io::ResolveArmFile(arguments.arm, tools::ArmOfEnvironment(), arguments.read)};
+  const std::optional<io::ArmFile>& arm = subject.arm;
+  if (!arguments.library && arm) subject.library = arm->solver;
+  if (arm && !arm->description) {
+    if (arguments.library && arguments.arm) (void)DescriptionIn(*arm);  // says what is missing
+    subject.arm.reset();
+  }
+  return subject;
 }
 
 ikcheck::Pose Forward(const ArmDescription& arm, const ikcheck::Joints& joints) {
@@ -63,37 +52,75 @@ ikcheck::Pose Forward(const ArmDescription& arm, const ikcheck::Joints& joints) 
   return pose;
 }
 
-int Run(int argc, char** argv) {
-  CLI::App app;
-  Arguments arguments;
-  Describe(app, arguments);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    std::ostringstream text;
-    if (app.exit(error, text, text) != 0) throw io::UsageError(error.what());
-    io::WriteStandardOutput(text.str());
-    return io::kDone;
+void Run(const Arguments& arguments) {
+  const Subject subject = SubjectOf(arguments);
+  if (subject.library.empty()) {
+    throw io::UsageError(
+        subject.arm ? fmt::format("{}: no solver in this {}; the library to check is expected, "
+                                  "as in: ikcheck libik.so --arm {}",
+                                  subject.arm->name, subject.arm->kind, subject.arm->name)
+                    : "no library; one is expected as LIBRARY, by --arm or in QAL_ARM");
   }
-  if (!arguments.arm.empty()) {
-    const ArmDescription arm = io::ReadDescription(arguments.arm, arguments.read);
-    arguments.options.arm = [arm](const ikcheck::Joints& joints) { return Forward(arm, joints); };
+  ikcheck::Session::Options options = arguments.options;
+  options.library = subject.library;
+  if (subject.arm) {
+    const ArmDescription arm = DescriptionIn(*subject.arm);
+    options.arm = ikcheck::DescribedArm{
+        arm.name, subject.arm->name, subject.arm->kind,
+        [arm](const ikcheck::Joints& joints) { return Forward(arm, joints); }};
   }
-  const ikcheck::Report report = ikcheck::RunChecks(arguments.options);
+  const ikcheck::Report report = ikcheck::RunChecks(options);
   io::WriteStandardOutput(arguments.json ? report.JsonText() : report.Text());
-  const bool bad = arguments.strict ? report.HasFindings() : report.HasFaults();
-  return bad ? io::kFailed : io::kDone;
+  if (arguments.strict ? report.HasFindings() : report.HasFaults()) {
+    throw io::Failure(fmt::format("{}: {}", subject.library, report.Summary()));
+  }
+}
+
+std::string Version(const Arguments& arguments) {
+  const Subject subject = SubjectOf(arguments);
+  return fmt::format(
+      "ikcheck {}\narm: {}\nlibrary: {}", QAL_VERSION,
+      subject.arm ? DescriptionIn(*subject.arm).name + " from " + subject.arm->name : "none named",
+      subject.library.empty() ? "none named" : subject.library);
+}
+
+void Describe(CLI::App& app, Arguments& arguments) {
+  app.description(
+      "Checks a solver library, libik.so, in a process of its own, so that nothing it does ends\n"
+      "the check. Exit status: 0 sound, 1 faults found (with --strict notes, too), 2 bad usage, "
+      "or\n"
+      "not a library that can be loaded.");
+  app.footer(ikcheck::FindingsHelp() + "\nExample: ikcheck libik.so --arm arm.urdf --strict");
+  ikcheck::Session::Options& options = arguments.options;
+  app.add_option("LIBRARY", arguments.library,
+                 "the solver library (default: the one that the arm's file is or names)");
+  app.add_option(
+         "--arm,--urdf,--table", arguments.arm,
+         "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
+         "arm file; base and tip frames have to agree, too; -: standard input (default:\n"
+         "QAL_ARM in the environment)")
+      ->type_name("FILE");
+  app.add_option("--poses", options.poses, "random joint sets to check with")
+      ->check(CLI::Range(1, 10000000))
+      ->capture_default_str();
+  app.add_option("--seed", options.seed, "of the random numbers")->capture_default_str();
+  app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
+      ->check(CLI::Range(0.1, 3600.0))
+      ->capture_default_str();
+  tools::AddReadOptions(app, arguments.read);
+  app.add_flag("--json", arguments.json, "JSON instead of the table");
+  app.add_flag("--strict", arguments.strict, "let notes count as faults in the exit status");
+  app.set_version_flag(
+      "--version", [&] { return Version(arguments); },
+      "the version, and the arm and the library that would be used");
+  app.callback([&] { Run(arguments); });
 }
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
-  // A reader that closes the pipe early is no fault; the write says so.
-  (void)std::signal(SIGPIPE, SIG_IGN);
-  try {
-    return Run(argc, argv);
-  } catch (const std::exception& error) {  // what can't be used, and what the machine doesn't have
-    io::SayOnError("ikcheck", error.what());
-    return io::kBadUsage;
-  }
+  Arguments arguments;
+  return tools::RunTool("ikcheck", tools::ArgumentsOf(argc, argv),
+                        [&](CLI::App& app) { Describe(app, arguments); });
 }

@@ -12,8 +12,8 @@ namespace qal::ikcheck {
 
 namespace {
 
-Case CaseOf(const std::string& words, const Question& question, const Joints& solution) {
-  Case shown = ikcheck::CaseOf(words, question);
+Case CaseOf(const std::string& words, const IkRequest& request, const Joints& solution) {
+  Case shown = ikcheck::CaseOf(words, request);
   shown.numbers.push_back({"solution", {solution.begin(), solution.end()}});
   return shown;
 }
@@ -25,8 +25,8 @@ size_t SolutionCount(const IkAnswer& answer) {
 
 }  // namespace
 
-std::vector<PoseJudge::Asked> PoseJudge::Ask(const std::vector<Question>& questions) {
-  const auto answers = session_.Solve(questions);
+std::vector<PoseJudge::PoseResult> PoseJudge::JudgePoses(const std::vector<IkRequest>& requests) {
+  const auto answers = session_.Solve(requests);
   std::vector<Joints> all;
   for (const IkAnswer& answer : answers) {
     for (size_t k = 0; k < SolutionCount(answer); ++k) {
@@ -35,51 +35,51 @@ std::vector<PoseJudge::Asked> PoseJudge::Ask(const std::vector<Question>& questi
   }
   const auto poses = session_.Forward(all);
 
-  std::vector<Asked> results(questions.size());
+  std::vector<PoseResult> results(requests.size());
   const FkAnswer* forward = poses.begin();
-  for (size_t i = 0; i < questions.size(); ++i) {
+  for (size_t i = 0; i < requests.size(); ++i) {
     const IkAnswer& answer = answers[i];
     if (answer.outcome != Outcome::kReturned) continue;
-    Asked& result = results[i];
+    PoseResult& result = results[i];
     result = {true, answer.found && answer.added > 0};
     for (size_t k = 0; k < SolutionCount(answer); ++k) {
       const Solution& solution = answer.solutions[k];
-      const double error = JudgeSolution(questions[i], solution, *forward++);
+      const double error = JudgeSolution(requests[i], solution, *forward++);
       result.error = std::max(result.error, error);
       result.solutions.push_back(solution.joints);
     }
-    JudgeDuplicates(questions[i], result.solutions);
-    ++asked_;
+    JudgeDuplicates(requests[i], result.solutions);
+    ++poses_;
     if (result.solved) ++solved_;
     if (result.solved) solutions_ += answer.added;
   }
   return results;
 }
 
-double PoseJudge::JudgeSolution(const Question& question, const Solution& given,
+double PoseJudge::JudgeSolution(const IkRequest& request, const Solution& given,
                                 const FkAnswer& forward) {
   Report& report = session_.report;
   const Joints& solution = given.joints;
   const bool finite = std::all_of(solution.begin(), solution.end(),
                                   [](double joint) { return std::isfinite(joint); });
   report.Judge(Finding::kNonFiniteSolution, finite,
-               [&] { return CaseOf("a solution", question, solution); });
+               [&] { return CaseOf("a solution", request, solution); });
   report.Judge(Finding::kFreeJoint, !given.free,
-               [&] { return CaseOf("a solution", question, solution); });
+               [&] { return CaseOf("a solution", request, solution); });
   if (!finite) return 0.0;
 
   const auto [low, high] = std::minmax_element(solution.begin(), solution.end());
   const double past = std::max(*high, -*low) - kPi;
   report.Judge(Finding::kOutOfRange, past <= kPastPiRad, past,
-               [&] { return CaseOf("a solution", question, solution); });
+               [&] { return CaseOf("a solution", request, solution); });
   report.Judge(Finding::kMinusPi, past > kPastPiRad || (*low > -kPi && *high <= kPi),
-               [&] { return CaseOf("a solution", question, solution); });
+               [&] { return CaseOf("a solution", request, solution); });
 
   if (forward.outcome != Outcome::kReturned) return 0.0;
-  const double error = Difference(forward.pose, question.pose, session_.reach);
+  const double error = Difference(forward.pose, request.pose, session_.reach);
   const bool right = error <= kWrongError;  // NaN isn't
   report.Judge(Finding::kWrongSolution, right, error,
-               [&] { return CaseOf(fmt::format("off by {:.3g}", error), question, solution); });
+               [&] { return CaseOf(fmt::format("off by {:.3g}", error), request, solution); });
   if (!right) {
     ++wrong_;
     return 0.0;
@@ -88,48 +88,48 @@ double PoseJudge::JudgeSolution(const Question& question, const Solution& given,
   return error;
 }
 
-void PoseJudge::JudgeDuplicates(const Question& question, const std::vector<Joints>& solutions) {
+void PoseJudge::JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions) {
   for (size_t i = 0; i < solutions.size(); ++i) {
     const bool again = std::any_of(
         solutions.begin(), solutions.begin() + static_cast<std::ptrdiff_t>(i),
         [&](const Joints& other) { return Difference(other, solutions[i]) < kSameRad; });
     session_.report.Judge(Finding::kDuplicates, !again,
-                          [&] { return CaseOf("a solution", question, solutions[i]); });
+                          [&] { return CaseOf("a solution", request, solutions[i]); });
   }
 }
 
-void PoseJudge::JudgeOriginal(const Original& original, const Asked& asked) {
+void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result) {
   Report& report = session_.report;
   const double smallest = original.smallest;
   const bool regular = smallest >= kRegularValue;
   const auto shown = [&](const std::string& words) {
     return ikcheck::CaseOf(fmt::format("{}, smallest singular value {:.3g}", words, smallest),
-                           original.question);
+                           original.request);
   };
-  report.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, asked.solved,
+  report.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, result.solved,
                [&] { return shown("no solution"); });
-  if (!asked.solved || (smallest < kSingularValue && !original.counter_turn)) return;
+  if (!result.solved || (smallest < kSingularValue && !original.self_motion)) return;
   if (regular) {
-    report.Judge(Finding::kLooseSolution, asked.error <= kLooseError, asked.error,
-                 [&] { return shown(fmt::format("a solution off by {:.3g}", asked.error)); });
+    report.Judge(Finding::kLooseSolution, result.error <= kLooseError, result.error,
+                 [&] { return shown(fmt::format("a solution off by {:.3g}", result.error)); });
   }
 
   double nearest = 2 * kPi;
-  for (const Joints& solution : asked.solutions) {
-    const Joints& from = *original.question.from;
+  for (const Joints& solution : result.solutions) {
+    const Joints& from = *original.request.from;
     nearest =
-        std::min(nearest, original.counter_turn ? OffLine(solution, from, *original.counter_turn)
-                                                : Difference(solution, from));
+        std::min(nearest, original.self_motion ? OffLine(solution, from, *original.self_motion)
+                                               : Difference(solution, from));
   }
   // What is left of an error of the pose comes back in the joints divided by the singular value.
-  const double worst = original.counter_turn ? kRegularValue : std::min(smallest, kRegularValue);
+  const double worst = original.self_motion ? kRegularValue : std::min(smallest, kRegularValue);
   const bool found = nearest <= kLooseError / worst;
   if (!found) ++missed_;
   report.Judge(regular ? Finding::kMissedJoints : Finding::kMissedSingular, found, nearest,
                [&] { return shown(fmt::format("nearest solution {:.3g} rad away", nearest)); });
 }
 
-void PoseJudge::AskFor(const std::vector<Joints>& joints, bool counter_turns) {
+void PoseJudge::JudgeJoints(const std::vector<Joints>& joints, bool self_motions) {
   const auto poses = session_.Forward(joints);
   const std::vector<Jacobian> jacobians = Jacobians(session_, joints);
   std::vector<Original> originals;
@@ -137,20 +137,20 @@ void PoseJudge::AskFor(const std::vector<Joints>& joints, bool counter_turns) {
     const double smallest = SmallestSingularValue(jacobians[i]);
     if (poses[i].outcome != Outcome::kReturned || std::isnan(smallest)) continue;
     originals.push_back({{poses[i].pose, joints[i]}, smallest, std::nullopt});
-    if (counter_turns && smallest < kSingularValue) {
-      originals.back().counter_turn = CounterTurn(jacobians[i]);
+    if (self_motions && smallest < kSingularValue) {
+      originals.back().self_motion = SelfMotion(jacobians[i]);
     }
   }
-  std::vector<Question> questions;
-  for (const Original& original : originals) questions.push_back(original.question);
-  const std::vector<Asked> results = Ask(questions);
+  std::vector<IkRequest> requests;
+  for (const Original& original : originals) requests.push_back(original.request);
+  const std::vector<PoseResult> results = JudgePoses(requests);
   for (size_t i = 0; i < results.size(); ++i) {
     if (results[i].answered) JudgeOriginal(originals[i], results[i]);
   }
 }
 
 void PoseJudge::Fill(Row& row) const {
-  row.values["asked"] = asked_;
+  row.values["poses"] = poses_;
   row.values["solved"] = solved_;
   row.values["solutions"] = solutions_;
   row.values["wrong"] = wrong_;

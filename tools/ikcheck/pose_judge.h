@@ -7,13 +7,13 @@
 
 namespace qal::ikcheck {
 
-/// Asks for solutions of poses and judges each of them; sums up what it has seen.
+/// Solves poses and judges each of them; sums up what it has seen.
 class PoseJudge {
  public:
   explicit PoseJudge(Session& session) : session_(session) {}
 
   /// What came of one pose.
-  struct Asked {
+  struct PoseResult {
     bool answered = false;  ///< the call returned
     bool solved = false;
     std::vector<Joints> solutions = {};
@@ -21,31 +21,31 @@ class PoseJudge {
   };
 
   /// Poses that may have solutions or not.
-  std::vector<Asked> Ask(const std::vector<Question>& questions);
+  std::vector<PoseResult> JudgePoses(const std::vector<IkRequest>& requests);
 
   /// Poses made from joints: they have to be solved, and the joints to be found again. Some
   /// thousand at a time: the answers of 1000 take 4 MB.
-  /// @param counter_turns also judge singular sets where two axes are one line: the joints may come
+  /// @param self_motions also judge singular sets where two axes are one line: the joints may come
   ///                      back with these two turned against each other. Not for sets that are
   ///                      singular in several ways, where there is more to choose from.
-  void AskFor(const std::vector<Joints>& joints, bool counter_turns = false);
+  void JudgeJoints(const std::vector<Joints>& joints, bool self_motions = false);
 
   void Fill(Row& row) const;
 
  private:
   // The solution's error; 0 when that is judged already.
-  double JudgeSolution(const Question& question, const Solution& given, const FkAnswer& forward);
-  void JudgeDuplicates(const Question& question, const std::vector<Joints>& solutions);
+  double JudgeSolution(const IkRequest& request, const Solution& given, const FkAnswer& forward);
+  void JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions);
   // A pose made from joints that are to be found again.
   struct Original {
-    Question question;
-    double smallest;                     // singular value of the Jacobian
-    std::optional<Joints> counter_turn;  // they may come back moved by it
+    IkRequest request;
+    double smallest;                    // singular value of the Jacobian
+    std::optional<Joints> self_motion;  // they may come back moved by it
   };
-  void JudgeOriginal(const Original& original, const Asked& asked);
+  void JudgeOriginal(const Original& original, const PoseResult& result);
 
   Session& session_;
-  size_t asked_ = 0;
+  size_t poses_ = 0;
   size_t solved_ = 0;
   size_t solutions_ = 0;
   size_t wrong_ = 0;

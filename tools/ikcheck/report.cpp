@@ -11,7 +11,7 @@ namespace qal::ikcheck {
 namespace {
 
 constexpr size_t kLabelWidth = 30;
-constexpr size_t kFigureWidth = 7;
+constexpr size_t kValueWidth = 7;
 
 // What a library says may hold anything; a terminal takes control characters at their word.
 std::string Printable(std::string text) {
@@ -43,14 +43,14 @@ bool SameKeys(const Json& a, const Json& b) {
 std::string Header(const Json& values) {
   std::string line = fmt::format("  {:{}}", "", kLabelWidth);
   for (const auto& item : values.items())
-    line += fmt::format("  {:>{}}", Label(item.key()), kFigureWidth);
+    line += fmt::format("  {:>{}}", Label(item.key()), kValueWidth);
   return line + '\n';
 }
 
 std::string TableLine(const Row& row) {
   std::string line = fmt::format("  {:{}}", row.check, kLabelWidth);
   for (const auto& item : row.values.items()) {
-    line += fmt::format("  {:>{}}", Plain(item.value()), std::max(kFigureWidth, item.key().size()));
+    line += fmt::format("  {:>{}}", Plain(item.value()), std::max(kValueWidth, item.key().size()));
   }
   return line + '\n';
 }
@@ -64,7 +64,7 @@ std::string Line(const Row& row) {
   return fmt::format("  {:{}}  {}\n", row.check, kLabelWidth, values);
 }
 
-// Rows with the same figures stand below each other as a table.
+// Rows with the same values stand below each other as a table.
 std::string Rows(const std::vector<Row>& rows) {
   std::string text;
   bool in_table = false;
@@ -79,13 +79,12 @@ std::string Rows(const std::vector<Row>& rows) {
   return text;
 }
 
-// All digits, so that the case can be repeated.
 std::string Numbers(const Case& shown) {
   std::string text;
   for (const auto& [name, values] : shown.numbers) {
     text += fmt::format("\n      {:9}", name);
     for (size_t i = 0; i < values.size(); ++i) {
-      text += fmt::format("{}{}", i == 0 ? "" : ", ", io::FormatNumber(values[i]));
+      text += fmt::format("{}{}", i == 0 ? "" : ", ", fmt::format("{:.9g}", values[i]));
     }
   }
   return text;
@@ -116,8 +115,25 @@ std::string Report::FindingText(Finding finding) const {
   return text;
 }
 
+std::string Report::Summary() const {
+  std::string names[2];
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    if (tallies_[i].bad == 0) continue;
+    const FindingKind& kind = KindOf(static_cast<Finding>(i));
+    std::string& list = names[kind.fault ? 0 : 1];
+    list += (list.empty() ? "" : ", ") + std::string(kind.name);
+  }
+  const std::string faults = names[0].empty() ? "" : "faults: " + names[0];
+  const std::string notes = names[1].empty() ? "" : "notes: " + names[1];
+  return faults + (faults.empty() || notes.empty() ? "" : "; ") + notes;
+}
+
 std::string Report::Text() const {
-  std::string text = "ikcheck " + library + "\n\n";
+  std::string text = "ikcheck " + Printable(library) + '\n';
+  text += arm.is_null()
+              ? "not compared with an arm; --arm FILE names one\n"
+              : fmt::format("compared with {} from {}\n", Plain(arm["name"]), Plain(arm["file"]));
+  text += '\n';
   for (const auto& item : interface.items()) {
     text += fmt::format("  {:{}}  {}\n", Label(item.key()), kLabelWidth, Plain(item.value()));
   }
@@ -159,7 +175,8 @@ std::string Report::JsonText() const {
 }
 
 Json Report::ToJson() const {
-  Json json = {{"library", library}, {"sound", !HasFaults()}, {"interface", interface}};
+  Json json = {
+      {"library", library}, {"arm", arm}, {"sound", !HasFaults()}, {"interface", interface}};
   json["checks"] = Json::array();
   for (const Row& row : rows) {
     json["checks"].push_back({{"check", row.check}});

@@ -58,12 +58,15 @@ class Report {
   bool HasFindings() const;
 
   std::string library;              ///< its path
+  Json arm = nullptr;               ///< the arm it is compared with: name, file and kind
   Json interface = Json::object();  ///< what the library says of itself
   std::vector<Row> rows;
   /// Checks that have left something out, with the number of calls that didn't return.
   std::vector<std::pair<std::string, size_t>> unfinished;
   std::string stopped;  ///< at which check all ended, and why; empty: it went to the end
 
+  /// What was found, by name, in one line.
+  std::string Summary() const;
   std::string Text() const;
   Json ToJson() const;
   std::string JsonText() const;

@@ -41,10 +41,10 @@ Case CaseOf(const std::string& words, const Joints& joints) {
   return {words, {{"joints", {joints.begin(), joints.end()}}}};
 }
 
-Case CaseOf(const std::string& words, const Question& question) {
+Case CaseOf(const std::string& words, const IkRequest& request) {
   Case shown{words};
-  if (question.from) shown = CaseOf(words, *question.from);
-  const Pose& pose = question.pose;
+  if (request.from) shown = CaseOf(words, *request.from);
+  const Pose& pose = request.pose;
   shown.numbers.push_back({"eetrans", {pose.position, pose.position + 3}});
   shown.numbers.push_back({"eerot", {pose.rotation, pose.rotation + 9}});
   return shown;
@@ -117,26 +117,26 @@ SharedArray<FkAnswer> Session::Forward(const std::vector<Joints>& joints) {
   return answers;
 }
 
-SharedArray<IkAnswer> Session::Solve(const std::vector<Question>& questions) {
-  SharedArray<IkAnswer> answers(questions.size());
+SharedArray<IkAnswer> Session::Solve(const std::vector<IkRequest>& requests) {
+  SharedArray<IkAnswer> answers(requests.size());
   const auto case_of = [&](size_t i, const std::string& words) {
-    return CaseOf("ComputeIk: " + words, questions[i]);
+    return CaseOf("ComputeIk: " + words, requests[i]);
   };
   Run(
-      questions.size(),
+      requests.size(),
       [&](const Solver& solver, size_t i) {
-        solver.Solve(questions[i].pose, questions[i].standing, answers[i]);
+        solver.Solve(requests[i].pose, requests[i].standing, answers[i]);
       },
       case_of);
   JudgeEnds(answers, case_of);
   for (size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i].outcome == Outcome::kReturned) JudgeContract(questions[i], answers[i]);
+    if (answers[i].outcome == Outcome::kReturned) JudgeContract(requests[i], answers[i]);
   }
   if (report.Count(Finding::kSolutionLayout) > 0) throw GivenUp("its solutions can't be read");
   return answers;
 }
 
-void Session::JudgeLayout(const Question& question, const IkAnswer& answer) {
+void Session::JudgeLayout(const IkRequest& request, const IkAnswer& answer) {
   if (answer.added == 0) return;  // nothing to see
   constexpr size_t kPolymorphicBytes = 6 * 32;
   report.Judge(Finding::kSolutionLayout, answer.odd_bytes == 0, [&] {
@@ -145,19 +145,19 @@ void Session::JudgeLayout(const Question& question, const IkAnswer& answer) {
                                   ? ": six entries of 32, so the solver was built with a header of "
                                     "late 0x1000004b or after; build it again with an earlier one"
                                   : ""),
-                  question);
+                  request);
   });
 }
 
-void Session::JudgeContract(const Question& question, const IkAnswer& answer) {
-  JudgeLayout(question, answer);
+void Session::JudgeContract(const IkRequest& request, const IkAnswer& answer) {
+  JudgeLayout(request, answer);
   // What a list that isn't empty makes of the result is judged by a check of its own.
-  if (question.standing > 0) return;
+  if (request.standing > 0) return;
   report.Judge(Finding::kAppendsOnFailure, answer.found || answer.added == 0, [&] {
-    return CaseOf(fmt::format("returned false, added {}", answer.added), question);
+    return CaseOf(fmt::format("returned false, added {}", answer.added), request);
   });
   report.Judge(Finding::kTrueWithoutSolution, !answer.found || answer.added > 0,
-               [&] { return CaseOf("returned true, added nothing", question); });
+               [&] { return CaseOf("returned true, added nothing", request); });
 }
 
 Joints Session::RandomJoints() {

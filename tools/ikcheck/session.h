@@ -16,7 +16,7 @@
 namespace qal::ikcheck {
 
 /// One call of ComputeIk.
-struct Question {
+struct IkRequest {
   Pose pose;
   std::optional<Joints> from = {};  ///< the joints that the pose was made from
   size_t standing = 0;              ///< entries that the list has beforehand
@@ -28,6 +28,14 @@ struct Singularity {
   size_t joint;
 };
 
+/// The arm that a library should be for.
+struct DescribedArm {
+  std::string name;
+  std::string file;  ///< what messages call it
+  std::string kind;  ///< as in io::ArmFile
+  std::function<Pose(const Joints&)> forward;
+};
+
 /// There is no point in going on; the text says why.
 struct GivenUp : std::runtime_error {
   using std::runtime_error::runtime_error;
@@ -35,7 +43,7 @@ struct GivenUp : std::runtime_error {
 
 // What a finding is shown with.
 Case CaseOf(const std::string& words, const Joints& joints);
-Case CaseOf(const std::string& words, const Question& question);
+Case CaseOf(const std::string& words, const IkRequest& request);
 
 /// Calls the library under test in a child process and judges how each call ends and whether it
 /// keeps to the interface. What the answers are worth is for the checks to judge.
@@ -46,8 +54,7 @@ class Session {
     size_t poses = 20000;
     unsigned seed = 1;
     double timeout_s = 2.0;
-    /// The arm that the library should be for; empty: nothing is known of it.
-    std::function<Pose(const Joints&)> arm = {};
+    std::optional<DescribedArm> arm = {};
   };
 
   Session(const Options& options, Report& report);
@@ -57,7 +64,7 @@ class Session {
   SharedArray<FkAnswer> Forward(const std::vector<Joints>& joints);
   /// Solutions of poses, likewise.
   /// @throw GivenUp also when the solutions can't be read
-  SharedArray<IkAnswer> Solve(const std::vector<Question>& questions);
+  SharedArray<IkAnswer> Solve(const std::vector<IkRequest>& requests);
   /// Steps of any kind. When too many don't return, the rest is left out.
   /// @param case_of what is found of a step is shown with this
   /// @throw UsageError when the library can't be loaded
@@ -83,8 +90,8 @@ class Session {
   template <typename Answer>
   void JudgeEnds(const SharedArray<Answer>& answers,
                  const std::function<Case(size_t, std::string)>& case_of);
-  void JudgeLayout(const Question& question, const IkAnswer& answer);
-  void JudgeContract(const Question& question, const IkAnswer& answer);
+  void JudgeLayout(const IkRequest& request, const IkAnswer& answer);
+  void JudgeContract(const IkRequest& request, const IkAnswer& answer);
 
   Library library_;
   Sandbox sandbox_;

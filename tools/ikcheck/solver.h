@@ -76,7 +76,7 @@ struct Solver {
   void Solve(const Pose& pose, size_t standing, IkAnswer& answer) const;
 };
 
-/// A library that is loaded when it is first asked for. That runs its code: in child processes
+/// A library that is loaded when it is first used. That runs its code: in child processes
 /// only.
 class Library {
  public:

@@ -67,16 +67,21 @@ int Run(const std::vector<std::string>& command) {
 
 }  // namespace
 
-void BuildLibrary(const std::string& source, const std::string& exports, const std::string& path) {
-  const ScratchFolder scratch;
-  WriteFile(scratch.File("solver.cpp"), source);
-  WriteFile(scratch.File("exports.map"), exports);
-  // CXX may carry arguments, as in "ccache g++".
+// CXX may carry arguments, as in "ccache g++".
+std::vector<std::string> CompilerCommand() {
   std::vector<std::string> command;
   const char* compiler = std::getenv("CXX");
   std::istringstream words(compiler != nullptr ? compiler : "");
   for (std::string word; words >> word;) command.push_back(word);
   if (command.empty()) command.push_back("c++");
+  return command;
+}
+
+void BuildLibrary(const std::string& source, const std::string& exports, const std::string& path) {
+  const ScratchFolder scratch;
+  WriteFile(scratch.File("solver.cpp"), source);
+  WriteFile(scratch.File("exports.map"), exports);
+  std::vector<std::string> command = CompilerCommand();
   for (const std::string& word :
        {std::string("-std=c++17"), std::string("-O3"), std::string("-ffp-contract=off"),
         std::string("-fno-math-errno"), std::string("-fPIC"), std::string("-shared"),

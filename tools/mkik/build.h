@@ -2,10 +2,14 @@
 #define QAL_TOOLS_MKIK_BUILD_H_
 
 #include <string>
+#include <vector>
 
 namespace qal::tools {
 
-/// Compiles a solver's source into a shared library, with $CXX or c++. The library appears whole or
+/// The compiler's program, and arguments that go before all others: $CXX, or c++.
+std::vector<std::string> CompilerCommand();
+
+/// Compiles a solver's source into a shared library. The library appears whole or
 /// not at all.
 /// @throw Failure when there is no compiler or it fails; UsageError when `path` can't be written
 void BuildLibrary(const std::string& source, const std::string& exports, const std::string& path);

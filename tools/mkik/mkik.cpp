@@ -1,16 +1,15 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <exception>
 #include <filesystem>
-#include <sstream>
+#include <optional>
 
-#include "../../io/arm_file.h"
 #include "../../io/error.h"
-#include "../../io/family_text.h"
 #include "../../io/files.h"
-#include "../../io/messages.h"
+#include "../../io/loaded_arm.h"
+#include "../common/arm_option.h"
 #include "../common/read_options.h"
+#include "../common/run.h"
 #include "build.h"
 #include "source.h"
 #include "summary.h"
@@ -20,22 +19,71 @@ namespace {
 
 using namespace qal::tools;
 using namespace qal::io;
-using qal::ArmDescription;
-using qal::Model;
 
 struct Arguments {
-  std::string arm;
+  std::optional<std::string> positional;
+  std::optional<std::string> arm;
   std::string output;
   std::string source;
   bool json = false;
   ReadOptions read;
 };
 
+std::optional<ArmFile> FileOf(const Arguments& arguments) {
+  return ResolveArmFile(arguments.positional ? arguments.positional : arguments.arm,
+                        ArmOfEnvironment(), arguments.read);
+}
+
+// The arm with its closed form: a solver that its file names is what is to be made.
+LoadedArm ClosedFormArm(ArmFile file) {
+  file.solver.clear();
+  return MakeArm(file);
+}
+
+void Run(const Arguments& arguments) {
+  const std::optional<ArmFile> file = FileOf(arguments);
+  if (!file) {
+    throw UsageError("no arm; its description is expected as ARM, by --arm or in QAL_ARM");
+  }
+  const qal::ArmDescription description = DescriptionIn(*file);
+  const LoadedArm arm = ClosedFormArm(*file);
+  const qal::Model model = MakeModel(description).value();
+  Verification verification;
+  try {
+    verification = Verify(description, model);
+  } catch (const Failure& failure) {
+    throw Failure(fmt::format("{}: {}", file->name, failure.what()));
+  }
+  const std::string source = SolverSource(description, model);
+  if (!arguments.source.empty()) WriteFile(arguments.source, source);
+  if (std::filesystem::path(arguments.output).extension() == ".cpp") {
+    WriteFile(arguments.output, source);
+  } else if (!arguments.output.empty()) {
+    BuildLibrary(source, SolverExports(), arguments.output);
+  }
+  WriteStandardOutput(arguments.json ? SummaryJson(arm, description, model, verification)
+                                     : SummaryText(arm, description, model, verification));
+}
+
+std::string Version(const Arguments& arguments) {
+  const std::optional<ArmFile> file = FileOf(arguments);
+  return fmt::format("mkik {}\narm: {}\ncompiler: {}", QAL_VERSION,
+                     file ? ArmHeading(ClosedFormArm(*file)) : "none named",
+                     fmt::join(CompilerCommand(), " "));
+}
+
 void Describe(CLI::App& app, Arguments& arguments) {
-  app.add_option(
-         "ARM", arguments.arm,
-         "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard input")
-      ->required();
+  app.description(
+      "Makes a closed-form solver library, libik.so, of an arm's description.\n"
+      "Exit status: 0 done; 1 no closed form, or no compiler works; 2 bad usage.");
+  app.footer(
+      "What a file is shows in its content, whatever its name.\n"
+      "Example: mkik arm.urdf -o libik.so && ikcheck libik.so --arm arm.urdf");
+  app.add_option("ARM", arguments.positional, "the same as --arm, and goes before it");
+  app.add_option("--arm", arguments.arm,
+                 "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard\n"
+                 "input (default: QAL_ARM in the environment)")
+      ->type_name("FILE");
   app.add_option("-o,--output", arguments.output,
                  "solver library to build, or its source when the name ends in .cpp;\n"
                  "without it the arm is only examined")
@@ -43,67 +91,17 @@ void Describe(CLI::App& app, Arguments& arguments) {
   app.add_option("--source", arguments.source, "also write the solver as one C++ file")
       ->type_name("FILE");
   AddReadOptions(app, arguments.read);
-  app.add_flag("--json", arguments.json, "print what was found as JSON");
-}
-
-void Run(const Arguments& arguments) {
-  const ArmDescription arm = ReadDescription(arguments.arm, arguments.read);
-  const std::optional<Model> found = MakeModel(arm);
-  if (!found) {
-    throw Failure(fmt::format("{}: {}", arguments.arm, FamilyText(ExamineFamilies(arm))));
-  }
-  const Model& model = *found;
-  Verification verification;
-  try {
-    verification = Verify(arm, model);
-  } catch (const Failure& failure) {
-    throw Failure(fmt::format("{}: {}", arguments.arm, failure.what()));
-  }
-  const std::string source = SolverSource(arm, model);
-  if (!arguments.source.empty()) WriteFile(arguments.source, source);
-  if (std::filesystem::path(arguments.output).extension() == ".cpp") {
-    WriteFile(arguments.output, source);
-  } else if (!arguments.output.empty()) {
-    BuildLibrary(source, SolverExports(), arguments.output);
-  }
-  WriteStandardOutput(arguments.json ? SummaryJson(arm, model, verification)
-                                     : SummaryText(arm, model, verification));
-}
-
-// Reads the command line, and does what it asks for. --help is an answer as well.
-void Parse(int argc, char** argv) {
-  CLI::App app(
-      "Makes a closed-form solver library, libik.so, of an arm's description.\n"
-      "Exit status: 0 done; 1 no closed form, or no compiler works; 2 bad usage.");
-  Arguments arguments;
-  Describe(app, arguments);
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    std::ostringstream text;
-    if (app.exit(error, text, text) != 0) {
-      throw UsageError(fmt::format("{} (--help shows the usage)", error.what()));
-    }
-    WriteStandardOutput(text.str());
-    return;
-  }
-  Run(arguments);
+  app.add_flag("--json", arguments.json, "JSON instead of the table");
+  app.set_version_flag(
+      "--version", [&] { return Version(arguments); },
+      "the version, and the arm and the compiler that would be used");
+  app.callback([&] { Run(arguments); });
 }
 
 }  // namespace
 
+// NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
-  KeepWriteSignalsAway();
-  try {
-    Parse(argc, argv);
-    return kDone;
-  } catch (const UsageError& error) {
-    SayOnError("mkik", error.what());
-    return kBadUsage;
-  } catch (const Failure& error) {
-    SayOnError("mkik", error.what());
-  } catch (const std::exception& error) {  // out of memory, for one
-    SayOnError("mkik", fmt::format("unexpected error: {}", error.what()));
-  }
-  return kFailed;
+  Arguments arguments;
+  return RunTool("mkik", ArgumentsOf(argc, argv), [&](CLI::App& app) { Describe(app, arguments); });
 }

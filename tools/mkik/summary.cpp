@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "../../io/messages.h"
 #include "../../src/qal/model/family.h"
 #include "../../src/qal/model/frames.h"
 
@@ -50,18 +51,19 @@ std::string LimitText(const std::optional<double>& rad) {
 
 }  // namespace
 
-std::string SummaryText(const ArmDescription& arm, const Model& model,
-                        const Verification& verification) {
+std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& description,
+                        const Model& model, const Verification& verification) {
   std::string text =
-      fmt::format("{}: {}, from '{}' to '{}'\n", arm.name, FamilyName(model), arm.base, arm.tip);
+      io::ArmHeading(arm) + '\n' +
+      io::OneLine(fmt::format("  from '{}' to '{}'", description.base, description.tip)) + '\n';
   for (const auto& [name, metres] : LengthsOf(model)) {
     text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
   }
   const closed_form::Body& body = BodyOf(model);
   text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
                       "lower_rad", "upper_rad");
-  for (size_t j = 0; j < arm.joints.size(); ++j) {
-    const JointDescription& joint = arm.joints[j];
+  for (size_t j = 0; j < description.joints.size(); ++j) {
+    const JointDescription& joint = description.joints[j];
     text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, body.direction[j],
                         body.zero[j], LimitText(joint.lower_rad), LimitText(joint.upper_rad));
   }
@@ -72,14 +74,14 @@ std::string SummaryText(const ArmDescription& arm, const Model& model,
   return text;
 }
 
-std::string SummaryJson(const ArmDescription& arm, const Model& model,
-                        const Verification& verification) {
+std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& description,
+                        const Model& model, const Verification& verification) {
   ordered_json json = {
-      {"name", arm.name}, {"family", FamilyName(model)}, {"base", arm.base}, {"tip", arm.tip}};
+      {"arm", io::ArmJson(arm)}, {"base", description.base}, {"tip", description.tip}};
   for (const auto& [name, metres] : LengthsOf(model)) json["lengths_m"][name] = metres;
   const closed_form::Body& body = BodyOf(model);
-  for (size_t j = 0; j < arm.joints.size(); ++j) {
-    const JointDescription& joint = arm.joints[j];
+  for (size_t j = 0; j < description.joints.size(); ++j) {
+    const JointDescription& joint = description.joints[j];
     json["joints"].push_back(
         {{"name", joint.name},
          {"direction", body.direction[j]},

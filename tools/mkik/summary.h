@@ -3,18 +3,20 @@
 
 #include <string>
 
+#include "../../io/loaded_arm.h"
 #include "../../src/qal/model/closed_form_model.h"
 #include "verify.h"
 
 namespace qal::tools {
 
 /// What was found, in lines to read.
-std::string SummaryText(const ArmDescription& arm, const Model& model,
-                        const Verification& verification);
+/// @param arm the described arm with its closed form
+std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& description,
+                        const Model& model, const Verification& verification);
 
 /// The same as JSON, for programs: lengths in metres, angles in radians.
-std::string SummaryJson(const ArmDescription& arm, const Model& model,
-                        const Verification& verification);
+std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& description,
+                        const Model& model, const Verification& verification);
 
 }  // namespace qal::tools
 

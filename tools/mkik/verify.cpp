@@ -44,7 +44,7 @@ double Difference(const Joints& a, const Joints& b) {
 void ExpectWithinTolerance(double difference, const char* what, const Joints& joints) {
   if (difference <= kTolerance) return;
   throw Failure(
-      fmt::format("the model fails its check at joints {} rad: {} by {:.3g} ({} m or "
+      fmt::format("the model fails its check at joints {:.9g} rad: {} by {:.3g} ({} m or "
                   "matrix element are allowed)",
                   fmt::join(joints, " "), what, difference, kTolerance));
 }
@@ -76,7 +76,7 @@ Verification Verify(const ArmDescription& arm, const Model& model) {
     ExpectWithinTolerance(result.solutions, "a solution misses the pose", joints);
     if (!(nearest <= kJointToleranceRad)) {
       throw Failure(
-          fmt::format("the model fails its check: joints {} rad are not among the {} "
+          fmt::format("the model fails its check: joints {:.9g} rad are not among the {} "
                       "solutions of their pose",
                       fmt::join(joints, " "), solutions.Count()));
     }

@@ -9,7 +9,7 @@ namespace qal::tools {
 struct Verification {
   int joint_sets;    ///< random ones, within +-170 degrees
   double forward;    ///< the model's forward kinematics from the described transforms
-  double solutions;  ///< the solutions' tip frames from what was asked for
+  double solutions;  ///< the solutions' tip frames from the target's
 };
 
 /// Checks a model against the arm that it was made of, both ways.

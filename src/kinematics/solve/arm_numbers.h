@@ -10,7 +10,7 @@ namespace qal {
 constexpr double kShaftRadPerRpmTick = 1.04719e-05;
 constexpr double kTickS = 1e-4;
 
-/// What the classic operations know of an arm beside its solver. An array has an entry a joint.
+/// What the classic operations know of an arm besides its solver. An array has an entry a joint.
 struct ArmNumbers {
   JointRange range[kJointCount];
   double gear_ratio[kJointCount];      ///< motor turns per turn of the joint

@@ -6,7 +6,7 @@
 
 namespace qal {
 
-// The operations of `Ikfunc` that ask the solver and choose. Their contracts stand at the members
+// The operations of `Ikfunc` that query the solver and choose. Their contracts stand at the members
 // that are named; what these print, an observer hears. `joints` are 6 reference joints [rad], which
 // may be the waypoint's own.
 

@@ -28,11 +28,11 @@ struct ArmDescription {
   std::array<JointDescription, 6> joints;
   Transform tip_in_last;  ///< the tip frame in the frame that joint 6 turns
   /// Angles that look like a multiple of 15 degrees rounded to some digits, such as 1.5708. Read as
-  /// written or as the multiple, as was asked for.
+  /// written, or as the multiple on request.
   int rounded_angles = 0;
 };
 
-/// What is told of a joint beside its geometry; goes before what the description says. A speed and
+/// What is told of a joint besides its geometry; goes before what the description says. A speed and
 /// an acceleration may be given at the joint or at its motor, with the gear ratio.
 struct JointSettings {
   std::optional<double> lower_rad;
@@ -45,7 +45,7 @@ struct JointSettings {
   std::optional<double> motor_acceleration_rpm_s;
 };
 
-/// What is told of an arm beside its geometry.
+/// What is told of an arm besides its geometry.
 struct ArmSettings {
   std::string name;  ///< empty: the description's
   std::array<JointSettings, 6> joints;

@@ -11,7 +11,7 @@ namespace qal {
 enum class Reason {
   kNone,
 
-  // ---- What was asked ----
+  // ---- The request ----
   kNotFinite,         ///< a number is NaN or infinite
   kNotAnOrientation,  ///< a quaternion of length `value`, too short to be a direction
   kSetting,  ///< a setting, named in `detail`, is `value`; `bound` is the nearest that works

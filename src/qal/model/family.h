@@ -42,7 +42,7 @@ struct FamilyReport {
   bool HasClosedForm() const { return spherical_wrist.empty() || three_parallel_axes.empty(); }
 };
 
-/// Compares an arm's axes, with all joints at zero, with what the families ask for. Distances are
+/// Compares an arm's axes, with all joints at zero, with what the families require. Distances are
 /// looked at once the angles are right: without right angles there is no place where axes meet.
 QAL_API FamilyReport ExamineFamilies(const ArmDescription& arm);
 

@@ -125,7 +125,7 @@ Error Session::WhyUnsolved(const RoadPoint& point, double step_bound_rad) const 
     } else if (refusal == Refusal::kStepBound) {
       nearest = {Reason::kStepBound, j, std::fabs(joints[j] - point.jointpos[j]), step_bound_rad};
     } else {
-      nearest = {Reason::kOutOfReach};  // admissible now: the operation asked for another pose
+      nearest = {Reason::kOutOfReach};  // admissible now: the operation queried another pose
     }
   });
   return nearest;

@@ -34,7 +34,7 @@ QAL_API Result<std::vector<Candidate>> Inverse(const Arm& arm, const Pose& pose,
                                                const InverseOptions& options = {});
 
 /// The admissible solution nearest `near`, the solver's earlier one in a tie.
-/// @return the joints, with the pose as it was asked for; the errors of `Inverse`; or, where none
+/// @return the joints, with the pose as it was given; the errors of `Inverse`; or, where none
 /// is
 ///         admissible, the refusal of the nearest
 QAL_API Result<State> Nearest(const Arm& arm, const Pose& pose, const Joints& near,

@@ -4,7 +4,7 @@
 #include "../model/arm.h"
 #include "../model/frames.h"
 
-// Internal: what an arm's solver is asked, with its answers checked and its exceptions caught.
+// Internal: the calls of an arm's solver, with its answers checked and its exceptions caught.
 namespace qal {
 
 /// The tool frame of six joints [rad], as the solver gives it.

@@ -30,7 +30,7 @@ TEST(Euler, MakesTheQuaternionOfRollThenPitchThenYaw) {
     Ori q(9, 9, 9, 9);
     Ikfunc::EulerAngleToQuaternion(q, angles.data());
     ExpectNear(All(q), All(expected), kRounding);           // w is below 0 for the last one
-    if (yaw < M_PI) ExpectNear(EulerOf(q), angles, 1e-13);  // asin loses digits beside pi/2
+    if (yaw < M_PI) ExpectNear(EulerOf(q), angles, 1e-13);  // asin loses digits near pi/2
   }
 }
 

@@ -2,12 +2,12 @@
 
 namespace {
 
-using Questions = std::vector<SolverPose>;
+using Queries = std::vector<SolverPose>;
 using Solutions = std::vector<std::vector<double>>;
 
 const std::string kNoQuaternion = "Error while converting to quaternion!\n";
 
-// The five operations that ask the solver and choose. All but the first have a step bound.
+// The five operations that query the solver and choose. All but the first have a step bound.
 enum Operation { kNearest, kHold, kMove, kLine, kJog };
 const std::vector<Operation> kAll = {kNearest, kHold, kMove, kLine, kJog};
 // What each says when no solution is admissible.
@@ -39,12 +39,12 @@ class Inverse : public ScriptedSolver {
     for (const Operation operation : operations) {
       SCOPED_TRACE(testing::PrintToString(solutions) + testing::PrintToString(operation));
       RoadPoint point = point_;
-      script.asked.clear();
+      script.queries.clear();
       script.inverse = [&](auto&) { return Answer{true, solutions}; };
       EXPECT_EQ(Captured([&] { return Solve(operation, point, reference, bound); }),
                 BoolOutcome(chosen != kNone, "", chosen == kNone ? kRefusals[operation] : ""));
       ExpectNear(All(point), All(chosen == kNone ? point_ : Solved(point_, solutions[chosen])), 0);
-      EXPECT_EQ(script.asked, Questions{kTarget});
+      EXPECT_EQ(script.queries, Queries{kTarget});
     }
   }
 
@@ -54,27 +54,27 @@ class Inverse : public ScriptedSolver {
     script.inverse = [=](auto&) { return Answer{true, {solution}}; };
   }
 
-  // Expects these questions when the solver finds nothing but for the last one, or not even then
+  // Expects these queries when the solver finds nothing but for the last one, or not even then
   // (which gives `refusal`), and what is written. `notices` come in either case.
-  void ExpectQuestions(Operation operation, const Questions& questions, const std::string& refusal,
-                       double tolerance = 0.0, const std::string& notices = "") {
+  void ExpectQueries(Operation operation, const Queries& queries, const std::string& refusal,
+                     double tolerance = 0.0, const std::string& notices = "") {
     for (const bool found : {true, false}) {
       RoadPoint point = point_;
-      FindNothing(questions.size() - found);
+      FindNothing(queries.size() - found);
       EXPECT_EQ(Captured([&] { return Solve(operation, point, reference_, 0.10002); }),
                 BoolOutcome(found, "", found ? notices : notices + refusal));
-      ASSERT_EQ(script.asked.size(), questions.size());
-      for (size_t i = 0; i < questions.size(); ++i) {
-        ExpectNear(script.asked[i], questions[i], tolerance);
+      ASSERT_EQ(script.queries.size(), queries.size());
+      for (size_t i = 0; i < queries.size(); ++i) {
+        ExpectNear(script.queries[i], queries[i], tolerance);
       }
-      const RoadPoint last = Waypoint(Pos(questions[1][0], questions[1][1], questions[1][2]));
+      const RoadPoint last = Waypoint(Pos(queries[1][0], queries[1][1], queries[1][2]));
       RoadPoint expected = found ? Solved(operation == kJog ? last : point_, kSolution) : point_;
       if (operation == kNearest && !found) expected = last;
       EXPECT_EQ(All(point), All(expected));
     }
   }
 
-  static SolverPose TurnedOver(const Joints& q) {
+  static SolverPose UpsideDown(const Joints& q) {
     return {q[0], q[1], q[2], 1, 0, 0, 0, -1, 0, 0, 0, -1};
   }
 
@@ -118,28 +118,28 @@ TEST_F(Inverse, BoundsEachJointsMove) {
   }
 }
 
-// The gantry's coordinates are its first three joints: a question shows what it was made of.
+// The gantry's coordinates are its first three joints: a query shows what it was made of.
 TEST_F(Inverse, FallsBackToTheNudgedReference) {
-  const Questions questions = {kTarget, GantryForward({up_, zero_, down_})};
-  ExpectQuestions(kHold, questions, kUnsolved);
-  ExpectQuestions(kJog, questions, "2 Failed to get  ik solution\n");
+  const Queries queries = {kTarget, GantryForward({up_, zero_, down_})};
+  ExpectQueries(kHold, queries, kUnsolved);
+  ExpectQueries(kJog, queries, "2 Failed to get  ik solution\n");
   // The nearest moves the target as the nudge moves the reference: the quaternion's difference
-  // makes up for a reference that is turned over.
-  script.forward = TurnedOver;
-  ExpectQuestions(kNearest, {kTarget, GantryForward({up_ + 1.5, zero_ + 3, down_ + 4.5})}, "");
+  // makes up for a reference that is upside down.
+  script.forward = UpsideDown;
+  ExpectQueries(kNearest, {kTarget, GantryForward({up_ + 1.5, zero_ + 3, down_ + 4.5})}, "");
 }
 
 // From the point's own joints, not the reference, and with their orientation; then nudged.
 TEST_F(Inverse, LineGoesOneStepOn) {
   const double nudged = 0.3 - 1e-5;
-  script.forward = TurnedOver;
-  ExpectQuestions(kLine,
-                  {kTarget, TurnedOver({10.3, 20.3, 40.3}),
-                   TurnedOver({10 + nudged, 20 + nudged, 40 + nudged})},
-                  kUnsolved);
+  script.forward = UpsideDown;
+  ExpectQueries(kLine,
+                {kTarget, UpsideDown({10.3, 20.3, 40.3}),
+                 UpsideDown({10 + nudged, 20 + nudged, 40 + nudged})},
+                kUnsolved);
   FailForward();
-  ExpectQuestions(kLine, {kTarget, GantryForward({12, 23, 44}), GantryForward({22, 43, 84})},
-                  kUnsolved, 0.0, kNoQuaternion + kNoQuaternion);
+  ExpectQueries(kLine, {kTarget, GantryForward({12, 23, 44}), GantryForward({22, 43, 84})},
+                kUnsolved, 0.0, kNoQuaternion + kNoQuaternion);
 }
 
 // By (1, 2, 3) from the stored position; from a roll of pi at the joints to pi/2, so by -pi/2 from
@@ -147,12 +147,12 @@ TEST_F(Inverse, LineGoesOneStepOn) {
 TEST_F(Inverse, MoveIsCarriedOverToTheNudgedJoints) {
   point_.orientation = Ori(std::sqrt(0.5), std::sqrt(0.5), 0, 0);
   script.forward = [this](const Joints& q) {
-    return q == reference_ ? TurnedOver(q) : GantryForward(q);
+    return q == reference_ ? UpsideDown(q) : GantryForward(q);
   };
-  ExpectQuestions(kMove,
-                  {{2, 3, 4, 1, 0, 0, 0, 0, -1, 0, 1, 0},
-                   {up_ + 1, zero_ + 2, down_ + 3, 1, 0, 0, 0, 0, 1, 0, -1, 0}},
-                  kUnsolved, 1e-15);
+  ExpectQueries(kMove,
+                {{2, 3, 4, 1, 0, 0, 0, 0, -1, 0, 1, 0},
+                 {up_ + 1, zero_ + 2, down_ + 3, 1, 0, 0, 0, 0, 1, 0, -1, 0}},
+                kUnsolved, 1e-15);
 }
 
 // Joints 4 to 6 move 0.1 from the reference, 0.10001 from where the nudge put it.
@@ -167,7 +167,7 @@ TEST_F(Inverse, JogMayWriteItsResultOverTheCurrentWaypoint) {
   FindNothing(1);
   RoadPoint point = Waypoint(Pos(2, 3, 4), reference_);
   EXPECT_TRUE(Ikfunc::ArmIk(point, 0, 1, -0.002, point));
-  EXPECT_EQ(script.asked[0], GantryForward({2, 3 - 0.002, 4}));
+  EXPECT_EQ(script.queries[0], GantryForward({2, 3 - 0.002, 4}));
   EXPECT_EQ(All(point), All(Solved(Waypoint(Pos(up_, zero_ - 0.002, down_)), kSolution)));
 }
 
@@ -175,14 +175,14 @@ TEST_F(Inverse, JogMayWriteItsResultOverTheCurrentWaypoint) {
 TEST_F(Inverse, NearestNeedsNoSolverAtTheReferencesOwnPose) {
   for (const auto& [y, qx] : {std::pair(9e-6, 9e-5), {1.1e-5, 0.0}, {0.0, 1.1e-4}}) {
     RoadPoint point = Waypoint(Pos(0.5, y, -0.5), {}, Ori(1, qx, 0, 0));
-    script.asked.clear();
+    script.queries.clear();
     EXPECT_TRUE(Solve(kNearest, point, reference_, 0.0));
-    EXPECT_EQ(script.asked.empty(), y == 9e-6);
+    EXPECT_EQ(script.queries.empty(), y == 9e-6);
     EXPECT_EQ(point.ik_flag, y != 9e-6);
   }
 }
 
-// One question of its own, two of the hold, which moves a joint by 0.043633200000000004 at most.
+// One query of its own, two of the hold, which moves a joint by 0.043633200000000004 at most.
 TEST_F(Inverse, ReachabilityLeavesASolvableWaypointAndHoldsAnother) {
   const RoadPoint start = Waypoint(Pos(2, 3, 4), reference_);
   const std::string line = "ARM IK is error\n";
@@ -200,7 +200,7 @@ TEST_F(Inverse, ReachabilityLeavesASolvableWaypointAndHoldsAnother) {
     EXPECT_EQ(All(point), All(held ? Solved(Waypoint(Pos(0.5, move, -0.5)), joints) : start));
     point = start;
     FindNothing(nothing, joints);
-    EXPECT_EQ(Ikfunc::ArmIk(point), nothing == 0);  // only asks
+    EXPECT_EQ(Ikfunc::ArmIk(point), nothing == 0);  // only queries
     EXPECT_EQ(All(point), All(start));
   }
 }

@@ -30,7 +30,7 @@ class SolutionLists : public testing::Test {
     EXPECT_EQ(visited, six_joints_);
   }
 
-  // All that a solver can ask of a solution.
+  // All that a solver can read of a solution.
   static auto Told(const ikfast::IkSolutionListBase<double>& list, size_t i) {
     Values joints;
     list.GetSolution(i).GetSolution(joints, {0.25});

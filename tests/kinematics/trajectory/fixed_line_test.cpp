@@ -62,14 +62,15 @@ TEST_F(FixedLine, CountsWholeStepsAndTheEndPoint) {
 
 TEST_F(FixedLine, CountSolvesThreeStepsAndTheEnd) {
   EXPECT_EQ(Count(), Outcome<int>(4, "", ""));
-  ASSERT_EQ(script.asked.size(), 4u);
-  EXPECT_EQ(script.asked[2], GantryAt(PointOf(2, 3)));
-  EXPECT_EQ(script.asked[3], GantryAt(kTo));
-  FindNothing(1, 3);  // the second point: asked also a third of the line on from the first's joints
+  ASSERT_EQ(script.queries.size(), 4u);
+  EXPECT_EQ(script.queries[2], GantryAt(PointOf(2, 3)));
+  EXPECT_EQ(script.queries[3], GantryAt(kTo));
+  FindNothing(1,
+              3);  // the second point: queried also a third of the line on from the first's joints
   RoadPoint failed = SolvedAt(kFrom);
   failed.position = PointOf(1, 3);
   EXPECT_EQ(Count(), Outcome<int>(0, Printed(failed), kUnsolved));
-  EXPECT_EQ(script.asked[2],
+  EXPECT_EQ(script.queries[2],
             GantryAt(kFrom + Pos((1.0006 - 1) / 3, (0.2512 - 0.25) / 3, (-0.5004 + 0.5) / 3)));
   FindNothing(3, 2);
   EXPECT_EQ(Count(),
@@ -98,7 +99,7 @@ TEST_F(FixedLine, FillTriesAPointAgainWithItsCoordinatesCut) {
   FindNothing(1, 2);
   EXPECT_EQ(Fill(4), BoolOutcome(true, "", kUnsolved));
   ExpectArray({SolvedAt(kFrom), cut, SolvedAt(PointOf(2, 4)), end_});
-  EXPECT_EQ(script.asked.size(), 6u);  // the point that the end replaces is solved all the same
+  EXPECT_EQ(script.queries.size(), 6u);  // the point that the end replaces is solved all the same
   FindNothing(1, 4);
   std::copy_n(start_.jointpos, 6, cut.jointpos);
   EXPECT_EQ(Fill(4), BoolOutcome(false, "CountLineToBuffer ik error at1\n" + Printed(cut),

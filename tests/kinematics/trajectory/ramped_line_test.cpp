@@ -27,7 +27,7 @@ TEST_F(RampedLine, RampsUpCruisesRampsDownAndJumpsToTheEnd) {
   }
   expected.push_back(end_);
   EXPECT_EQ(All(road_), All(expected));
-  EXPECT_EQ(script.asked.size(), 60u);  // the end point is not solved
+  EXPECT_EQ(script.queries.size(), 60u);  // the end point is not solved
 }
 
 TEST_F(RampedLine, StepsAlongTheLine) {
@@ -54,7 +54,7 @@ TEST_F(RampedLine, StopsAtAPointWithoutSolution) {
     whole.resize(at);
     EXPECT_EQ(All(road_), All(whole));
     // The first fallback goes from the joints before by this point's step: to the same pose.
-    EXPECT_EQ(script.asked[at + 1], script.asked[at]);
+    EXPECT_EQ(script.queries[at + 1], script.queries[at]);
   }
 }
 

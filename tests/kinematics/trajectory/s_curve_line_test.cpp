@@ -110,7 +110,7 @@ TEST_F(SCurveLine, NeedsBothEndPointsInReachButHoldsTheJointsOnTheWay) {
     FindNothing(answered, 3);
     EXPECT_EQ(Plan(0.01, 1.0f, 10.0f),
               Outcome<int>(-1, "ARM IK is error\n", kUnsolved + "s_point and e_point Ik error!\n"));
-    EXPECT_EQ(script.asked.size(), answered + 3);
+    EXPECT_EQ(script.queries.size(), answered + 3);
   }
   // An end that the solver refuses gives way to its own joints, nudged: the line runs from there.
   FindNothing(0, 2);
