@@ -144,6 +144,15 @@ TEST_F(Refusal, OfASolverThatMisbehaves) {
   }
 }
 
+TEST_F(Refusal, OfASolverKeepsWhatItPrintsOutOfTheData) {
+  const ToolRun run =
+      Shell("QAL_FOREIGN_FAULT=prints " QAL_BINARY
+            " ik --pose 0.1 0.2 0.3 1 0 0 0 --json --arm " QAL_FOREIGN_SOLVER_DIR "/libik.so");
+  EXPECT_EQ(0, run.status) << run.err;
+  EXPECT_EQ(0, run.out.find("{\n  \"arm\"")) << run.out;
+  EXPECT_NE(std::string::npos, run.err.find("solver by stream\n"));
+}
+
 // Numbers that look like another unit are taken, with a note.
 TEST_F(Refusal, IsNotForWhatOnlyLooksOdd) {
   EXPECT_EQ(
