@@ -11,10 +11,10 @@ add_test(NAME Build.LeavesOutToolsWithoutTheirPackages
                  -DCOMPILER=${CMAKE_CXX_COMPILER} "-DHIDDEN=${hidden}" "-DPACKAGES=${packages}"
                  -P ${build}/without_packages.cmake)
 
-foreach(header ikfunc ikfast)
+foreach(header kinematics/ikfunc kinematics/ikfast qal/model/pose)
   add_test(NAME Build.SaysThatItNeedsCxx17.${header}
            COMMAND ${CMAKE_CXX_COMPILER} -std=c++14 -fsyntax-only -x c++
-                   ${PROJECT_SOURCE_DIR}/src/kinematics/${header}.h)
+                   ${PROJECT_SOURCE_DIR}/src/${header}.h)
   set_tests_properties(Build.SaysThatItNeedsCxx17.${header}
                        PROPERTIES PASS_REGULAR_EXPRESSION "error: [^\n]*needs C\\+\\+17 or later")
 endforeach()

@@ -13,3 +13,7 @@ qal_test_layer(qal_layer_pose src/kinematics/pose ../../core/pos.h ../trajectory
 qal_test_layer(qal_layer_solve src/kinematics/solve ../pose/euler.h ../ikfunc.h)
 qal_test_layer(qal_layer_trajectory src/kinematics/trajectory ../solve/inverse.h
                ../facade/messages.h)
+qal_test_layer(qal_layer_model src/qal/model pose.h ../solve/kinematics.h)
+qal_test_layer(qal_layer_answers src/qal/solve ../model/arm.h ../plan/classic.h)
+qal_test_layer(qal_layer_plan src/qal/plan ../../kinematics/trajectory/joint_move.h
+               ../../kinematics/ikfunc.h)

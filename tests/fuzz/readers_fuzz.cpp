@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <stdexcept>
 
+#include "../../io/arm_settings.h"
 #include "../../io/error.h"
 #include "../../io/table.h"
 #include "../../io/trajectory_csv.h"
@@ -52,6 +53,15 @@ void CheckArm(const qal::ArmDescription& arm) {
   Require(std::isfinite(tip.x + tip.y + tip.z), "a tip that isn't finite");
 }
 
+void CheckSettings(const qal::ArmSettings& settings) {
+  for (const qal::JointSettings& joint : settings.joints) {
+    Require(std::isfinite(joint.jerk_rad_s3.value_or(0)), "a limit that isn't finite");
+  }
+  for (const double element : settings.tool.rotation) {
+    Require(std::isfinite(element), "a frame that isn't finite");
+  }
+}
+
 void Read(const std::string& format, const std::string& text) {
   if (format == "csv") {
     CheckTrajectory(text, ParseCsv, ToCsv);
@@ -66,7 +76,9 @@ void Read(const std::string& format, const std::string& text) {
     CheckArm(ReadUrdf(text, "file", {}));
   } else {
     const Document table = format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file");
-    CheckArm(ReadTable(Fields(table, "", ""), {}));
+    const Fields fields(table, "", "");
+    if (fields.Has("convention")) return CheckArm(ReadTable(fields, {}));
+    CheckSettings(ReadArmSettings(fields));
   }
 }
 

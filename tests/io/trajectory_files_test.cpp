@@ -184,12 +184,10 @@ TEST(TrajectoryFiles, TellTheirFormatByHowTheyBegin) {
   EXPECT_EQ(0u, Refusal([] { FormatToWrite("", "plan.txt", "--to"); }).find("plan.txt: the name"));
 }
 
-// 0.005 is not exact: 3 times it is the double above 0.015.
+// 0.005 is not exact: 35 times it is the double above 0.175; 9 times 0.004 likewise.
 TEST(FromStates, SetsEachSampleAtTheNearestDouble) {
-  const Trajectory trajectory = FromStates(std::vector<State>(4), 0.005);
-  EXPECT_NE(3 * 0.005, trajectory[3].time_s);
-  EXPECT_EQ(0.015, trajectory[3].time_s);
-  EXPECT_EQ(0.028, FromStates(std::vector<State>(8), 0.004)[7].time_s);
+  EXPECT_EQ(0.175, FromStates(std::vector<State>(36), 0.005)[35].time_s);
+  EXPECT_EQ(0.036, FromStates(std::vector<State>(10), 0.004)[9].time_s);
 }
 
 // Half a nanosecond apart, the two times would be one.

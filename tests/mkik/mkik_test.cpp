@@ -47,7 +47,8 @@ TEST_F(Mkik, WritesASourceThatBuildsByItself) {
 }
 
 TEST_F(Mkik, SaysWhatItFound) {
-  const auto found = nlohmann::json::parse(Shell(kMkik + kArms + "reference.urdf --json").out);
+  const auto found =
+      nlohmann::json::parse(Shell(kMkik + "- --json < " + kArms + "reference.urdf").out);
   EXPECT_EQ(found["family"], "spherical wrist");
   EXPECT_EQ(found["lengths_m"]["upper_arm"], 0.4);
   EXPECT_EQ(found["joints"][2]["upper_rad"], 2.967059678);

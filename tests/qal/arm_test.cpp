@@ -80,6 +80,7 @@ TEST(Arm, TakesSettingsBeforeTheDescriptionBeforeWhatIsAssumed) {
     ArmDescription description = Describe("reference.urdf");
     description.joints[2].name = "";
     description.joints[2].lower_rad = description.joints[2].upper_rad = std::nullopt;
+    description.joints[2].velocity_rad_s = std::nullopt;
     ArmSettings settings;
     say(description.joints[2], settings.joints[2]);
     const Arm arm = Arm::FromDescription(description, settings).value();

@@ -131,10 +131,10 @@ TEST(Inverse, RefusesWhatIsNoRequest) {
 // A gantry whose faults the environment chooses: no answer, or an error, but never an exception.
 TEST(ForeignSolver, MayBreakItsContract) {
   const Arm arm =
-      Arm::FromSolver(Solver::Load(QAL_FOREIGN_LIBRARIES "/gantry/libik.so").value()).value();
-  const Pose pose = {{0.1, 0.2, 0.3}, {1, 0, 0, 0}};
-  const Joints near = {0, 0, 0, 1, 1, 1};
-  EXPECT_EQ(Nearest(arm, pose, near).value().joints, (Joints{0.1, 0.2, 0.3, 1, 1, 1}));
+      Arm::FromSolver(Solver::Load(QAL_FOREIGN_LIBRARIES "/here/libik.so").value()).value();
+  const Pose pose = {{0.35, 0, 0.3}, {0, 0, 1, 0}};  // low in front, where the faults are
+  const Joints near = {};
+  EXPECT_TRUE(Nearest(arm, pose, near));
   const std::pair<const char*, Error> cases[] = {
       {"throws", {Reason::kSolverThrows, -1, 0, 0, "no\nway"}},
       {"throws an int", {Reason::kSolverThrows, -1, 0, 0, "something that is no std::exception"}},
@@ -148,12 +148,10 @@ TEST(ForeignSolver, MayBreakItsContract) {
   for (const auto& [fault, expected] : cases) {
     ::setenv("QAL_FOREIGN_FAULT", fault, 1);
     EXPECT_EQ(Text(Nearest(arm, pose, near).error()), Text(expected));
-    const auto forward = Forward(arm, near);
-    const auto jacobian = DistanceToSingularities(arm, near);
-    if (expected.reason != Reason::kSolverThrows) continue;
-    EXPECT_EQ(Text(forward.error()), Text(expected));
-    EXPECT_EQ(Text(jacobian.error()), Text(expected));
   }
+  ::setenv("QAL_FOREIGN_FAULT", "throws forward", 1);
+  EXPECT_EQ(Text(Forward(arm, near).error()), Text(cases[0].second));
+  EXPECT_EQ(Text(DistanceToSingularities(arm, near).error()), Text(cases[0].second));
   ::unsetenv("QAL_FOREIGN_FAULT");
 }
 

@@ -26,21 +26,21 @@ class LoadedSolver final : public SolverFunctions {
 /// Prints: to standard error raw bytes, to standard output lines through `std::cout`, flushed.
 class Console {
  public:
-  void Error(std::string_view message) const {
+  static void Error(std::string_view message) {
     // Nobody is left to tell when standard error itself is gone.
     (void)std::fwrite(message.data(), 1, message.size(), stderr);
   }
-  void Line(std::string_view text) const {
+  static void Line(std::string_view text) {
     // Unformatted: the width and fill that the host has set don't reach the line.
     std::ostream& out = StandardOutput();
     out.write(text.data(), static_cast<std::streamsize>(text.size()));
     out << std::endl;
   }
   template <typename Number>
-  void Line(std::string_view text, Number number) const {
+  static void Line(std::string_view text, Number number) {
     Line(NumberedText(text, number).view());
   }
-  void Point(RoadPoint point) const { point.printfPoint(); }
+  static void Point(RoadPoint point) { point.printfPoint(); }
 };
 
 class Printer final : public Observer {

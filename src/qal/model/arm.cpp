@@ -78,9 +78,9 @@ Result<Arm> Arm::Held::Make(const Solver& solver, const ArmDescription& descript
 }
 
 Result<Arm> Arm::FromDescription(const ArmDescription& description, const ArmSettings& settings) {
-  const Result<Solver> solver = Solver::ClosedForm(description);
-  if (!solver) return solver.error();
-  return Held::Make(*solver, description, settings);
+  const Result<Solver> closed_form = Solver::ClosedForm(description);
+  if (!closed_form) return closed_form.error();
+  return Held::Make(*closed_form, description, settings);
 }
 
 Result<Arm> Arm::FromSolver(const Solver& solver, const ArmSettings& settings) {

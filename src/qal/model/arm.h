@@ -5,8 +5,8 @@
 #include <memory>
 #include <string>
 
+#include "../../core/export.h"
 #include "description.h"
-#include "export.h"
 #include "result.h"
 #include "solver.h"
 

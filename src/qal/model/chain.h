@@ -3,8 +3,8 @@
 
 #include <array>
 
+#include "../../core/export.h"
 #include "description.h"
-#include "export.h"
 
 namespace qal {
 

@@ -10,7 +10,6 @@ namespace qal {
 /// Answers as the solver library of this geometry does, to the last bit.
 /// @tparam Geometry an arm of solver/closed_form
 template <class Geometry>
-// It is final, and deleted as itself. NOLINTNEXTLINE(*-virtual-class-destructor)
 class ClosedFormSolver final : public SolverFunctions {
  public:
   explicit ClosedFormSolver(const Geometry& geometry) : geometry_(geometry) {}

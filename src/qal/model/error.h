@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "../../core/export.h"
+
 namespace qal {
 
 /// Why there is no answer. What an `Error`'s numbers mean is said at each.

@@ -9,15 +9,16 @@
 namespace qal {
 
 /// Returns what `call` returns, or kSolverThrows.
-/// @param call returns a `Result`
+/// @param call returns a `Result` whose error is an `Error`, or begins with one
 template <class Call>
 auto CatchingSolver(Call call) -> decltype(call()) {
+  using Failed = typename decltype(call())::error_type;
   try {
     return call();
   } catch (const std::exception& error) {
-    return Error{Reason::kSolverThrows, -1, 0, 0, error.what()};
+    return Failed{Error{Reason::kSolverThrows, -1, 0, 0, error.what()}};
   } catch (...) {
-    return Error{Reason::kSolverThrows, -1, 0, 0, "something that is no std::exception"};
+    return Failed{Error{Reason::kSolverThrows, -1, 0, 0, "something that is no std::exception"}};
   }
 }
 

@@ -4,8 +4,8 @@
 #include <array>
 #include <vector>
 
+#include "../../core/export.h"
 #include "description.h"
-#include "export.h"
 
 namespace qal {
 

@@ -10,7 +10,6 @@ namespace qal {
 
 /// Poses are the tool frame's in the frame that the arm's base is given in:
 /// base * (the solver's tip in its base) * tool.
-// It is final, and deleted as itself. NOLINTNEXTLINE(*-virtual-class-destructor)
 class MountedSolver final : public SolverFunctions {
  public:
   MountedSolver(const Solver& solver, const Transform& base, const Transform& tool)

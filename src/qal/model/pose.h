@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include "../../core/export.h"
+
 namespace qal {
 
 /// Six joint angles [rad], joint 1 first.

@@ -12,8 +12,12 @@ namespace qal {
 template <class T, class E = Error>
 class [[nodiscard]] Result {
  public:
-  // Implicit, so that a function returns either. NOLINTNEXTLINE(*-explicit-*)
-  Result(T value) : held_(std::in_place_index<0>, std::move(value)) {}
+  using error_type = E;
+
+  // Implicit, so that a function returns either.
+  // cppcheck-suppress noExplicitConstructor
+  Result(T value) : held_(std::in_place_index<0>, std::move(value)) {}  // NOLINT(*-explicit-*)
+  // cppcheck-suppress noExplicitConstructor
   Result(E error) : held_(std::in_place_index<1>, std::move(error)) {}  // NOLINT(*-explicit-*)
 
   bool has_value() const { return held_.index() == 0; }

@@ -4,8 +4,8 @@
 #include <memory>
 #include <string>
 
+#include "../../core/export.h"
 #include "description.h"
-#include "export.h"
 #include "result.h"
 
 namespace qal {

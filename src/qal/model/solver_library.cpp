@@ -2,6 +2,9 @@
 
 #include <dlfcn.h>
 
+#include <new>
+#include <ostream>
+
 namespace qal {
 
 namespace {
@@ -24,6 +27,33 @@ int OpenMode() {
   return mode;
 }
 
+// A program that uses the standard streams may have them in its own memory; the C++ library's then
+// stay unset, and a solver that sees those first would end the program when it prints. They get the
+// program's buffers.
+void SetUpLibraryStreams() {
+#ifdef __GLIBCXX__
+  static const std::ios_base::Init program_streams;
+  void* const library = ::dlopen("libstdc++.so.6", RTLD_LAZY | RTLD_NOLOAD);
+  if (library == nullptr) return;  // linked into the program: a solver brings its own
+  for (const char* name : {"_ZSt4cout", "_ZSt4cerr", "_ZSt4clog"}) {
+    auto* const program = static_cast<std::ostream*>(::dlsym(RTLD_DEFAULT, name));
+    void* const own = ::dlsym(library, name);
+    if (own != nullptr && program != nullptr && own != program) {
+      new (own) std::ostream(program->rdbuf());
+    }
+  }
+#endif
+}
+
+void* Open(const std::string& path) {
+  const int mode = OpenMode();
+#ifdef RTLD_DEEPBIND
+  static const bool streams_are_set = (SetUpLibraryStreams(), true);
+  (void)streams_are_set;
+#endif
+  return ::dlopen(path.c_str(), mode);
+}
+
 template <class Function>
 Function Find(void* library, const char* name) {
   // That is how the loader gives functions. NOLINTNEXTLINE(*-reinterpret-cast)
@@ -41,16 +71,15 @@ Error MissingFunction(void* library, const std::string& name) {
 
 }  // namespace
 
-SolverLibrary::SolverLibrary(const std::string& path)
-    : library_(::dlopen(path.c_str(), OpenMode())) {
+SolverLibrary::SolverLibrary(const std::string& path) : library_(Open(path)) {
   if (library_ == nullptr) {
     // The C library keeps it for each thread. NOLINTNEXTLINE(concurrency-mt-unsafe)
     const char* const reason = ::dlerror();
     load_error_ = reason != nullptr ? reason : path;
     return;
   }
-  compute_ik_ = Find<decltype(compute_ik_)>(library_, kComputeIk);
-  compute_fk_ = Find<decltype(compute_fk_)>(library_, kComputeFk);
+  compute_ik_ = Find<ComputeIk>(library_, kComputeIk);
+  compute_fk_ = Find<ComputeFk>(library_, kComputeFk);
 }
 
 SolverLibrary::~SolverLibrary() {

@@ -11,7 +11,6 @@
 namespace qal {
 
 /// Holds a library open.
-// It is final, and deleted as itself. NOLINTNEXTLINE(*-virtual-class-destructor)
 class SolverLibrary final : public SolverFunctions {
  public:
   /// @param path with a slash
@@ -31,14 +30,17 @@ class SolverLibrary final : public SolverFunctions {
   void Forward(const double* joints, double* eetrans, double* eerot) const override;
 
  private:
+  using ComputeIk = decltype(&ikfast::ComputeIk);
+  using ComputeFk = decltype(&ikfast::ComputeFk);
+
   // The address of ikfast::NAME, which takes no argument; null where there is none.
   template <class Function>
   Function Query(const char* name) const;
 
   void* library_;
   std::string load_error_;
-  decltype(&ikfast::ComputeIk) compute_ik_ = nullptr;
-  decltype(&ikfast::ComputeFk) compute_fk_ = nullptr;
+  ComputeIk compute_ik_ = nullptr;
+  ComputeFk compute_fk_ = nullptr;
 };
 
 }  // namespace qal

@@ -5,6 +5,7 @@
 #include "../../kinematics/pose/agreement.h"
 #include "../../kinematics/solve/inverse.h"
 #include "../../kinematics/trajectory/straight_line.h"
+#include "../model/exceptions.h"
 #include "../model/rotations.h"
 #include "classic_session.h"
 
@@ -87,7 +88,7 @@ Plan Arrive(const Session& session, const Ends& ends, const Line& line, Road roa
 
 template <typename Make>
 Plan Planned(const Arm& arm, const Ends& ends, const Listener& listener, Make make) {
-  return Guarded<Plan>([&]() -> Plan {
+  return CatchingSolver([&]() -> Plan {
     if (const auto error = NoPair(ends)) return Failure{*error};
     const Session session(arm, listener);
     return make(session, Aligned(session, ends));

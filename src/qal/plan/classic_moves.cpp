@@ -4,6 +4,7 @@
 #include "../../kinematics/pose/frame_moves.h"
 #include "../../kinematics/solve/inverse.h"
 #include "../../kinematics/trajectory/joint_move.h"
+#include "../model/exceptions.h"
 #include "../model/rotations.h"
 #include "classic_session.h"
 
@@ -25,7 +26,7 @@ Plan StatesOf(const State& start, const Road& road, bool with_start) {
 template <typename Make>
 Plan Planned(const Arm& arm, const State& start, const State& end, const Listener& listener,
              Make make) {
-  return Guarded<Plan>([&]() -> Plan {
+  return CatchingSolver([&]() -> Plan {
     const Session session(arm, listener);
     return make(session.context(), ToRoadPoint(start.pose, start.joints),
                 ToRoadPoint(end.pose, end.joints));
@@ -92,7 +93,7 @@ Plan TrapezoidMove(const Arm& arm, const State& start, const State& end, int per
 Result<State, Failure> Jog(const Arm& arm, const State& from, const JogStep& jog,
                            const Listener& listener) {
   using Answer = Result<State, Failure>;
-  return Guarded<Answer>([&]() -> Answer {
+  return CatchingSolver([&]() -> Answer {
     const Session session(arm, listener);
     const RoadPoint current = ToRoadPoint(from.pose, from.joints);
     const double bound = std::fabs(jog.step) * kJogStepFactor;

@@ -1,6 +1,7 @@
 #include <cmath>
 
 #include "../../kinematics/trajectory/straight_line.h"
+#include "../model/exceptions.h"
 #include "../model/rotations.h"
 #include "classic_session.h"
 
@@ -42,7 +43,7 @@ Failure Refused(const Session& session) {
 
 Plan SCurveLine(const Arm& arm, const Ends& ends, const SCurveLimits& limits,
                 const Listener& listener) {
-  return Guarded<Plan>([&]() -> Plan {
+  return CatchingSolver([&]() -> Plan {
     const Session session(arm, listener);
     State end = {ends.end_joints.value_or(Joints{}), ends.end};
     if (!ends.end_joints) {

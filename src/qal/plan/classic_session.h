@@ -61,20 +61,6 @@ class Session final : private Observer {
   mutable std::optional<Heard> failure_;  // hearing is const, since the console keeps nothing
 };
 
-/// Runs a plan, and gives what a solver throws as a failure.
-template <typename Answer, typename Make>
-Answer Guarded(Make make) {
-  try {
-    return make();
-  } catch (const std::bad_alloc&) {
-    throw;
-  } catch (const std::exception& error) {
-    return Failure{{Reason::kSolverThrows, -1, 0, 0, error.what()}};
-  } catch (...) {
-    return Failure{{Reason::kSolverThrows}};
-  }
-}
-
 }  // namespace qal::classic
 
 #endif  // QAL_PLAN_CLASSIC_SESSION_H_
