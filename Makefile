@@ -4,8 +4,8 @@
 BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
               libyaml-dev nlohmann-json3-dev
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 valgrind
-TEST_DEPS := libgtest-dev pkg-config abigail-tools clang clang-tidy cppcheck g++-aarch64-linux-gnu \
-             qemu-user $(BENCH_DEPS)
+TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
+             $(BENCH_DEPS)
 
 # What the reference arm can do, and how far a point's joints may be off its pose.
 DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \

@@ -5,7 +5,7 @@
 #include <qal/solve/kinematics.h>
 
 #include <cstdio>
-#include <exception>
+#include <stdexcept>
 
 #include "../io/error_text.h"
 #include "../io/loaded_arm.h"
@@ -18,30 +18,36 @@ void Print(const char* label, const qal::Joints& joints) {
   std::printf(" rad\n");
 }
 
+// The value, or what keeps it from being one.
+template <class T>
+T ValueOf(const qal::Result<T>& result) {
+  if (!result) throw std::runtime_error(qal::io::ErrorText(result.error()));
+  return *result;
+}
+
 void Run(const qal::io::LoadedArm& loaded) {
   std::printf("%s\n", qal::io::ArmHeading(loaded).c_str());
   const qal::Arm& arm = loaded.arm;
   const qal::Joints bent = {0.3, -0.6, 0.9, 0.4, 1.1, 0.2};
-  qal::Pose pose = qal::Forward(arm, bent).value();
-  pose.position.z += 0.05;
-  const qal::State start = qal::Nearest(arm, pose, bent).value();
+  qal::Pose pose = ValueOf(qal::Forward(arm, bent));
+  pose.position.z += 0.02;
+  const qal::State start = ValueOf(qal::Nearest(arm, pose, bent));
   Print("from the joints", bent);
-  Print("5 cm up, nearest", start.joints);
+  Print("2 cm up, nearest", start.joints);
 
-  qal::Pose end = start.pose;
-  end.position.z -= 0.1;
-  const qal::classic::Plan line = qal::classic::RampedLine(arm, {start, end}, 20);
-  if (line) {
-    std::printf("10 cm down       %zu points, %.3f s\n", line->size(),
-                static_cast<double>(line->size() - 1) * arm.cycle_s().value);
-    Print("arrives with", line->back().joints);
-  }
-
-  end.position.z -= 0.8;
-  const qal::classic::Plan longer = qal::classic::RampedLine(arm, {start, end}, 20);
-  if (!longer && longer.error().point) {
-    std::printf("90 cm down       no plan beyond point %zu: %s\n", *longer.error().point,
-                qal::io::ErrorText(longer.error().error).c_str());
+  for (const double down_m : {0.05, 0.5, 0.9}) {
+    qal::Pose end = start.pose;
+    end.position.z -= down_m;
+    const qal::classic::Plan line = qal::classic::RampedLine(arm, {start, end}, 20);
+    std::printf("%.2f m down      ", down_m);
+    if (line) {
+      const auto steps = static_cast<double>(line->size() - 1);
+      std::printf(" %zu points, %.3f s\n", line->size(), steps * arm.cycle_s().value);
+    } else {
+      const qal::classic::Failure& failure = line.error();
+      std::printf(" no line, point %zu: %s\n", failure.point.value_or(0),
+                  qal::io::ErrorText(failure.error).c_str());
+    }
   }
 }
 

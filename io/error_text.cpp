@@ -28,9 +28,9 @@ class Words {
                        units_.degrees ? "deg" : "rad");
   }
   std::string Length(double metres) const {
-    return fmt::format("{:.9g} {}", units_.millimetres ? metres * 1000 : metres,
-                       units_.millimetres ? "mm" : "m");
+    return fmt::format("{:.9g} {}", units_.millimetres ? metres * 1000 : metres, LengthUnit());
   }
+  const char* LengthUnit() const { return units_.millimetres ? "mm" : "m"; }
   std::string Joint() const { return fmt::format("joint {}", error_.joint + 1); }
   std::string Setting() const;
   std::string Limit() const;
@@ -182,9 +182,12 @@ std::string Words::OfMove() const {
       return fmt::format("{} would need its motor at {:.0f} rpm; {:.9g} rpm are the limit", Joint(),
                          std::fabs(error_.value), error_.bound);
     case Reason::kAccelerationTooLow:
+      // It was given in single precision.
       return fmt::format(
-          "the acceleration, {}/s^2, is built up within 20 ms; it has to be above {}/s^2",
-          Length(error_.value), Length(error_.bound));
+          "the acceleration, {:.6g} {}/s^2, is built up within 20 ms; it has to be above {:.6g} "
+          "{}/s^2",
+          units_.millimetres ? error_.value * 1000 : error_.value, LengthUnit(),
+          units_.millimetres ? error_.bound * 1000 : error_.bound, LengthUnit());
     case Reason::kTooManyPoints:
       return fmt::format("{:.9g} points, at most {:.9g} are planned", error_.value, error_.bound);
     default:

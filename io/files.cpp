@@ -9,6 +9,7 @@
 #include <csignal>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "error.h"
 #include "held_signals.h"
@@ -24,6 +25,9 @@ constexpr size_t kLargestFileBytes = size_t{1} << 29;
   throw UsageError(
       fmt::format("cannot {} {}: {}", action, path, std::system_category().message(error)));
 }
+
+// Where the data goes.
+int standard_output = STDOUT_FILENO;  // NOLINT(*-avoid-non-const-global-variables): of the process
 
 // 0, or the error that stopped it.
 int WriteAll(int descriptor, std::string_view content) {
@@ -58,6 +62,10 @@ std::string NameOf(const std::string& path) { return path == "-" ? "standard inp
 
 std::string ReadFile(const std::string& path) {
   const std::string name = NameOf(path);
+  static bool standard_input_is_read = false;  // a second time it would be empty
+  if (path == "-" && std::exchange(standard_input_is_read, true)) {
+    throw UsageError("cannot read standard input twice: - is given for two files");
+  }
   // Standard input by a descriptor of its own: it is closed below.
   const int descriptor = path == "-" ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                                      : ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -115,8 +123,13 @@ void WriteFile(const std::string& path, std::string_view content) {
   }
 }
 
+void KeepStandardOutputForData() {
+  standard_output = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+  (void)::dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
 void WriteStandardOutput(std::string_view content) {
-  const int error = WriteAll(STDOUT_FILENO, content);
+  const int error = WriteAll(standard_output, content);
   if (error != 0 && error != EPIPE) Fail("write", "standard output", error);
 }
 

@@ -1,10 +1,10 @@
 #include "finite_differences.h"
 
-#include <kinematics/solve/arm_numbers.h>
-
 #include <algorithm>
 #include <cmath>
 #include <limits>
+
+#include "../solver/closed_form/angles.h"
 
 namespace qal::io {
 
@@ -42,8 +42,8 @@ double FiniteDifferences::JointJerk(size_t interval, size_t joint) const {
 }
 
 double MotorRpm(const Arm& arm, size_t joint, double speed_rad_s) {
-  constexpr double kShaftRadPerSPerRpm = kShaftRadPerRpmTick / kTickS;
-  return speed_rad_s * arm.joints()[joint].gear_ratio.value / kShaftRadPerSPerRpm;
+  constexpr double kRpmPerRadS = 60 / (2 * closed_form::kPi);
+  return speed_rad_s * arm.joints()[joint].gear_ratio.value * kRpmPerRadS;
 }
 
 }  // namespace qal::io

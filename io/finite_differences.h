@@ -46,7 +46,8 @@ class FiniteDifferences {
 };
 
 /// Speed of a joint's motor [rpm, signed] when the joint turns at `speed_rad_s`, by the arm's gear
-/// ratio. One rpm is 0.104719 rad/s of the motor, the six digits that the classic operations have.
+/// ratio. The classic operations hold one rpm at the six digits 0.104719 rad/s, which is 7
+/// millionths less than it is.
 /// @param joint from 0
 double MotorRpm(const Arm& arm, size_t joint, double speed_rad_s);
 

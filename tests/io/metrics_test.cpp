@@ -50,7 +50,7 @@ void ExpectPeaks(const Trajectory& trajectory, const std::vector<Expected>& expe
 // -0.2, 0.4, -0.2. Joint 6 at 0.1, 0.14, 0.09: 0.1, 0.04, -0.05, -0.09, and 0.1, -0.06, -0.09,
 // -0.04, 0.09.
 TEST(Measure, FindsThePeaksAndWhereTheyAre) {
-  const double rpm_per_rad_s = 0.005 / 0.000523595;
+  const double rpm_per_rad_s = 60 / (2 * M_PI);
   ExpectPeaks(FourSamples(), {{kJointSpeed, 0, 0.2, 2},
                               {kJointSpeed, 1, 0.0, 0},
                               {kJointSpeed, 3, 0.2, 3},

@@ -14,7 +14,7 @@ namespace {
 
 // Half a second from row to row, joint 1 moves at 0.5 and 1.5 rad/s, and the tool at 0.5 and 2 m/s.
 // From rest to 0.5 rad/s in half a second is 1 rad/s^2, to 1.5 it is 2, and to rest again -3. The
-// motor turns at 0.5 * 363 * 0.005 / 0.000523595 rpm, and three times that.
+// motor turns at 0.5 * 363 * 60 / (2 pi) rpm, and three times that.
 TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
   const Pose pose = {{0.1, 0.2, 0.5}, {0, 1, 0, 0}};
   Trajectory trajectory = {{0.0, {0.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
@@ -29,9 +29,9 @@ TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
       "motor1_rpm,motor2_rpm,motor3_rpm,motor4_rpm,motor5_rpm,motor6_rpm\n"
       "0,0,0,-0,1e-09,0.1,0.3,0.1,0.2,0.5,0,1,0,0,0,0,0,0,0,0,1,0,0,0,0,0,0,0,0,0,0,0,0\n"
       "0.5,0.25,0,-0,1e-09,0.1,0.3,0.1,0.2,0.75,0,1,0,0,0.5,0,0,0,0,0,2,0,0,0,0,0,0.5,"
-      "1733.2098282069155,0,0,0,0,0\n"
+      "1733.1973302707404,0,0,0,0,0\n"
       "1,1,0,-0,1e-09,0.1,0.3,0.1,0.2,1.75,0,1,0,0,1.5,0,0,0,0,0,-3,0,0,0,0,0,2,"
-      "5199.629484620747,0,0,0,0,0\n",
+      "5199.591990812221,0,0,0,0,0\n",
       ToFullCsv(trajectory, Arm::Reference()));
 }
 

@@ -109,7 +109,7 @@ TEST(Classic, PlansThePointsOfIkfuncToTheBit) {
 // Every point of a plan has its own pose, whatever the arm, and the step to it is small.
 void ExpectPlan(const Arm& arm, const Plan& plan, const State& start, const Pose& end) {
   ASSERT_TRUE(plan) << Text(plan.error().error);
-  EXPECT_EQ(start.joints, plan->front().joints);
+  EXPECT_LT(LargestDifference(start.joints, plan->front().joints), 1e-9);
   EXPECT_LT(LargestDifference(end, plan->back().pose), 1e-9);
   const Joints* before = &start.joints;
   for (const State& state : *plan) {
@@ -157,6 +157,10 @@ TEST(Classic, SaysByValueWhereALineFailsAndWhy) {
     ends.end.position = {ends.end.position.x + x, ends.end.position.y + y, ends.end.position.z + z};
     return ends;
   };
+  ArmSettings limits;
+  for (JointSettings& joint : limits.joints) joint.upper_rad = 1.05;
+  const Arm narrow = Arm::FromDescription(Describe("reference.urdf"), limits).value();
+  EXPECT_TRUE(RampedLine(narrow, by(0.1, 0, 0), 20)) << "although joint 5 ends at 1.1 rad";
   Ends turned = by(0.1, 0, 0);
   turned.end.orientation = Quat{std::cos(0.05), 0, std::sin(0.05), 0} * turned.end.orientation;
   // The same pose with the elbow the other way.
@@ -180,19 +184,21 @@ TEST(Classic, SaysByValueWhereALineFailsAndWhy) {
       {RampedLine(arm, by(0.5, 0, 0), 20), Reason::kOutOfReach, 706, -1, 0, 0},
       {FixedLine(arm, by(0.5, 0, 0), 50), Reason::kOutOfReach, 139, -1, 0, 0},
       {FineLine(arm, by(0.5, 0, 0), 10), Reason::kStepBound, 137, 2, 0.0486821, 0.0436332},
-      {RampedLine(arm, beyond, 20), Reason::kJointRange, 70, 5, 2.96715, 2.967059678},
+      {RampedLine(arm, beyond, 20), Reason::kJointRange, 23, 5, 2.96786, 2.967059678},
+      // The arm's own, narrower limits are for the caller to judge; these are not the operations'.
+      {RampedLine(narrow, by(0.5, 0, 0), 20), Reason::kOutOfReach, 706, -1, 0, 0},
       {RampedLine(arm, by(0, 0.002, 0), 10), Reason::kTooShort, {}, -1, 0.002, 0.0022},
       {RampedLine(arm, by(0, 0, 1.5), 10), Reason::kEndsApart, {}, -1, 1.5, 1},
       {RampedLine(arm, turned, 10), Reason::kEndsTurned, {}, -1, 0.1, 0.0001},
-      {FixedLine(arm, flipped, 1), Reason::kConfiguration, 1, 1, 1.82786, 0.518},
-      {SCurveLine(arm, by(0.01, 0, 0), {1, 10, 3}), Reason::kMotorSpeed, {}, 1, 5, 6},
+      {FixedLine(arm, flipped, 1), Reason::kConfiguration, 0, 1, 1.82786, 0.518},
+      {SCurveLine(arm, by(0.01, 0, 0), {1, 10, 3}), Reason::kMotorSpeed, {}, 1, 6.33407, 6},
       {SCurveLine(arm, by(0.01, 0, 0), {0.1F, 10, 3000}),
        Reason::kAccelerationTooLow,
        {},
        -1,
        0.1,
        0.2},
-      {TrapezoidMove(arm, start, twisted, 1, 2), Reason::kTooManyPoints, {}, -1, 71004, 46340},
+      {TrapezoidMove(arm, start, twisted, 1, 2), Reason::kTooManyPoints, {}, -1, 60039, 46340},
       {FixedMove(arm, start, twisted, 0), Reason::kSetting, {}, -1, 0, 1},
   };
   for (const auto& [plan, reason, point, joint, value, bound] : cases) {

@@ -59,7 +59,7 @@ for input in "arm:Is a directory" "big:larger than 512 MiB" "endless:larger than
 done
 
 # No environment at all, and a locale that isn't there, change no byte.
-plain=$("$qal" "${line[@]}" --csv -)
+plain=$("$qal" "${line[@]}" --csv - 2>&1)
 for odd in "env -i" "env LC_ALL=tlh_QO LANG=C.UTF-8 HOME=/nowhere"; do
   [ "$($odd "$qal" "${line[@]}" --csv - 2>&1)" = "$plain" ] || fail "another output with $odd"
 done

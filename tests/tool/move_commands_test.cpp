@@ -26,7 +26,6 @@ TEST_F(Line, EndsWithTheJointsGivenOrWithTheOnesItArrivesWith) {
   EXPECT_EQ(351, turned["time_s"].size());
   const std::string joints = end.dump().substr(1, end.dump().size() - 2);
   const Json by_joints = QalJson("line" + kFrom + "--to " + joints + " --speed 50")["joints_rad"];
-  EXPECT_EQ(351, by_joints.size());
   EXPECT_EQ(end, by_joints.back());
 }
 
@@ -52,14 +51,15 @@ TEST_F(Line, PrintsASummaryAndWritesTheSameFileWhole) {
 TEST_F(Line, IsJudgedByTheArm) {
   std::ofstream("slow.toml") << "description = '" QAL_ARMS_DIR
                                 "/reference.urdf'\n"
-                                "[limits]\nvelocity_rad_s = 0.1\nupper_rad = 1.05\n";
+                                "[limits]\nvelocity_rad_s = 0.1\nacceleration_rad_s2 = 4\n"
+                                "upper_rad = 1.1\n";
   const struct {
     std::string arguments;
     std::vector<const char*> exceeded;
   } cases[] = {
       {"line" + kFrom + "--by 0 0.3 0 --speed 50", {}},
       {"line" + kFrom + "--by 0 0.3 0 --speed 50 --arm slow.toml",
-       {"joint_speed_rad_s", "motor_speed_rpm", "joint_acceleration_rad_s2"}},
+       {"joint_speed_rad_s", "motor_speed_rpm"}},
       {"line" + kFrom + "--by 0.1 0 0 --speed 1 --arm slow.toml", {"joint_position_rad"}},
       {"joint --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --speed 100 --acc 5000",
        {"joint_speed_rad_s", "motor_speed_rpm"}},

@@ -56,5 +56,6 @@ void Describe(CLI::App& app) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
+  KeepStandardOutputForData();
   return RunTool("qal", GatherLists(ArgumentsOf(argc, argv)), Describe);
 }

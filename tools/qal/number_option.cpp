@@ -71,31 +71,39 @@ std::vector<std::string> SplitWords(const std::vector<std::string>& texts) {
 
 namespace {
 
-// Whether an argument goes on with the values of a list option.
-bool GoesOn(const std::string& argument, bool numbers) {
-  if (!numbers) return argument.empty() || argument[0] != '-';
+bool IsNumber(const std::string& argument) {
   double value = 0.0;
   const char* const begin = argument.data();
   return std::from_chars(begin, begin + argument.size(), value).ptr != begin;
 }
 
+// Where the values end that begin at `first`: numbers, or six names.
+size_t EndOfValues(const std::vector<std::string>& arguments, size_t first, bool numbers) {
+  constexpr size_t kMost = 6;  // one a joint
+  size_t count = SplitWords({arguments[first]}).size();
+  size_t end = first + 1;
+  for (; end < arguments.size() && count < kMost; ++end) {
+    const std::string& next = arguments[end];
+    if (numbers ? !IsNumber(arguments[first]) || !IsNumber(next) : next.rfind("--", 0) == 0) break;
+    count += SplitWords({next}).size();
+  }
+  // Fewer names than joints are a mistake, and what follows the first may be meant as a file.
+  return numbers || count == kMost ? end : first + 1;
+}
+
 }  // namespace
 
 std::vector<std::string> GatherLists(const std::vector<std::string>& arguments) {
-  constexpr size_t kMost = 6;  // values, one a joint
   std::vector<std::string> gathered;
   for (size_t i = 0; i < arguments.size(); ++i) {
-    gathered.push_back(arguments[i]);
-    const bool numbers = arguments[i].rfind("--max-", 0) == 0;
-    const bool lists = numbers || arguments[i] == "--joint-names";
-    if (!lists || arguments[i].find('=') != std::string::npos || i + 1 == arguments.size()) {
-      continue;
-    }
+    const std::string& argument = arguments[i];
+    gathered.push_back(argument);
+    const bool numbers =
+        argument.rfind("--max-", 0) == 0 && argument.find('=') == std::string::npos;
+    if ((!numbers && argument != "--joint-names") || i + 1 == arguments.size()) continue;
+    const size_t end = EndOfValues(arguments, i + 1, numbers);
     std::string values = arguments[++i];
-    while (i + 1 < arguments.size() && SplitWords({values}).size() < kMost &&
-           GoesOn(arguments[i], numbers) && GoesOn(arguments[i + 1], numbers)) {
-      values += ',' + arguments[++i];
-    }
+    while (i + 1 < end) values += ',' + arguments[++i];
     gathered.push_back(values);
   }
   return gathered;

@@ -108,7 +108,7 @@ Verdict Judge(const Trajectory& plan, const Arm& arm) {
 }
 
 std::string VerdictRows(const Verdict& verdict, const Units& units) {
-  std::string rows;
+  std::string rows = "highest, against the arm's limits\n";
   for (const Check& check : verdict.checks) {
     rows +=
         fmt::format("{:<32} {:>12} of {:>12}{}, joint {}, point {}{}\n",

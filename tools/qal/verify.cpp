@@ -196,9 +196,8 @@ void AddVerify(CLI::App& app, const SharedArm& arm) {
       "it.\n"
       "Speeds are the differences of the samples over their time, accelerations those of the\n"
       "speeds, jerks those of the accelerations; the arm stands before the first sample and after\n"
-      "the last. Motor speeds follow from the joint speeds by the arm's gear ratios; one rpm is\n"
-      "0.104719 rad/s of the motor. What lies between two samples is said at the later one;\n"
-      "samples count from 0.\n"
+      "the last. Motor speeds follow from the joint speeds by the arm's gear ratios. What lies\n"
+      "between two samples is said at the later one; samples count from 0.\n"
       "A time that is repeated or goes back is always a violation.\n"
       "Exit status: 0 within all limits, 1 with a violation, 2 when the file cannot be read.\n"
       "Example: qal verify planned.csv --max-motor-rpm 3000 --max-joint-acc 8,8,8,12,12,12");

@@ -7,7 +7,6 @@
 #include "../../kinematics/trajectory/straight_line.h"
 #include "../model/exceptions.h"
 #include "../model/rotations.h"
-#include "../solve/kinematics.h"
 #include "classic_session.h"
 
 namespace qal::classic {
@@ -73,7 +72,7 @@ Plan Arrive(const Session& session, const Ends& ends, const Line& line, Road roa
   const State before = states.empty() ? ends.start : states.back();
   State last = {ends.end_joints.value_or(Joints{}), ends.end};
   if (!ends.end_joints) {
-    const Result<State> solved = Nearest(session.arm(), ends.end, before.joints);
+    const Result<State> solved = session.SolveEnd(ends.end, before.joints);
     if (!solved) return At(line.end, states.size(), solved.error());
     last = *solved;
   }

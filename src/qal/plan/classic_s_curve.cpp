@@ -3,7 +3,6 @@
 #include "../../kinematics/trajectory/straight_line.h"
 #include "../model/exceptions.h"
 #include "../model/rotations.h"
-#include "../solve/kinematics.h"
 #include "classic_session.h"
 
 namespace qal::classic {
@@ -43,13 +42,13 @@ Failure Refused(const Session& session) {
 Plan SCurveLine(const Arm& arm, const Ends& ends, const SCurveLimits& limits,
                 const Listener& listener) {
   return CatchingSolver([&]() -> Plan {
+    const Session session(arm, listener);
     State end = {ends.end_joints.value_or(Joints{}), ends.end};
     if (!ends.end_joints) {
-      const Result<State> solved = Nearest(arm, ends.end, ends.start.joints);
+      const Result<State> solved = session.SolveEnd(ends.end, ends.start.joints);
       if (!solved) return Failure{solved.error(), std::nullopt, ends.end};
       end = *solved;
     }
-    const Session session(arm, listener);
     const RoadPoint start = ToRoadPoint(ends.start.pose, ends.start.joints);
     std::vector<RoadPoint> road;
     const int result =

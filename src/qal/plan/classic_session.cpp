@@ -131,6 +131,20 @@ Error Session::WhyUnsolved(const RoadPoint& point, double step_bound_rad) const 
   return nearest;
 }
 
+Result<State> Session::SolveEnd(const Pose& end, const Joints& near) const {
+  const auto candidates = Inverse(arm_, end, near);
+  if (!candidates) return candidates.error();
+  const Candidate* nearest = nullptr;
+  for (const Candidate& candidate : *candidates) {
+    if (nearest != nullptr && !(candidate.distance_rad < nearest->distance_rad)) continue;
+    const double* joints = candidate.joints.data();
+    const Judgement judgement = Judge(joints, near.data(), kNoStepBound, numbers_.range);
+    if (judgement.refusal == Refusal::kNone) nearest = &candidate;
+  }
+  if (nearest == nullptr) return WhyUnsolved(ToRoadPoint(end, near), kNoStepBound);
+  return State{nearest->joints, end};
+}
+
 bool Session::Reaches(const RoadPoint& point) const {
   constexpr double kNudgedM = 1e-4;
   constexpr double kNudgedRad = 1e-4;

@@ -42,6 +42,10 @@ class Session final : private Observer {
   /// the classic range or the bound.
   Error WhyUnsolved(const RoadPoint& point, double step_bound_rad) const;
 
+  /// The joints of a line's end, nearest `near`: exactly, where the operations would nudge, and
+  /// within the classic range, whatever the arm's limits.
+  Result<State> SolveEnd(const Pose& end, const Joints& near) const;
+
   /// Whether the joints have the pose. Where a pose has no solution, the operations may answer with
   /// joints that a nudge of 1e-5 rad a joint leads to, at most 6e-5 rad and about as many metres
   /// away, which counts, or hold joints, which doesn't.
