@@ -11,4 +11,4 @@ qal_test_program(
 add_test(NAME Mkik.DoesWhatItsDocumentShows
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh
                  ${PROJECT_SOURCE_DIR}/docs/your-arm.md
-                 ${PROJECT_SOURCE_DIR}/arms/bench_parallel.urdf ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} 5)
+                 ${PROJECT_SOURCE_DIR}/arms/bench_parallel.urdf ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} 7)
