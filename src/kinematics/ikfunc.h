@@ -264,8 +264,8 @@ class QAL_API Ikfunc {
   ///                   - otherwise the first phase is appended to what is there, after "can't go to
   ///                     mast ver!\n" on standard error.
   /// @param max_v      velocity limit; has no effect
-  /// @param max_acc    [m/s^2], above 0 and finite; selects the case and limits nothing: the first
-  ///                   phase ends at max_jerk * (length / (2 * max_jerk))^(1/3)
+  /// @param max_acc    [m/s^2], above 0, infinity included; selects the case and limits nothing:
+  ///                   the first phase ends at max_jerk * (length / (2 * max_jerk))^(1/3)
   /// @param max_jerk   the jerk of the first phase [m/s^3], above 0 and finite
   /// @param max_joint  motor speed limit [rpm] for `CheckRobotJointStep`: as it is between the two
   ///                   end points of a short line, doubled between points of the first phase
@@ -275,8 +275,8 @@ class QAL_API Ikfunc {
   ///         "Check Robot Joint Step Error!\n" on standard error, `point_road` untouched for a
   ///         short line and cleared in the first phase; -2, `point_road` untouched: the
   ///         acceleration is built up within 20 ms: "max_acc is too small can't reach!\n" on
-  ///         standard error. Also -2, silently, where that doesn't apply but a limit is not above 0
-  ///         and finite, or the phase time doesn't fit an `int` (a length that is not a number).
+  ///         standard error. Also -2, silently, where that doesn't apply but a limit is not above
+  ///         0, the jerk is infinite, or the phase time doesn't fit an `int` (a length of NaN).
   static int CountSRunCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
                                          std::vector<RoadPoint>* point_road, float max_v,
                                          float max_acc, float max_jerk, int max_joint);

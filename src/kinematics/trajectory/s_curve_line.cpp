@@ -31,8 +31,6 @@ float ShortestProfile(float max_jerk) {
   return 2.0f * max_jerk * kShortestPhaseS * kShortestPhaseS * kShortestPhaseS;
 }
 
-bool IsLimit(float value) { return value > 0.0f && std::isfinite(value); }
-
 // Twice a motor speed, as far as an int goes.
 int Doubled(int rpm) {
   constexpr int kMost = std::numeric_limits<int>::max() / 2;
@@ -101,8 +99,9 @@ int PlanSCurveLine(const Context& arm, RoadPoint start, RoadPoint end, std::vect
     arm.Tell(Event::kAccelerationTooLow);
     return kNoProfile;
   }
-  // Two negative limits, infinities and NaN come as far as here.
-  if (!IsLimit(max_acc) || !IsLimit(max_jerk)) return kNoProfile;
+  // Two negative limits and NaN come as far as here; an infinite acceleration goes on, and limits
+  // nothing.
+  if (!(max_acc > 0.0f) || !(max_jerk > 0.0f) || std::isinf(max_jerk)) return kNoProfile;
 
   // The longest line without a phase of constant acceleration. The build-up time goes in in
   // milliseconds, so that with ordinary limits no line is longer.

@@ -60,6 +60,9 @@ TEST_F(SCurveLine, AppendsItsFirstPhaseAndTurnsTheLongWayToo) {
     const RoadPoint sample = Waypoint(Pos(x + 0.1, 0.2, 0.3), {}, Turn(3 - 6 * x / 0.01, 2));
     ExpectNear(All(road_[i]), All(Solved(sample, {x + 0.1, 0.2, 0.3, 0, 0, 0})), 1e-13);
   }
+  // The acceleration selects the case and no more: no limit at all goes the same way.
+  EXPECT_EQ(Plan(0.01, INFINITY, 10.0f), Outcome<int>(1, "", kNotice));
+  EXPECT_EQ(road_.size(), 31u);
 }
 
 TEST_F(SCurveLine, AnswersALineBelowTheShortestProfileWithItsEndPoints) {
@@ -86,7 +89,7 @@ TEST_F(SCurveLine, RefusesLimitsThatMakeNoProfile) {
     EXPECT_EQ(Plan(0.01, acc, jerk), Outcome<int>(-2, "", "max_acc is too small can't reach!\n"));
   }
   for (const auto& [acc, jerk] :
-       Limits{{-1, -10}, {1, 0}, {NAN, 10}, {1, NAN}, {INFINITY, 10}, {1e-17f, 1e-21f}}) {
+       Limits{{-1, -10}, {1, 0}, {NAN, 10}, {1, NAN}, {INFINITY, NAN}, {1e-17f, 1e-21f}}) {
     EXPECT_EQ(Plan(0.5, acc, jerk), Outcome<int>(-2, "", "")) << acc;
   }
   EXPECT_EQ(Plan(kNan, 1, 10), Outcome<int>(-2, "", ""));
