@@ -25,8 +25,8 @@ std::string ReadFile(const std::string& path);
 /// @throw UsageError "cannot write PATH: REASON"
 void WriteFile(const std::string& path, std::string_view content);
 
-/// From here on standard output is for `WriteStandardOutput` alone: what else writes there, such as a
-/// solver library, goes to standard error.
+/// From here on standard output is for `WriteStandardOutput` alone: what else writes there, such as
+/// a solver library, goes to standard error.
 void KeepStandardOutputForData();
 
 /// Writes to standard output. A reader that has closed its end of the pipe has all it wanted: no
