@@ -3,50 +3,14 @@
 // to give its bits ("same") or the C library has a part in them ("libm"), the digest, and how many
 // numbers went into it.
 
-#include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <iostream>
 #include <random>
 
+#include "digest.h"
 #include "kinematics/ikfunc.h"
 
 namespace {
-
-// FNV-1a over 64 bits at once.
-class Digest {
- public:
-  void Add(double value) {
-    std::uint64_t bits = 0;
-    // Which of the NaNs it is depends on the processor.
-    if (std::isnan(value)) value = std::fabs(static_cast<double>(NAN));
-    std::memcpy(&bits, &value, sizeof(bits));
-    hash_ = (hash_ ^ bits) * 0x100000001b3;
-    hash_ ^= hash_ >> 29;
-    ++count_;
-  }
-  void Add(const Ori& q) {
-    for (const double part : {q.w, q.x, q.y, q.z}) Add(part);
-  }
-  void Add(const RoadPoint& point) {
-    for (const double part : {point.position.x, point.position.y, point.position.z}) Add(part);
-    Add(point.orientation);
-    for (const double joint : point.jointpos) Add(joint);
-    Add(point.ik_flag ? 1.0 : 0.0);
-  }
-  void Add(const std::vector<RoadPoint>& points) {
-    Add(static_cast<double>(points.size()));
-    for (const RoadPoint& point : points) Add(point);
-  }
-
-  unsigned long long hash() const { return hash_; }
-  long count() const { return count_; }
-
- private:
-  std::uint64_t hash_ = 0xcbf29ce484222325;
-  long count_ = 0;
-};
 
 class Draws {
  public:

@@ -112,7 +112,7 @@ void Draw(ByteInput& in, Frame& frame) {
 }
 
 void Check(const Operation& operation, const Frame& before, const Frame& after) {
-  unsigned allowed = operation.writes;
+  unsigned allowed = operation.writes & ~kByLibm;
   if (!after.result) {
     allowed &= kRoad | kArray;
   } else if (*after.result <= 0 && (allowed & kFailing) == 0) {
@@ -149,10 +149,12 @@ const std::vector<Operation>& Operations() {
   using I = Ikfunc;
   constexpr auto kAny = nullptr;
   static const std::vector<Operation> operations = {
-      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerAngle(f.s.orientation, f.joints), 1),
-      QAL_ROW("pose", kStart, kAny, I::EulerAngleToQuaternion(f.s.orientation, f.joints), 1),
-      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
-      QAL_ROW("pose", kStart, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
+      QAL_ROW("pose", kJoints | kByLibm, kAny, I::QuaternionToEulerAngle(f.s.orientation, f.joints),
+              1),
+      QAL_ROW("pose", kStart | kByLibm, kAny, I::EulerAngleToQuaternion(f.s.orientation, f.joints),
+              1),
+      QAL_ROW("pose", kJoints | kByLibm, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
+      QAL_ROW("pose", kStart | kByLibm, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
       QAL_ROW("pose", kJoints, kAny, f.joints[0] = I::SectionNum(f.number), 1),
       QAL_ROW("pose", 0, kAny, I::PositionCompare(f.s, f.e, f.Limit(0), f.Limit(1))),
       QAL_ROW("pose", 0, kAny, I::JointCompare(f.s, f.e, f.Limit(0))),
@@ -167,11 +169,14 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("solve", 0, kAny, I::ChekcArmPointok(f.s)),
       QAL_ROW("solve", kStart, CheckJoints, I::ArmCheckAndCountSimilarIk(f.s)),
       QAL_ROW("solve", kStart, CheckBounded, I::ArmJointIk(f.s, f.Reference(), f.number)),
-      QAL_ROW("solve", kStart, CheckSolved, I::ArmJointIk(f.aliased ? f.s : f.e, f.s, f.number)),
+      QAL_ROW("solve", kStart | kByLibm, CheckSolved,
+              I::ArmJointIk(f.aliased ? f.s : f.e, f.s, f.number)),
       QAL_ROW("solve", kStart, CheckBounded,
               I::ArmLineMoveIk(f.s, f.e.position, f.Reference(), f.number)),
-      QAL_ROW("solve", kStart, CheckJoints, I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.s)),
-      QAL_ROW("solve", kEnd, kAny, I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.e)),
+      QAL_ROW("solve", kStart | kByLibm, CheckJoints,
+              I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.s)),
+      QAL_ROW("solve", kEnd | kByLibm, kAny,
+              I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.e)),
 
       QAL_ROW("lines", 0, kAny, I::CountLineSize(f.s, f.e, f.whole)),
       QAL_ROW("lines", kArray | kFailing, CheckFilled,
@@ -181,7 +186,7 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("lines", kRoad | kFailing, CheckArrival,
               I::CountLineToBuffer(f.s, f.e, &f.road, f.whole)),
       QAL_ROW(
-          "lines", kRoad | kFailing, kAny,
+          "lines", kRoad | kFailing | kByLibm, kAny,
           I::CountSRunCurvelLineToBuffer(f.s, f.e, &f.road, 1, f.Limit(0), f.Limit(1), f.limit)),
 
       QAL_ROW("joints", 0, kAny, I::CountCurvelLineSize(f.s, f.e, f.whole)),

@@ -30,6 +30,9 @@ bool SameFrames(const Frame& a, const Frame& b);
 /// What vectors and arrays hold before a call.
 RoadPoint Canary();
 
+/// Beside what an operation writes: the C library has a part in its last bits.
+constexpr unsigned kByLibm = 64;
+
 /// An operation, and what it may write; all else in the frame has to stay as it is.
 struct Operation {
   std::string group;
