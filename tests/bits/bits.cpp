@@ -59,13 +59,12 @@ void Kinematics(Draws& draws, Digest& digest) {
       double reference[6];
       for (int j = 0; j < 6; ++j) reference[j] = point.jointpos[j] + draws.Within(0.1);
       RoadPoint nearest = target;
-      digest.Add(Ikfunc::ArmIk(nearest, reference) ? 1 : 0);
+      digest.Add(Ikfunc::ArmIk(nearest, reference));
       digest.Add(nearest);
-      digest.Add(Ikfunc::ArmJointIk(target, reference, 0.3) ? 1 : 0);
+      digest.Add(Ikfunc::ArmJointIk(target, reference, 0.3));
       digest.Add(target);
     }
-    digest.Add(Ikfunc::ArmLineMoveIk(near, near.position - point.position, point.jointpos, 1) ? 1
-                                                                                              : 0);
+    digest.Add(Ikfunc::ArmLineMoveIk(near, near.position - point.position, point.jointpos, 1));
     digest.Add(near);
   }
 }
@@ -75,7 +74,7 @@ void Jogs(Draws& draws, Digest& digest, int first_mode, double largest_step) {
     RoadPoint point = draws.Point();
     const double step = draws.Within(largest_step);
     for (int mode = first_mode; mode < first_mode + 3; ++mode) {
-      digest.Add(Ikfunc::ArmIk(point, i % 2, mode, step, point) ? 1 : 0);
+      digest.Add(Ikfunc::ArmIk(point, i % 2, mode, step, point));
       digest.Add(point);
     }
   }
@@ -92,8 +91,7 @@ void FixedLines(Draws& draws, Digest& digest) {
     const int count = Ikfunc::CountLineSize(start, end, speed);
     digest.Add(count);
     std::vector<RoadPoint> points(1000);
-    if (count > 0)
-      digest.Add(Ikfunc::CountLineToBuffer(start, end, count, points.data(), speed) ? 1 : 0);
+    if (count > 0) digest.Add(Ikfunc::CountLineToBuffer(start, end, count, points.data(), speed));
     digest.Add(points);
     digest.Add(Ikfunc::CountLineToBuffer(start, end, 2.0, points.data()));
     digest.Add(points);
@@ -106,7 +104,7 @@ void RampedLines(Draws& draws, Digest& digest) {
     const RoadPoint end = draws.Beside(start, 0.2);
     const int speed = 5 + draws.Below(50);
     std::vector<RoadPoint> road;
-    digest.Add(Ikfunc::CountLineToBuffer(start, end, &road, speed) ? 1 : 0);
+    digest.Add(Ikfunc::CountLineToBuffer(start, end, &road, speed));
     digest.Add(road);
   }
 }
@@ -118,14 +116,12 @@ void JointMoves(Draws& draws, Digest& digest) {
     const int speed = 20 + draws.Below(80);
     const int count = Ikfunc::CountCurvelLineSize(start, end, speed);
     std::vector<RoadPoint> points(static_cast<size_t>(count));
-    digest.Add(Ikfunc::CountCurveLineToBuffer(start, end, count, points.data()) ? 1 : 0);
+    digest.Add(Ikfunc::CountCurveLineToBuffer(start, end, count, points.data()));
     digest.Add(points);
-    digest.Add(Ikfunc::CountCurvelLineToBuffer(start, end, &points, speed) ? 1 : 0);
+    digest.Add(Ikfunc::CountCurvelLineToBuffer(start, end, &points, speed));
     digest.Add(points);
     digest.Add(
-        Ikfunc::CountRunCurvelLineToBuffer(start, end, &points, speed, 1000 + draws.Below(9000))
-            ? 1
-            : 0);
+        Ikfunc::CountRunCurvelLineToBuffer(start, end, &points, speed, 1000 + draws.Below(9000)));
     digest.Add(points);
   }
 }

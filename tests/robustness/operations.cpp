@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <type_traits>
 
 #include "kinematics/ikfunc.h"
 #include "stand_ins.h"
@@ -111,6 +112,14 @@ void Draw(ByteInput& in, Frame& frame) {
   if (kind >= 200) std::copy(frame.e.jointpos, frame.e.jointpos + 6, frame.joints);
 }
 
+// The kind of result is no part of the exported names: here it is one of the operation's.
+template <typename Call>
+Operation Row(const char* group, unsigned writes, void (*check)(const Frame&, const Frame&),
+              const char* text, Call call) {
+  constexpr bool kBool = std::is_same_v<decltype(call(std::declval<Frame&>())), bool>;
+  return {group, writes, check, (kBool ? "bool " : "int ") + std::string(text), call};
+}
+
 void Check(const Operation& operation, const Frame& before, const Frame& after) {
   unsigned allowed = operation.writes & ~kByLibm;
   if (!after.result) {
@@ -140,10 +149,8 @@ RoadPoint Canary() {
 }
 
 // The rest is a call, which is also its name; one without a value ends in "1".
-#define QAL_ROW(group, writes, check, ...)                                          \
-  {                                                                                 \
-    group, writes, check, #__VA_ARGS__, [](Frame& f) -> int { return __VA_ARGS__; } \
-  }
+#define QAL_ROW(group, writes, check, ...) \
+  Row(group, writes, check, #__VA_ARGS__, [](Frame& f) { return __VA_ARGS__; })
 
 const std::vector<Operation>& Operations() {
   using I = Ikfunc;

@@ -1,6 +1,7 @@
 #ifndef QAL_TESTS_ROBUSTNESS_OPERATIONS_H_
 #define QAL_TESTS_ROBUSTNESS_OPERATIONS_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,7 +40,7 @@ struct Operation {
   unsigned writes;
   void (*check)(const Frame& before, const Frame& after);  ///< throws when it isn't as documented
   std::string name;
-  int (*call)(Frame& frame);
+  std::function<int(Frame&)> call;
 };
 
 /// Every public operation of `Ikfunc` and of `RoadPoint`.
