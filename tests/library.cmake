@@ -3,13 +3,10 @@ qal_test_program(
   qal_library_test
   SOURCES
   core/value_types_test.cpp
-  kinematics/ikfast_test.cpp
-  kinematics/pose/euler_test.cpp
-  kinematics/pose/frame_moves_test.cpp
-  kinematics/pose/scalars_test.cpp
+  kinematics/solver_interface_test.cpp
+  kinematics/pose/pose_test.cpp
   kinematics/solve/forward_test.cpp
   kinematics/solve/inverse_test.cpp
-  kinematics/solve/solution_list_test.cpp
   kinematics/trajectory/fixed_line_test.cpp
   kinematics/trajectory/joint_interpolation_test.cpp
   kinematics/trajectory/joint_trapezoid_test.cpp

@@ -3,50 +3,14 @@
 // to give its bits ("same") or the C library has a part in them ("libm"), the digest, and how many
 // numbers went into it.
 
-#include <cmath>
-#include <cstdint>
 #include <cstdio>
-#include <cstring>
 #include <iostream>
 #include <random>
 
+#include "digest.h"
 #include "kinematics/ikfunc.h"
 
 namespace {
-
-// FNV-1a over 64 bits at once.
-class Digest {
- public:
-  void Add(double value) {
-    std::uint64_t bits = 0;
-    // Which of the NaNs it is depends on the processor.
-    if (std::isnan(value)) value = std::fabs(static_cast<double>(NAN));
-    std::memcpy(&bits, &value, sizeof(bits));
-    hash_ = (hash_ ^ bits) * 0x100000001b3;
-    hash_ ^= hash_ >> 29;
-    ++count_;
-  }
-  void Add(const Ori& q) {
-    for (const double part : {q.w, q.x, q.y, q.z}) Add(part);
-  }
-  void Add(const RoadPoint& point) {
-    for (const double part : {point.position.x, point.position.y, point.position.z}) Add(part);
-    Add(point.orientation);
-    for (const double joint : point.jointpos) Add(joint);
-    Add(point.ik_flag ? 1.0 : 0.0);
-  }
-  void Add(const std::vector<RoadPoint>& points) {
-    Add(static_cast<double>(points.size()));
-    for (const RoadPoint& point : points) Add(point);
-  }
-
-  unsigned long long hash() const { return hash_; }
-  long count() const { return count_; }
-
- private:
-  std::uint64_t hash_ = 0xcbf29ce484222325;
-  long count_ = 0;
-};
 
 class Draws {
  public:
@@ -95,13 +59,12 @@ void Kinematics(Draws& draws, Digest& digest) {
       double reference[6];
       for (int j = 0; j < 6; ++j) reference[j] = point.jointpos[j] + draws.Within(0.1);
       RoadPoint nearest = target;
-      digest.Add(Ikfunc::ArmIk(nearest, reference) ? 1 : 0);
+      digest.Add(Ikfunc::ArmIk(nearest, reference));
       digest.Add(nearest);
-      digest.Add(Ikfunc::ArmJointIk(target, reference, 0.3) ? 1 : 0);
+      digest.Add(Ikfunc::ArmJointIk(target, reference, 0.3));
       digest.Add(target);
     }
-    digest.Add(Ikfunc::ArmLineMoveIk(near, near.position - point.position, point.jointpos, 1) ? 1
-                                                                                              : 0);
+    digest.Add(Ikfunc::ArmLineMoveIk(near, near.position - point.position, point.jointpos, 1));
     digest.Add(near);
   }
 }
@@ -111,7 +74,7 @@ void Jogs(Draws& draws, Digest& digest, int first_mode, double largest_step) {
     RoadPoint point = draws.Point();
     const double step = draws.Within(largest_step);
     for (int mode = first_mode; mode < first_mode + 3; ++mode) {
-      digest.Add(Ikfunc::ArmIk(point, i % 2, mode, step, point) ? 1 : 0);
+      digest.Add(Ikfunc::ArmIk(point, i % 2, mode, step, point));
       digest.Add(point);
     }
   }
@@ -128,8 +91,7 @@ void FixedLines(Draws& draws, Digest& digest) {
     const int count = Ikfunc::CountLineSize(start, end, speed);
     digest.Add(count);
     std::vector<RoadPoint> points(1000);
-    if (count > 0)
-      digest.Add(Ikfunc::CountLineToBuffer(start, end, count, points.data(), speed) ? 1 : 0);
+    if (count > 0) digest.Add(Ikfunc::CountLineToBuffer(start, end, count, points.data(), speed));
     digest.Add(points);
     digest.Add(Ikfunc::CountLineToBuffer(start, end, 2.0, points.data()));
     digest.Add(points);
@@ -142,7 +104,7 @@ void RampedLines(Draws& draws, Digest& digest) {
     const RoadPoint end = draws.Beside(start, 0.2);
     const int speed = 5 + draws.Below(50);
     std::vector<RoadPoint> road;
-    digest.Add(Ikfunc::CountLineToBuffer(start, end, &road, speed) ? 1 : 0);
+    digest.Add(Ikfunc::CountLineToBuffer(start, end, &road, speed));
     digest.Add(road);
   }
 }
@@ -154,14 +116,12 @@ void JointMoves(Draws& draws, Digest& digest) {
     const int speed = 20 + draws.Below(80);
     const int count = Ikfunc::CountCurvelLineSize(start, end, speed);
     std::vector<RoadPoint> points(static_cast<size_t>(count));
-    digest.Add(Ikfunc::CountCurveLineToBuffer(start, end, count, points.data()) ? 1 : 0);
+    digest.Add(Ikfunc::CountCurveLineToBuffer(start, end, count, points.data()));
     digest.Add(points);
-    digest.Add(Ikfunc::CountCurvelLineToBuffer(start, end, &points, speed) ? 1 : 0);
+    digest.Add(Ikfunc::CountCurvelLineToBuffer(start, end, &points, speed));
     digest.Add(points);
     digest.Add(
-        Ikfunc::CountRunCurvelLineToBuffer(start, end, &points, speed, 1000 + draws.Below(9000))
-            ? 1
-            : 0);
+        Ikfunc::CountRunCurvelLineToBuffer(start, end, &points, speed, 1000 + draws.Below(9000)));
     digest.Add(points);
   }
 }

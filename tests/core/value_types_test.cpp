@@ -15,32 +15,6 @@ static_assert(std::is_trivially_copyable_v<Ori> && std::is_trivially_copyable_v<
 static_assert(!std::is_trivially_copy_constructible_v<Pos>);
 static_assert(!std::is_trivially_copy_constructible_v<RoadPoint>);
 
-// Results: no part of the exported names.
-template <typename Result, typename... Results>
-constexpr bool kAllAre = (std::is_same_v<Result, Results> && ...);
-using I = Ikfunc;
-extern RoadPoint p;
-extern double* q;
-extern std::vector<RoadPoint>* road;
-static_assert(
-    kAllAre<bool, decltype(I::ArmFk(p.position, p.orientation, q)), decltype(I::ArmFk(p)),
-            decltype(I::ArmIk(p, q)), decltype(I::ArmIk(p)), decltype(I::ArmIk(p, 1, 1, 1.0, p)),
-            decltype(I::ChekcArmPointok(p)), decltype(I::ArmCheckAndCountSimilarIk(p)),
-            decltype(I::ArmJointIk(p, q, 1.0)), decltype(I::ArmJointIk(p, p, 1.0)),
-            decltype(I::ArmLineMoveIk(p, p.position, q, 1.0)), decltype(p == p),
-            decltype(I::CountLineToBuffer(p, p, 1, &p, 1)),
-            decltype(I::CountLineToBuffer(p, p, road, 1)),
-            decltype(I::CountCurveLineToBuffer(p, p, 1, &p)),
-            decltype(I::CountCurvelLineToBuffer(p, p, road, 1)),
-            decltype(I::CountRunCurvelLineToBuffer(p, p, road, 1, 1)),
-            decltype(I::PositionCompare(p, p, 1, 1)), decltype(I::JointCompare(p, p, 1))>);
-static_assert(
-    kAllAre<int, decltype(I::CountLineSize(p, p, 1)), decltype(I::CountLineToBuffer(p, p, 1.0, &p)),
-            decltype(I::CountSRunCurvelLineToBuffer(p, p, road, 1, 1, 1, 1)),
-            decltype(I::CountCurvelLineSize(p, p, 1)),
-            decltype(I::CountRunCurvelLineSize(p, p, 1, 1))>);
-static_assert(kAllAre<double, decltype(I::SectionNum(1.0))>);
-
 namespace {
 
 const Numbers kCounted = {0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.9, 1.0, 1.1, 1.2, 1.3, 1};
@@ -66,15 +40,6 @@ TEST(ValueTypes, AreEqualOnlyWhenEveryNumberIs) {
     other[i] = kNan;  // a flag of NaN is true
     EXPECT_EQ(From(other) == From(other), i == 13) << i;
   }
-}
-
-// Coordinates and joints to six decimals, the quaternion to four, in single-precision units.
-TEST(ValueTypes, CutTheirDecimals) {
-  RoadPoint point = From({2, 3e9, 0, 2, 0, 0, 0, 2, 0, 0, 0, 0, -3e9, 1});
-  point.SectionRoadPoint();
-  constexpr double kTwo = 2000000 * 9.999999974752427e-07;
-  EXPECT_EQ(All(point), (Numbers{kTwo, 3e9, 0, 20000 * 9.999999747378752e-05, 0, 0, 0, kTwo, 0, 0,
-                                 0, 0, -3e9, 1}));
 }
 
 TEST(ValueTypes, PrintOneBlockWhateverTheStreamsFormat) {

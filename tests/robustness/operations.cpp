@@ -2,6 +2,7 @@
 
 #include <new>
 #include <stdexcept>
+#include <type_traits>
 
 #include "kinematics/ikfunc.h"
 #include "stand_ins.h"
@@ -111,8 +112,16 @@ void Draw(ByteInput& in, Frame& frame) {
   if (kind >= 200) std::copy(frame.e.jointpos, frame.e.jointpos + 6, frame.joints);
 }
 
+// The kind of result is no part of the exported names: here it is one of the operation's.
+template <typename Call>
+Operation Row(const char* group, unsigned writes, void (*check)(const Frame&, const Frame&),
+              const char* text, Call call) {
+  constexpr bool kBool = std::is_same_v<decltype(call(std::declval<Frame&>())), bool>;
+  return {group, writes, check, (kBool ? "bool " : "int ") + std::string(text), call};
+}
+
 void Check(const Operation& operation, const Frame& before, const Frame& after) {
-  unsigned allowed = operation.writes;
+  unsigned allowed = operation.writes & ~kByLibm;
   if (!after.result) {
     allowed &= kRoad | kArray;
   } else if (*after.result <= 0 && (allowed & kFailing) == 0) {
@@ -140,19 +149,19 @@ RoadPoint Canary() {
 }
 
 // The rest is a call, which is also its name; one without a value ends in "1".
-#define QAL_ROW(group, writes, check, ...)                                          \
-  {                                                                                 \
-    group, writes, check, #__VA_ARGS__, [](Frame& f) -> int { return __VA_ARGS__; } \
-  }
+#define QAL_ROW(group, writes, check, ...) \
+  Row(group, writes, check, #__VA_ARGS__, [](Frame& f) { return __VA_ARGS__; })
 
 const std::vector<Operation>& Operations() {
   using I = Ikfunc;
   constexpr auto kAny = nullptr;
   static const std::vector<Operation> operations = {
-      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerAngle(f.s.orientation, f.joints), 1),
-      QAL_ROW("pose", kStart, kAny, I::EulerAngleToQuaternion(f.s.orientation, f.joints), 1),
-      QAL_ROW("pose", kJoints, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
-      QAL_ROW("pose", kStart, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
+      QAL_ROW("pose", kJoints | kByLibm, kAny, I::QuaternionToEulerAngle(f.s.orientation, f.joints),
+              1),
+      QAL_ROW("pose", kStart | kByLibm, kAny, I::EulerAngleToQuaternion(f.s.orientation, f.joints),
+              1),
+      QAL_ROW("pose", kJoints | kByLibm, kAny, I::QuaternionToEulerDis(f.s, f.e, f.joints), 1),
+      QAL_ROW("pose", kStart | kByLibm, kAny, I::QuaternionAddEuler(f.s, f.joints), 1),
       QAL_ROW("pose", kJoints, kAny, f.joints[0] = I::SectionNum(f.number), 1),
       QAL_ROW("pose", 0, kAny, I::PositionCompare(f.s, f.e, f.Limit(0), f.Limit(1))),
       QAL_ROW("pose", 0, kAny, I::JointCompare(f.s, f.e, f.Limit(0))),
@@ -167,11 +176,14 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("solve", 0, kAny, I::ChekcArmPointok(f.s)),
       QAL_ROW("solve", kStart, CheckJoints, I::ArmCheckAndCountSimilarIk(f.s)),
       QAL_ROW("solve", kStart, CheckBounded, I::ArmJointIk(f.s, f.Reference(), f.number)),
-      QAL_ROW("solve", kStart, CheckSolved, I::ArmJointIk(f.aliased ? f.s : f.e, f.s, f.number)),
+      QAL_ROW("solve", kStart | kByLibm, CheckSolved,
+              I::ArmJointIk(f.aliased ? f.s : f.e, f.s, f.number)),
       QAL_ROW("solve", kStart, CheckBounded,
               I::ArmLineMoveIk(f.s, f.e.position, f.Reference(), f.number)),
-      QAL_ROW("solve", kStart, CheckJoints, I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.s)),
-      QAL_ROW("solve", kEnd, kAny, I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.e)),
+      QAL_ROW("solve", kStart | kByLibm, CheckJoints,
+              I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.s)),
+      QAL_ROW("solve", kEnd | kByLibm, kAny,
+              I::ArmIk(f.s, f.whole % 3, f.limit % 8, f.number, f.e)),
 
       QAL_ROW("lines", 0, kAny, I::CountLineSize(f.s, f.e, f.whole)),
       QAL_ROW("lines", kArray | kFailing, CheckFilled,
@@ -181,7 +193,7 @@ const std::vector<Operation>& Operations() {
       QAL_ROW("lines", kRoad | kFailing, CheckArrival,
               I::CountLineToBuffer(f.s, f.e, &f.road, f.whole)),
       QAL_ROW(
-          "lines", kRoad | kFailing, kAny,
+          "lines", kRoad | kFailing | kByLibm, kAny,
           I::CountSRunCurvelLineToBuffer(f.s, f.e, &f.road, 1, f.Limit(0), f.Limit(1), f.limit)),
 
       QAL_ROW("joints", 0, kAny, I::CountCurvelLineSize(f.s, f.e, f.whole)),

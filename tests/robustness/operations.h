@@ -1,6 +1,7 @@
 #ifndef QAL_TESTS_ROBUSTNESS_OPERATIONS_H_
 #define QAL_TESTS_ROBUSTNESS_OPERATIONS_H_
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,13 +31,16 @@ bool SameFrames(const Frame& a, const Frame& b);
 /// What vectors and arrays hold before a call.
 RoadPoint Canary();
 
+/// Beside what an operation writes: the C library has a part in its last bits.
+constexpr unsigned kByLibm = 64;
+
 /// An operation, and what it may write; all else in the frame has to stay as it is.
 struct Operation {
   std::string group;
   unsigned writes;
   void (*check)(const Frame& before, const Frame& after);  ///< throws when it isn't as documented
   std::string name;
-  int (*call)(Frame& frame);
+  std::function<int(Frame&)> call;
 };
 
 /// Every public operation of `Ikfunc` and of `RoadPoint`.

@@ -92,7 +92,6 @@ TEST_F(Inverse, ChoosesTheNearestAdmissibleSolution) {
   // The nearest wherever it stands, by sum; the earlier in a tie; not wrapped.
   ExpectChoice({}, {{.3, 0, 0, 0, 0, 0}, {0, 0, 0, 0, 0, -.1}, {0, 0, .2, 0, 0, 0}}, 1);
   ExpectChoice({}, {{.1, 0, 0, 0, 0, 0}, {0, 0, 0, -.1, 0, 0}}, 0);
-  ExpectChoice({}, {{.3, 0, 0, 0, 0, 0}, {.1, .1, .1, .1, 0, 0}}, 0);
   ExpectChoice({2.9}, {{-2.9, 0, 0, 0, 0, 0}, {.5, 0, 0, 0, 0, 0}}, 1);
   // A distance of 0 also means none yet.
   ExpectChoice({}, {{0, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0}, {2, 0, 0, 0, 0, 0}}, 1);
@@ -103,7 +102,6 @@ TEST_F(Inverse, ChoosesTheNearestAdmissibleSolution) {
   // Nothing is nearer than NaN, nor NaN than a number.
   ExpectChoice({}, {{kNan, 0, 0, 0, 0, 0}, {1, 0, 0, 0, 0, 0}}, 0);
   ExpectChoice({}, {{1, 0, 0, 0, 0, 0}, {kNan, 0, 0, 0, 0, 0}}, 0);
-  ExpectChoice({}, {}, kNone);
 }
 
 // A jog's bound has no sign.
@@ -214,20 +212,6 @@ TEST_F(Inverse, PositionsAgreeWithJointsToTwoMillimetresAnAxis) {
   FailForward();
   EXPECT_EQ(Captured([] { return Ikfunc::ChekcArmPointok(RoadPoint()); }),
             BoolOutcome(true, "", kNoQuaternion));
-}
-
-// Any length of quaternion, either sign; the position bit for bit. |q|^2 = 0.84: for example
-// 1 - 2 (0.09 + 0.49) / 0.84 and 2 (-0.03 - 0.35) / 0.84.
-TEST_F(Inverse, PosesAreEncodedAsPositionAndMatrixByRows) {
-  for (const double n : {1.0, -2.0}) {
-    point_.orientation = Ori(0.5 * n, -0.1 * n, 0.3 * n, 0.7 * n);
-    std::array<double, 9> eerot;
-    std::array<double, 3> eetrans;
-    Ikfunc::CountEerotEetrans(point_, eerot.data(), eetrans.data());
-    EXPECT_EQ(eetrans, All(point_.position));
-    for (double& element : eerot) element *= 0.84;
-    ExpectNear(eerot, {-0.32, -0.76, 0.16, 0.64, -0.16, 0.52, -0.44, 0.32, 0.64}, 1e-15);
-  }
 }
 
 }  // namespace

@@ -16,29 +16,6 @@ class RampedLine : public ScriptedMove {
   }
 };
 
-// 0.0101 at speed 10: ramps of 0.0011 each leave 39.5 steps of 0.0002.
-TEST_F(RampedLine, RampsUpCruisesRampsDownAndJumpsToTheEnd) {
-  EXPECT_EQ(Plan(Pos(0.0101, 0, 0), 10), kSilentTrue);
-  std::vector<RoadPoint> expected;
-  Pos p;
-  for (int i = 0; i < 60; ++i) {
-    p.x += std::min({i, 10, 60 - i}) * kUnit;  // added up, not multiplied out
-    expected.push_back(Solved(Waypoint(p), {p.x, 0, 0, 0, 0, 0}));
-  }
-  expected.push_back(end_);
-  EXPECT_EQ(All(road_), All(expected));
-  EXPECT_EQ(script.queries.size(), 60u);  // the end point is not solved
-}
-
-TEST_F(RampedLine, StepsAlongTheLine) {
-  for (const Pos& d : {Pos(0.02, -0.03, 0.06), Pos(-0.02, 0.03, 0.06), Pos(0, 0.03, -0.04),
-                       Pos(0, -0.03, -0.04), Pos(0, 0, 0.01), Pos(0, 0, -0.01)}) {
-    EXPECT_EQ(Plan(d, 2), kSilentTrue);
-    const double scale = 3 * kUnit / std::sqrt(d.x * d.x + d.y * d.y + d.z * d.z);
-    ExpectNear(All(road_[2].position), {d.x * scale, d.y * scale, d.z * scale}, 1e-19);
-  }
-}
-
 // Speed 3, ramps of 0.00024 together, four cruise steps: 4 points up, 4 on, 3 down.
 TEST_F(RampedLine, StopsAtAPointWithoutSolution) {
   const Pos end(0.0005, 0, 0);
