@@ -43,7 +43,6 @@ TEST_F(ElfFile, SaysWhatAFileIsThatIsNoLibraryForThisMachine) {
   const std::string sound = FileContent(QAL_SOUND_SOLVER);
   const std::pair<std::string, const char*> files[] = {
       {"", "file: not a shared library (no ELF file)"},
-      {"#!/bin/sh\n", "file: not a shared library (no ELF file)"},
       {sound.substr(0, 40), "file: not a shared library (no ELF file)"},
       {Patched<Elf64_Half>(18, EM_AARCH64),
        "file: built for AArch64, this machine's programs are x86-64"},
@@ -60,7 +59,6 @@ TEST_F(ElfFile, SaysWhatAFileIsThatIsNoLibraryForThisMachine) {
 // Whatever a broken file says of where its parts are, nothing is read outside of it.
 TEST_F(ElfFile, ReadsNothingOutsideABrokenFile) {
   const std::string sound = FileContent(QAL_SOUND_SOLVER);
-  EXPECT_EQ(Answer(sound.substr(0, 64)), "not refused");
   for (size_t size = 64; size < sound.size(); size += 1 + sound.size() / 50) {
     EXPECT_EQ(Answer(sound.substr(0, size)), "not refused");
   }

@@ -155,8 +155,23 @@ TEST_F(Description, FindsTheTipOfAnArmThatHasMoreBehindIt) {
             "tool0");
 }
 
-// The reference arm by the modified convention, in millimetres and degrees.
+// Two tables against the products of their conventions' matrices, calculated by another program;
+// the reference arm by the modified convention, in millimetres and degrees.
 TEST_F(Description, ReadsEveryConventionAndUnit) {
+  const std::pair<const char*, Transform> tips[] = {
+      {"welding_ortho_parallel.json",
+       {{-0.7703135266659616, -0.4812775959659536, 0.4183168013081487, 0.5807657086160013,
+         -0.8003940184564540, 0.1485954471539559, 0.2633026060091373, 0.3574091364813751,
+         0.8960638631417042},
+        {0.5020177974294858, -0.02099535366447845, 1.8599490645029781}}},
+      {"carrying_parallel.toml",
+       {{-0.8395757957106640, -0.4750032802340538, 0.2635988752322251, 0.4485269197440626,
+         -0.3323569843440043, 0.8296761038035645, -0.3064899435898487, 0.8148071665889103,
+         0.4920906377423199},
+        {1.2425895937161664, 0.13314963956717712, 0.6693913236022258}}}};
+  for (const auto& [file, tip] : tips) {
+    EXPECT_LE(LargestDifference(TipFrame(ReadDescription(ArmPath(file), {}), kJoints), tip), 1e-14);
+  }
   std::ofstream("arm.json") << R"({"convention": "modified-dh", "joint": [
       {"d": 380},
       {"a": 50, "alpha": 90, "theta": 90, "direction": -1},

@@ -110,8 +110,6 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {head + ",qx" + row + ",0", "line 1: no column 'x_m'"},
           {head + row + "\n1,0,0,0,0,0",
            "line 3: 7 fields were expected, as in the header; the row has 6"},
-          {head + row + "\n1,0,0,0,0,0,0,0", "line 3: 7 fields"},
-          {head + row + "\n\n2,0,0,0,0,0,0", "line 3: 7 fields"},
           {head + row + "\n1,0,x,0,0,0,0", "line 3: q2_rad: 'x' is not a number"},
           {head + row + "\n1,0,0,0,0,0,inf", "line 3: q6_rad: 'inf' is not a finite number"},
           {head + pose + row + ",0,0,0,0,0,0,0", "line 2: the quaternion is all zeros"},
@@ -165,12 +163,8 @@ TEST(TrajectoryFiles, RosJointsOfOtherNamesAreTakenInOrderWithANote) {
   EXPECT_EQ(std::vector<std::string>{"joints 1 to 6 in the order of the file: a, b, c, d, e, g"},
             in_order.notes);
   const std::string refusal = "line 1: joint_names: 'f' is there 0 times, once is expected";
-  for (const std::string& said : {Refusal([&] {
-                                    read("a, b, c, d, e, g", {arm.names, true});
-                                  }),
-                                  Refusal([&] { read("a, b, c, d, e, g, h", arm); })}) {
-    EXPECT_EQ(refusal, said.substr(0, refusal.size()));
-  }
+  const auto refused = Refusal([&] { read("a, b, c, d, e, g, h", arm); });
+  EXPECT_EQ(refusal, refused.substr(0, refusal.size()));
 }
 
 TEST(TrajectoryFiles, TellTheirFormatByHowTheyBegin) {

@@ -64,7 +64,6 @@ TEST_F(Mkik, SaysWhatItFoundInTheArmThatItIsGiven) {
 
 TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
   std::ofstream("skew.urdf") << "<robot name='x'><link name='a&#27;&#10;b'/></robot>";
-  std::ofstream("arm.step") << "ISO-10303-21;";
   const std::string reference = kArms + "reference.urdf";
   const struct {
     std::string command;
@@ -72,23 +71,12 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
     std::string message;
   } cases[] = {
       {kMkik, 2, "no arm; its description is expected as ARM, by --arm or in QAL_ARM"},
-      {"QAL_ARM=none.urdf " + kMkik, 2,
-       "QAL_ARM: cannot read none.urdf: No such file or directory"},
-      {kMkik + "none.urdf", 2, "cannot read none.urdf: No such file or directory"},
-      {kMkik + "arm.step", 2,
-       "arm.step, line 1: not well-formed TOML (Error while parsing key-value pair: expected '=', "
-       "saw ';'); a URDF, TOML, JSON or a solver library is expected"},
-      {kMkik + QAL_MKIK, 2,
-       QAL_MKIK ": a solver library without a description; a URDF or a table is expected"},
       {kMkik + "skew.urdf", 2, "skew.urdf: no joints behind 'a  b'"},  // an escape, a line end
-      {kMkik + reference + " --tip tool1", 2, reference + ": no link named 'tool1' (--tip)"},
       {kMkik + reference + " --deg", 2, "--deg is for tables; a URDF's angles are radians"},
       {kMkik + reference + " --mm", 2,
        reference + ": the arm is 0.001247 m long; 0.05 to 20 m are expected"},
       {kMkik + kArms + "carrying_parallel.toml --tip tool1", 2,
        "--base and --tip are for URDFs; a table has no links"},
-      {kMkik + reference + " -o none/libik.so", 2,
-       "cannot write none/libik.so: No such file or directory"},
       {"CXX=no-compiler " + kMkik + reference + " -o libik.so", 1,
        "cannot run the compiler 'no-compiler': No such file or directory; set CXX, or write the "
        "source with --source and build it where a compiler is"},
@@ -101,7 +89,7 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
     EXPECT_EQ(run.err, "mkik: " + message + "\n");
     EXPECT_EQ(run.out, "");
   }
-  EXPECT_EQ(Files(), "arm.step\nskew.urdf\n");
+  EXPECT_EQ(Files(), "skew.urdf\n");
 }
 
 }  // namespace

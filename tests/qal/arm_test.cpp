@@ -8,7 +8,6 @@ namespace qal {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kRadSPerRpm = 2 * kPi / 60;
 
 // A number, with a star where it is assumed.
 std::string Text(const Setting& setting) {
@@ -117,25 +116,6 @@ TEST(Arm, RefusesLimitsThatAreNone) {
     say(settings, settings.joints[3]);
     const Result<Arm> arm = Arm::FromSolver(Solver::Reference(), settings);
     EXPECT_EQ(arm ? "an arm" : Text(arm.error()), Text(expected));
-  }
-}
-
-// The numbers that the fixed interface has for it.
-TEST(Arm, KnowsTheReferenceArmsMotors) {
-  const Arm arm = Arm::Reference();
-  EXPECT_EQ(Text(arm.cycle_s()), "0.005");
-  for (size_t j = 0; j < 6; ++j) {
-    const JointModel& joint = arm.joints()[j];
-    const double gear = j < 3 ? 363 : 303;
-    EXPECT_EQ(joint.lower_rad.value, -2.967059678);
-    EXPECT_EQ(joint.upper_rad.value, 2.967059678);
-    EXPECT_EQ(joint.gear_ratio.value, gear);
-    EXPECT_DOUBLE_EQ(joint.velocity_rad_s.value, 3000 * kRadSPerRpm / gear);
-    EXPECT_DOUBLE_EQ(joint.motor_speed_rpm(), 3000);
-    EXPECT_TRUE(joint.lower_rad.described && joint.upper_rad.described &&
-                joint.gear_ratio.described && joint.velocity_rad_s.described);
-    EXPECT_FALSE(joint.acceleration_rad_s2.described || joint.jerk_rad_s3.described);
-    EXPECT_DOUBLE_EQ(joint.acceleration_rad_s2.value, joint.velocity_rad_s.value / 0.25);
   }
 }
 

@@ -4,6 +4,7 @@
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
 #include "arms.h"
+#include "qal/model/rotations.h"
 
 namespace qal {
 namespace {
@@ -71,29 +72,20 @@ TEST_P(Kinematics, HasTheJacobianOfFiniteDifferences) {
   for (int i = 0; i < 200; ++i) {
     const Joints joints = random();
     const JacobianMatrix jacobian = Jacobian(arm_, joints).value();
-    const Quat q = Forward(arm_, joints).value().orientation;
     for (size_t j = 0; j < 6; ++j) {
       Joints moved = joints;
       moved[j] += kStepRad;
       const Pose after = Forward(arm_, moved).value();
       moved[j] = joints[j] - kStepRad;
       const Pose before = Forward(arm_, moved).value();
-      // omega = 2 q' q*, with the three quaternions on the same side.
-      const auto side = [&q](const Quat& r) {
-        return q.w * r.w + q.x * r.x + q.y * r.y + q.z * r.z < 0 ? -1.0 : 1.0;
-      };
-      const auto rate = [&](double Quat::*component) {
-        return (side(after.orientation) * after.orientation.*component -
-                side(before.orientation) * before.orientation.*component) /
-               (2 * kStepRad);
-      };
-      const Quat d = {rate(&Quat::w), rate(&Quat::x), rate(&Quat::y), rate(&Quat::z)};
+      // The rotation between the two, whose angle's third power is nothing.
+      const Quat turn = SignedAs(after.orientation * Conjugate(before.orientation), {1, 0, 0, 0});
       const double expected[6] = {(after.position.x - before.position.x) / (2 * kStepRad),
                                   (after.position.y - before.position.y) / (2 * kStepRad),
                                   (after.position.z - before.position.z) / (2 * kStepRad),
-                                  2 * (d.x * q.w - d.w * q.x - d.y * q.z + d.z * q.y),
-                                  2 * (d.y * q.w - d.w * q.y - d.z * q.x + d.x * q.z),
-                                  2 * (d.z * q.w - d.w * q.z - d.x * q.y + d.y * q.x)};
+                                  turn.x / kStepRad,
+                                  turn.y / kStepRad,
+                                  turn.z / kStepRad};
       for (int row = 0; row < 6; ++row) {
         ASSERT_NEAR(jacobian.element[row][j], expected[row], 2e-10) << "row " << row << " of " << j;
       }
