@@ -25,6 +25,10 @@ function(qal_layer name)
     endforeach()
   endforeach()
 
+  # Lines are counted in the sources themselves, not in links to them.
+  if(CMAKE_CXX_FLAGS MATCHES "--coverage")
+    list(TRANSFORM layer_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/ OUTPUT_VARIABLE sources)
+  endif()
   add_library(${name} OBJECT ${sources})
   target_link_libraries(${name} PRIVATE qal_build_options)
   set_target_properties(${name} PROPERTIES POSITION_INDEPENDENT_CODE ON CXX_VISIBILITY_PRESET hidden
