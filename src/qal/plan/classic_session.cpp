@@ -18,7 +18,7 @@ namespace {
 // Writes the operations' messages into one text.
 class Words {
  public:
-  explicit Words(std::string& text) : text_(text) {}
+  const std::string& text() const { return text_; }
   void Error(std::string_view message) const { text_ += message; }
   void Line(std::string_view line) const { text_.append(line) += '\n'; }
   template <typename Number>
@@ -28,7 +28,7 @@ class Words {
   void Point(const RoadPoint& point) const { text_ += PointText(point).view(); }
 
  private:
-  std::string& text_;
+  mutable std::string text_;  // saying is const, since the console keeps nothing
 };
 
 // Whether two numbers that were worked out in different ways are the same one.
@@ -85,9 +85,9 @@ State ToState(const RoadPoint& point) {
 
 void Session::Hear(const Report& report) const {
   if (listener_) {
-    std::string text;
-    Say(report, Words(text));
-    if (!text.empty()) listener_(text);
+    const Words words;
+    Say(report, words);
+    if (!words.text().empty()) listener_(words.text());
   }
   switch (report.event) {
     case Event::kNoPose:
