@@ -40,7 +40,7 @@ ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
   }
   ExpectTableOptions(options);
   const ArmDescription arm = ReadTable(fields.Object("description"), options);
-  CheckScale(arm, path);
+  CheckScale(arm, path, options);
   return arm;
 }
 
@@ -52,7 +52,7 @@ ArmFile FromDocument(const Document& document, const std::string& path,
     ExpectTableOptions(options);
     file.kind = "table";
     file.description = ReadTable(fields, options);
-    CheckScale(*file.description, document.path);
+    CheckScale(*file.description, document.path, options);
     return file;
   }
   fields.Expect({"name", "description", "solver", "base_link", "tip_link", "cycle_s", "limits",

@@ -10,16 +10,6 @@
 
 namespace qal::io {
 
-namespace {
-
-// Whether macros are used: what xacro has made of them may still name its namespace.
-bool IsXacro(const std::string& xml) {
-  if (xml.find("xmlns:xacro") == std::string::npos) return false;
-  return xml.find("<xacro:") != std::string::npos || xml.find("${") != std::string::npos;
-}
-
-}  // namespace
-
 void ExpectUrdfOptions(const ReadOptions& options) {
   if (options.degrees) throw UsageError("--deg is for tables; a URDF's angles are radians");
 }
@@ -38,9 +28,6 @@ ArmDescription ParseDescription(const std::string& text, const std::string& path
   }
   ArmDescription arm;
   if (content == Content::kXml) {
-    if (IsXacro(text)) {
-      throw UsageError(fmt::format("{}: a xacro file; run xacro on it and give its output", path));
-    }
     ExpectUrdfOptions(options);
     arm = ReadUrdf(text, path, options);
   } else {
@@ -49,7 +36,7 @@ ArmDescription ParseDescription(const std::string& text, const std::string& path
     ExpectTableOptions(options);
     arm = ReadTable(Fields(document, "", ""), options);
   }
-  CheckScale(arm, path);
+  CheckScale(arm, path, options);
   return arm;
 }
 

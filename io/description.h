@@ -8,11 +8,10 @@
 namespace qal::io {
 
 struct ReadOptions {
-  std::string base;           ///< base link of a URDF; empty: the link that has no parent
-  std::string tip;            ///< tip link of a URDF; empty: where the chain of six joints ends
-  bool millimetres = false;   ///< lengths are written in mm
-  bool degrees = false;       ///< angles of a table are written in degrees
-  bool exact_angles = false;  ///< read an angle such as 1.5708 as the multiple of 15 degrees it is
+  std::string base;          ///< base link of a URDF; empty: the link that has no parent
+  std::string tip;           ///< tip link of a URDF; empty: where the chain of six joints ends
+  bool millimetres = false;  ///< lengths are written in mm
+  bool degrees = false;      ///< angles of a table are written in degrees
 };
 
 /// The arm that a URDF or a table of parameters (TOML, JSON) describes: a text, told by its

@@ -58,16 +58,18 @@ std::string AnglesFound(const FamilyReport& report) {
 }  // namespace
 
 std::string FamilyText(const FamilyReport& report) {
-  return fmt::format(
-      "no closed form for this arm. Not a spherical wrist: {}. Not three parallel axes: {}. Angles "
-      "between axes: {} degrees (tolerance {} rad, {} m).{}",
-      DeviationsText(report.spherical_wrist), DeviationsText(report.three_parallel_axes),
-      AnglesFound(report), kAxisAngleToleranceRad, kAxisDistanceToleranceM,
-      report.rounded_angles == 0
-          ? ""
-          : fmt::format(" Angles that look rounded, as 1.5708 does: {}; --exact-angles reads them "
-                        "as the multiples of 15 degrees that they stand for.",
-                        report.rounded_angles));
+  std::string text =
+      "no closed form for this arm; correct its axes, or give a solver made elsewhere in its place "
+      "(libik.so).";
+  for (const FamilyFit& fit : report.fits) {
+    text += fmt::format(" Not {} ({}).", FamilyName(fit.family), DeviationsText(fit.deviations));
+  }
+  return text + fmt::format(" Angles between axes: {} degrees.", AnglesFound(report));
+}
+
+std::string DeviationText(const AxisDeviation& deviation) {
+  return fmt::format("{:.3g} degrees and {:.3g} mm", Degrees(deviation.angle_rad),
+                     deviation.distance_m * 1000);
 }
 
 }  // namespace qal::io

@@ -11,6 +11,9 @@ namespace qal::io {
 /// the angles that were found.
 std::string FamilyText(const FamilyReport& report);
 
+/// "0.013 degrees and 0.099 mm"
+std::string DeviationText(const AxisDeviation& deviation);
+
 }  // namespace qal::io
 
 #endif  // QAL_IO_FAMILY_TEXT_H_

@@ -12,20 +12,22 @@ namespace qal::io {
 
 namespace {
 
-Arm ArmOf(const ArmFile& file) {
-  const ArmDescription description = file.description.value_or(ArmDescription());
+Solver SolverOf(const ArmFile& file, const ArmDescription& description, Geometry geometry) {
   if (file.solver.empty()) {
-    const Result<Arm> arm = Arm::FromDescription(description, file.settings);
-    if (arm) return *arm;
-    if (arm.error().reason == Reason::kNoClosedForm) {
-      throw Failure(fmt::format("{}: {}", file.name, FamilyText(ExamineFamilies(description))));
-    }
-    throw UsageError(fmt::format("{}: {}", file.name, ErrorText(arm.error())));
+    const Result<Solver> closed_form = Solver::ClosedForm(description, geometry);
+    if (closed_form) return *closed_form;
+    throw Failure(fmt::format("{}: {}", file.name, FamilyText(ExamineFamilies(description))));
   }
   const Result<Solver> solver = Solver::Load(file.solver);
   if (!solver) throw UsageError(fmt::format("{}: {}", file.solver, ErrorText(solver.error())));
-  const Result<Arm> arm = file.description ? Arm::FromSolver(*solver, description, file.settings)
-                                           : Arm::FromSolver(*solver, file.settings);
+  return *solver;
+}
+
+Arm ArmOf(const ArmFile& file, Geometry geometry) {
+  const ArmDescription description = file.description.value_or(ArmDescription());
+  const Solver solver = SolverOf(file, description, geometry);
+  const Result<Arm> arm = file.description ? Arm::FromSolver(solver, description, file.settings)
+                                           : Arm::FromSolver(solver, file.settings);
   if (!arm) throw UsageError(fmt::format("{}: {}", file.name, ErrorText(arm.error())));
   return *arm;
 }
@@ -48,7 +50,9 @@ auto ReadNamed(const std::optional<std::string>& option, const char* environment
 
 }  // namespace
 
-LoadedArm MakeArm(const ArmFile& file) { return {ArmOf(file), file.name, file.kind}; }
+LoadedArm MakeArm(const ArmFile& file, Geometry geometry) {
+  return {ArmOf(file, geometry), file.name, file.kind};
+}
 
 LoadedArm ReadArm(const std::string& path, const ReadOptions& options) {
   return MakeArm(ReadArmFile(path, options));

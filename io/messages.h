@@ -2,6 +2,7 @@
 #define QAL_IO_MESSAGES_H_
 
 #include <string>
+#include <vector>
 
 namespace qal::io {
 
@@ -10,6 +11,9 @@ void Note(const std::string& text);
 
 /// The text as one line to show: control characters, line ends among them, become blanks.
 std::string OneLine(std::string text);
+
+/// Names in quotes, for a message; of many the first eight and how many more there are.
+std::string NamesText(const std::vector<std::string>& names);
 
 /// Writes "WHO: TEXT" as one line to standard error.
 void SayOnError(const std::string& who, const std::string& text);

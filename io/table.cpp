@@ -66,7 +66,6 @@ class TableReader {
       fixed = after[j];
     }
     arm.tip_in_last = fixed * tip_ * FixedFrame("flange");
-    arm.rounded_angles = units_.rounded_angles();
     return arm;
   }
 
@@ -147,7 +146,7 @@ class TableReader {
   }
 
   const Fields& table_;
-  FileUnits units_;
+  const FileUnits units_;
   Transform tip_;
 };
 

@@ -12,10 +12,6 @@ namespace qal::io {
 
 using closed_form::kPi;
 
-/// The multiple of 15 degrees that a written angle [rad] stands for: 1.5708 or 1.57079 for pi / 2,
-/// rounded or cut at its last digit, four decimals at least. Any other angle is returned as it is.
-double ExactAngle(double written);
-
 /// Takes a file's numbers into metres and radians, as the options say.
 class FileUnits {
  public:
@@ -28,24 +24,20 @@ class FileUnits {
 
   /// @param where what stands before the message
   /// @throw UsageError for more than a turn, as degrees read as radians mostly are
-  double Radians(double written, const std::string& where);
-  Vec3 Radians(const Vec3& written, const std::string& where);
+  double Radians(double written, const std::string& where) const;
+  Vec3 Radians(const Vec3& written, const std::string& where) const;
 
   /// A joint limit, which may be more than a turn.
   double LimitRadians(double written) const {
     return options_.degrees ? written * kPi / 180 : written;
   }
 
-  /// How many angles looked rounded.
-  int rounded_angles() const { return rounded_angles_; }
-
  private:
   const ReadOptions& options_;
-  int rounded_angles_ = 0;
 };
 
 /// @throw UsageError when the arm is too small or too long to be one in metres
-void CheckScale(const ArmDescription& arm, const std::string& path);
+void CheckScale(const ArmDescription& arm, const std::string& path, const ReadOptions& options);
 
 }  // namespace qal::io
 

@@ -31,7 +31,7 @@ Vec3 ReadTriple(const std::string& path, const XMLElement& element, const char* 
   return {values[0], values[1], values[2]};
 }
 
-Transform ReadOrigin(const std::string& path, const UrdfJoint& joint, FileUnits& units) {
+Transform ReadOrigin(const std::string& path, const UrdfJoint& joint, const FileUnits& units) {
   Transform frame;
   const XMLElement* origin = joint.element->FirstChildElement("origin");
   if (origin == nullptr) return frame;
@@ -82,6 +82,25 @@ void ReadLimits(const std::string& path, const UrdfJoint& joint, JointDescriptio
   description.upper_rad = upper;
 }
 
+// Whether macros are used, in elements or in values. What xacro has made of them may still name its
+// namespace, and macros in comments are nobody's.
+class MacroFinder : public tinyxml2::XMLVisitor {
+ public:
+  bool VisitEnter(const XMLElement& element, const tinyxml2::XMLAttribute* attribute) override {
+    found_ = found_ || std::string(element.Name()).rfind("xacro:", 0) == 0;
+    for (; attribute != nullptr; attribute = attribute->Next()) {
+      const std::string value = attribute->Value();
+      found_ =
+          found_ || value.find("${") != std::string::npos || value.find("$(") != std::string::npos;
+    }
+    return !found_;
+  }
+  bool found() const { return found_; }
+
+ private:
+  bool found_ = false;
+};
+
 }  // namespace
 
 ArmDescription ReadUrdf(const std::string& text, const std::string& path,
@@ -90,6 +109,11 @@ ArmDescription ReadUrdf(const std::string& text, const std::string& path,
   if (document.Parse(text.data(), text.size()) != tinyxml2::XML_SUCCESS) {
     throw UsageError(fmt::format("{}, line {}: not well-formed XML ({})", path,
                                  document.ErrorLineNum(), document.ErrorName()));
+  }
+  MacroFinder macros;
+  (void)document.Accept(&macros);
+  if (macros.found()) {
+    throw UsageError(fmt::format("{}: a xacro file; run xacro on it and give its output", path));
   }
   const XMLElement* robot = document.RootElement();
   if (robot == nullptr || std::string(robot->Name()) != "robot") {
@@ -102,7 +126,7 @@ ArmDescription ReadUrdf(const std::string& text, const std::string& path,
   arm.base = tree.Base(options.base);
   arm.tip = tree.Tip(options.tip, arm.base);
 
-  FileUnits units(options);
+  const FileUnits units(options);
   size_t count = 0;
   Transform frame;
   for (const UrdfJoint* joint : tree.Chain(arm.base, arm.tip)) {
@@ -116,7 +140,6 @@ ArmDescription ReadUrdf(const std::string& text, const std::string& path,
     frame = {};
   }
   arm.tip_in_last = frame;
-  arm.rounded_angles = units.rounded_angles();
   return arm;
 }
 

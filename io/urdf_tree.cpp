@@ -1,11 +1,11 @@
 #include "urdf_tree.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 
 #include "error.h"
+#include "messages.h"
 
 namespace qal::io {
 
@@ -14,10 +14,6 @@ namespace {
 using tinyxml2::XMLElement;
 
 constexpr size_t kJoints = 6;
-
-std::string Quoted(const std::vector<std::string>& names) {
-  return fmt::format("'{}'", fmt::join(names, "', '"));
-}
 
 // Whether something behind the arm's joints moves otherwise than by turning: a gripper.
 bool IsGripper(const UrdfChain& chain) {
@@ -106,7 +102,7 @@ std::string UrdfTree::Base(const std::string& name) const {
   }
   if (roots.size() > 1) {
     throw UsageError(fmt::format("{}: {} links have no parent; --base names one of {}", path_,
-                                 roots.size(), Quoted(roots)));
+                                 roots.size(), NamesText(roots)));
   }
   return roots[0];
 }
@@ -153,7 +149,7 @@ std::string UrdfTree::Tip(const std::string& name, const std::string& base) cons
     if (found != turning.end() && found->second == kJoints) return usual;
   }
   throw UsageError(fmt::format("{}: the chain from '{}' has {} ends; --tip names one of {}", path_,
-                               base, ends.size(), Quoted(ends)));
+                               base, ends.size(), NamesText(ends)));
 }
 
 UrdfChain UrdfTree::Chain(const std::string& base, const std::string& tip) const {
@@ -175,7 +171,7 @@ UrdfChain UrdfTree::Chain(const std::string& base, const std::string& tip) const
   if (names.size() != kJoints) {
     throw UsageError(fmt::format("{}: {} joints turn from '{}' to '{}'; six are expected{}", path_,
                                  names.size(), base, tip,
-                                 names.empty() ? "" : ", not " + Quoted(names)));
+                                 names.empty() ? "" : ", not " + NamesText(names)));
   }
   return chain;
 }

@@ -40,7 +40,8 @@ constexpr closed_form::SphericalWristArm kArm = {
      /*tool*/ {{{{0, 0, 1}}, {{0, 1, 0}}, {{-1, 0, 0}}}},
      /*centre_in_tool*/ {{0, 0, -kFlangeM}},
      /*direction*/ {1, 1, 1, 1, 1, 1},
-     /*zero*/ {0, 0, -kForearmLeanRad, 0, 0, 0}},
+     /*zero*/ {0, 0, -kForearmLeanRad, 0, 0, 0},
+     /*slack*/ 0},
     /*lean*/ {-kForearmM / kForearmLineM, kElbowOffsetM / kForearmLineM},
     /*skew*/ {0, 1}};
 

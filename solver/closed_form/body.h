@@ -28,6 +28,9 @@ struct Body {
   Vector<double> centre_in_tool;  ///< the wrist's centre in the tool frame
   double direction[6];            ///< 1, or -1 for a joint that counts against its model angle
   double zero[6];                 ///< model angles with all joints at zero [rad], in (-pi, pi]
+  /// How far past the rim of what is reached a target still counts as on it: 0, or what the arm
+  /// may be off its model [m].
+  double slack;
 };
 
 /// Sines and cosines of the model angles of six joints [rad].

@@ -14,7 +14,8 @@ struct Elbow {
 
 /// Model angles 2 and 3 that take the forearm's end `x`, `z` away from axis 2: model angle 3
 /// positive, then negative. With the end on axis 2 itself every angle 2 does, and 0 is taken.
-inline void SolveElbow(const Body& body, const Shoulder& shoulder, Lanes x, Lanes z,
+/// @param slack how far past the rim the end still counts as on it, besides rounding
+inline void SolveElbow(const Body& body, const Shoulder& shoulder, Lanes x, Lanes z, Lanes slack,
                        Elbow (&elbows)[2]) {
   const double outer = body.upper_arm + body.forearm;
   const double inner = std::fabs(body.upper_arm - body.forearm);
@@ -22,8 +23,9 @@ inline void SolveElbow(const Body& body, const Shoulder& shoulder, Lanes x, Lane
   const Mask stretched = distance2 >= outer * (outer - 2 * shoulder.rounding);
   const Mask on_axis2 = distance2 <= shoulder.rounding * shoulder.rounding;
   const Mask folded = on_axis2 | (distance2 <= inner * (inner + 2 * shoulder.rounding));
-  const Mask reached = (distance2 <= outer * (outer + 2 * shoulder.rounding)) &
-                       (distance2 >= inner * (inner - 2 * shoulder.rounding));
+  const Lanes past = shoulder.rounding + slack;
+  const Mask reached =
+      (distance2 <= outer * (outer + 2 * past)) & (distance2 >= inner * (inner - 2 * past));
 
   // Law of cosines, as 1 + cosine and 1 - cosine: neither loses its digits near its rim.
   const double per_product = 1 / (2 * body.upper_arm * body.forearm);

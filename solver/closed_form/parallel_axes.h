@@ -127,6 +127,9 @@ inline Solutions SolveFromShoulder(const ParallelAxesArm& arm, const Shoulder& s
   // With axis 6 parallel to axes 2 to 4 every pitch does, and the one with model angle 6 at zero is
   // taken, or one within reach.
   const SinCos<Lanes> first = Wrist<1>::First(flange, bend, {flange[0][2], flange[2][2]});
+  // The less the wrist is bent the more the pitch may be off, and with it the forearm's end.
+  constexpr double kLeastBend = 1e-3;
+  const Lanes slack = shoulder.slack / (bend > kLeastBend ? bend : kLeastBend * kOne);
   const SinCos<Lanes> pitch = PitchWithinReach(arm, shoulder, bend, first);
   const Wrist<1> wrist = Wrist<1>::Solve(flange, pitch);
   Branch branches[4];
@@ -134,7 +137,7 @@ inline Solutions SolveFromShoulder(const ParallelAxesArm& arm, const Shoulder& s
     const Wrist<1> w = flip ? wrist.Flipped() : wrist;
     const WristOffset<Lanes> offset(arm, flip ? Opposite(pitch) : pitch);
     Elbow elbows[2];
-    SolveElbow(arm.body, shoulder, shoulder.x - offset.x, shoulder.z - offset.z, elbows);
+    SolveElbow(arm.body, shoulder, shoulder.x - offset.x, shoulder.z - offset.z, slack, elbows);
     for (int i = 0; i < 2; ++i) {
       const Elbow& elbow = elbows[i];
       const Lanes angle4 = WrapAngle(w.first - WrapAngle(elbow.angle2 + elbow.angle3));

@@ -19,6 +19,7 @@ struct Shoulder {
                     ///< of, where nothing is, nor on its surface, where the two are one
   double rounding;  ///< what rounding may have done to the wrist's centre
   double indeterminacy;  ///< how much more or less angle 1 may be, for that reason [rad]
+  double slack;  ///< the body's, as far as it may move the wrist's centre in the arm's plane
 };
 
 /// With the wrist's centre on axis 1 every angle 1 does, and 0 and pi are taken.
@@ -46,8 +47,13 @@ inline Shoulder SolveShoulder(const Body& body, const Frame& target) {
     const double forward_slack = slack2 / (forward[0] + std::sqrt(slack2) + rounding);
     indeterminacy = (rounding * std::sqrt(radius2) + forward_slack * std::fabs(lateral)) / radius2;
   }
+  // Near the cylinder's surface what is off around the radius counts for more along it.
+  constexpr double kMostSteep = 0.01;
+  const double radius = std::sqrt(radius2);
+  const double slack =
+      body.slack == 0 ? 0 : body.slack * radius / std::fmax(forward[0], kMostSteep * radius);
   // Written so that NaN fails. The two are one when less than 2e-8 rad apart.
-  const bool reached = forward2 >= -slack2;
+  const bool reached = forward2 >= -(slack2 + 2 * body.slack * std::fabs(lateral));
   const bool two = forward[0] >= 1e-8 * std::fabs(lateral);
   return {Atan2(angle1),
           forward - body.shoulder,
@@ -55,7 +61,8 @@ inline Shoulder SolveShoulder(const Body& body, const Frame& target) {
           Rotated<2>(Inverse(angle1), to_arm * target.rotation * Transposed(body.tool)),
           Mask{-reached, -(reached && two)},
           rounding,
-          indeterminacy};
+          indeterminacy,
+          slack};
 }
 
 /// The same with angles 1 more by `angle`, which is within the indeterminacy.

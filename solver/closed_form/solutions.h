@@ -16,9 +16,16 @@ struct Branch {
 
 using Joints = std::array<double, 6>;
 
-/// Up to eight solutions: joints [rad], each in (-pi, pi].
+/// Up to sixteen solutions, as many as six joints may have: joints [rad], each in (-pi, pi].
 class Solutions {
  public:
+  static constexpr size_t kMost = 16;
+
+  /// Adds one solution, while there is room.
+  void Add(const Joints& joints) {
+    if (count_ < kMost) joints_[count_++] = joints;
+  }
+
   /// Adds what is reached of four branches: those of the first shoulder, then of the second.
   void Add(const Body& body, const Branch (&branches)[4]) {
     Lanes joints[4][6];
@@ -41,7 +48,7 @@ class Solutions {
   const Joints* end() const { return joints_.data() + count_; }
 
  private:
-  std::array<Joints, 8> joints_;
+  std::array<Joints, kMost> joints_;
   size_t count_ = 0;
 };
 

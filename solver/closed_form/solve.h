@@ -31,6 +31,13 @@ Solutions Solve(const Arm& arm, const Frame& target) {
   return solutions;
 }
 
+/// The ways to reach `target` for an arm that is only near the family: where a slack lets a target
+/// count as on the rim, with the joints of the rim.
+template <class Arm>
+Solutions SeedsOf(const Arm& arm, const Frame& target) {
+  return SolveFromShoulder(arm, SolveShoulder(arm.body, target));
+}
+
 /// All joints for a target as the solver interface has it: three coordinates, nine matrix elements
 /// by rows. None for a matrix that is no rotation.
 template <class Arm>

@@ -33,7 +33,7 @@ inline Lanes TrialRotation(const SphericalWristArm& /*arm*/, const Shoulder& sho
 /// positive, then negative; wrist angle 5 (of the model) positive, then negative.
 inline Solutions SolveFromShoulder(const SphericalWristArm& arm, const Shoulder& shoulder) {
   Elbow elbows[2];
-  SolveElbow(arm.body, shoulder, shoulder.x, shoulder.z, elbows);
+  SolveElbow(arm.body, shoulder, shoulder.x, shoulder.z, shoulder.slack * kOne, elbows);
   Branch branches[4];
   for (int i = 0; i < 2; ++i) {
     const Elbow& elbow = elbows[i];

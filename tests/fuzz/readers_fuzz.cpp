@@ -48,7 +48,7 @@ void CheckTrajectory(const std::string& text, Read read, Write write) {
 }
 
 void CheckArm(const qal::ArmDescription& arm) {
-  CheckScale(arm, "file");
+  CheckScale(arm, "file", {});
   const qal::Vec3 tip = TipFrame(arm, {}).position;
   Require(std::isfinite(tip.x + tip.y + tip.z), "a tip that isn't finite");
 }

@@ -6,22 +6,12 @@
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
 #include "../solver/urdf_chain.h"
+#include "frame_difference.h"
 
 namespace qal {
 namespace {
 
 using closed_form::Solutions;
-
-double FrameDifference(const Frame& a, const Frame& b) {
-  double largest = 0;
-  for (int i = 0; i < 3; ++i) {
-    largest = std::max(largest, std::fabs(a.position[i] - b.position[i]));
-    for (int j = 0; j < 3; ++j) {
-      largest = std::max(largest, std::fabs(a.rotation[i][j] - b.rotation[i][j]));
-    }
-  }
-  return largest;
-}
 
 class EveryArm : public testing::TestWithParam<const char*> {
  protected:
@@ -47,13 +37,14 @@ class EveryArm : public testing::TestWithParam<const char*> {
 
   RandomJoints random_{2.967059678};
   const ArmDescription arm_ = Describe(GetParam());
-  const Model model_ = MakeModel(arm_).value();
+  const FittedModel fitted_ = MakeModel(arm_).value();
+  const Model& model_ = fitted_.model;
 };
 
 // Wrist (model angle 5) and elbow (model angle 3), alone and together, on the spot and 1e-16 to
 // 1e-4 rad from it; the other joints anywhere or at right angles. ikcheck finds the shoulder's.
 TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
-  const closed_form::Body& body = BodyOf(model_);
+  const closed_form::Body& body = BodyOf(fitted_.member);
   const auto put = [&](Joints& q, size_t j, double angle) {
     q[j] = body.direction[j] * (angle - body.zero[j]);
   };
@@ -106,7 +97,7 @@ INSTANTIATE_TEST_SUITE_P(Arms, EveryArm, testing::ValuesIn(kArmFiles), ArmName);
 // Everything at once: the wrist's centre on axis 1 and on axis 2, axis 6 along axis 4 or axis 2.
 TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
   closed_form::SphericalWristArm spherical = {};
-  spherical.body = {kIdentity, 0, 0, 0.5, 0.5, kIdentity.rotation, {}, {1, 1, 1, 1, 1, 1}, {}};
+  spherical.body = {kIdentity, 0, 0, 0.5, 0.5, kIdentity.rotation, {}, {1, 1, 1, 1, 1, 1}, {}, 0};
   spherical.lean = spherical.skew = {0, 1};
   const closed_form::ParallelAxesArm parallel = {spherical.body, 0, 0};
   const auto expect_reached = [](const auto& arm) {

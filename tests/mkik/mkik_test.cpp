@@ -74,7 +74,8 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
       {kMkik + "skew.urdf", 2, "skew.urdf: no joints behind 'a  b'"},  // an escape, a line end
       {kMkik + reference + " --deg", 2, "--deg is for tables; a URDF's angles are radians"},
       {kMkik + reference + " --mm", 2,
-       reference + ": the arm is 0.001247 m long; 0.05 to 20 m are expected"},
+       reference + ": the arm is 0.001247 m long; 0.05 to 20 m are expected (without --mm lengths "
+                   "are metres)"},
       {kMkik + kArms + "carrying_parallel.toml --tip tool1", 2,
        "--base and --tip are for URDFs; a table has no links"},
       {"CXX=no-compiler " + kMkik + reference + " -o libik.so", 1,

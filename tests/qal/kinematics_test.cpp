@@ -12,7 +12,8 @@ namespace {
 class Kinematics : public testing::TestWithParam<const char*> {
  protected:
   const ArmDescription description_ = Describe(GetParam());
-  const Model model_ = MakeModel(description_).value();
+  const FittedModel fitted_ = MakeModel(description_).value();
+  const Model& model_ = fitted_.model;
   // Within a turn whatever the description's limits: joints are drawn from there.
   static ArmSettings Turning() {
     ArmSettings settings;
@@ -100,7 +101,7 @@ double Folded(double angle) { return std::fabs(std::remainder(angle, kPi)); }
 // model angle 5, the forearm leaves the upper arm with model angle 3, and the wrist's centre is
 // x forward of axis 1. At random joints, and on the spot of each singularity.
 TEST_P(Kinematics, MeasuresHowFarItsSingularitiesAre) {
-  const closed_form::Body& body = BodyOf(model_);
+  const closed_form::Body& body = BodyOf(fitted_.member);
   RandomJoints random(3);
   for (int i = 0; i < 400; ++i) {
     Joints joints = random();

@@ -17,14 +17,11 @@ inline void AddLinkOptions(CLI::App& app, io::ReadOptions& options) {
       ->type_name("LINK");
 }
 
-/// Adds the options that say how a description is to be read: those above, --mm, --deg and
-/// --exact-angles.
+/// Adds the options that say how a description is to be read: those above, --mm and --deg.
 inline void AddReadOptions(CLI::App& app, io::ReadOptions& options) {
   AddLinkOptions(app, options);
   app.add_flag("--mm", options.millimetres, "the description's lengths are in mm, not m");
   app.add_flag("--deg", options.degrees, "a table's angles are in degrees, not rad");
-  app.add_flag("--exact-angles", options.exact_angles,
-               "read angles such as 1.5708 as the multiples of 15 degrees that they stand for");
 }
 
 }  // namespace qal::tools

@@ -25,6 +25,7 @@ struct Arguments {
   std::optional<std::string> arm;
   std::string output;
   std::string source;
+  bool nominal = false;
   bool json = false;
   ReadOptions read;
 };
@@ -34,10 +35,14 @@ std::optional<ArmFile> FileOf(const Arguments& arguments) {
                         ArmOfEnvironment(), arguments.read);
 }
 
+qal::Geometry GeometryOf(const Arguments& arguments) {
+  return arguments.nominal ? qal::Geometry::kNominal : qal::Geometry::kDescribed;
+}
+
 // The arm with its closed form: a solver that its file names is what is to be made.
-LoadedArm ClosedFormArm(ArmFile file) {
+LoadedArm ClosedFormArm(ArmFile file, const Arguments& arguments) {
   file.solver.clear();
-  return MakeArm(file);
+  return MakeArm(file, GeometryOf(arguments));
 }
 
 void Run(const Arguments& arguments) {
@@ -46,29 +51,29 @@ void Run(const Arguments& arguments) {
     throw UsageError("no arm; its description is expected as ARM, by --arm or in QAL_ARM");
   }
   const qal::ArmDescription description = DescriptionIn(*file);
-  const LoadedArm arm = ClosedFormArm(*file);
-  const qal::Model model = MakeModel(description).value();
+  const LoadedArm arm = ClosedFormArm(*file, arguments);
+  const qal::FittedModel fitted = MakeModel(description, GeometryOf(arguments)).value();
   Verification verification;
   try {
-    verification = Verify(description, model);
+    verification = Verify(description, fitted);
   } catch (const Failure& failure) {
     throw Failure(fmt::format("{}: {}", file->name, failure.what()));
   }
-  const std::string source = SolverSource(description, model);
+  const std::string source = SolverSource(description, fitted);
   if (!arguments.source.empty()) WriteFile(arguments.source, source);
   if (std::filesystem::path(arguments.output).extension() == ".cpp") {
     WriteFile(arguments.output, source);
   } else if (!arguments.output.empty()) {
     BuildLibrary(source, SolverExports(), arguments.output);
   }
-  WriteStandardOutput(arguments.json ? SummaryJson(arm, description, model, verification)
-                                     : SummaryText(arm, description, model, verification));
+  WriteStandardOutput(arguments.json ? SummaryJson(arm, description, fitted, verification)
+                                     : SummaryText(arm, description, fitted, verification));
 }
 
 std::string Version(const Arguments& arguments) {
   const std::optional<ArmFile> file = FileOf(arguments);
   return fmt::format("mkik {}\narm: {}\ncompiler: {}", QAL_VERSION,
-                     file ? ArmHeading(ClosedFormArm(*file)) : "none named",
+                     file ? ArmHeading(ClosedFormArm(*file, arguments)) : "none named",
                      fmt::join(CompilerCommand(), " "));
 }
 
@@ -90,6 +95,8 @@ void Describe(CLI::App& app, Arguments& arguments) {
       ->type_name("FILE");
   app.add_option("--source", arguments.source, "also write the solver as one C++ file")
       ->type_name("FILE");
+  app.add_flag("--nominal", arguments.nominal,
+               "make the nearest member of the arm's family, not the arm as it is described");
   AddReadOptions(app, arguments.read);
   app.add_flag("--json", arguments.json, "JSON instead of the table");
   app.set_version_flag(

@@ -15,6 +15,9 @@ extern const char kElbowText[];
 extern const char kWristText[];
 extern const char kSphericalWristText[];
 extern const char kParallelAxesText[];
+extern const char kChainText[];
+extern const char kNewtonText[];
+extern const char kPolishedText[];
 extern const char kEntryPointsText[];
 extern const char kExportsText[];
 

@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <sstream>
+#include <vector>
 
 #include "../../io/numbers.h"
 #include "solver_texts.h"
@@ -15,7 +16,11 @@ using namespace io;
 namespace {
 
 using closed_form::Body;
+using closed_form::Chain;
+using closed_form::Frame;
+using closed_form::Link;
 using closed_form::ParallelAxesArm;
+using closed_form::PolishedArm;
 using closed_form::SinCos;
 using closed_form::SphericalWristArm;
 
@@ -39,10 +44,13 @@ std::string Text(const SinCos<double>& angle) {
   return fmt::format("{{{}, {}}}", Text(angle.sine), Text(angle.cosine));
 }
 
+std::string Text(const Frame& frame) {
+  return fmt::format("{{{},\n               {}}}", Text(frame.rotation), Text(frame.position));
+}
+
 std::string Text(const Body& body) {
   return fmt::format(
-      "    {{/*base*/ {{{},\n"
-      "               {}}},\n"
+      "    {{/*base*/ {},\n"
       "     /*shoulder*/ {},\n"
       "     /*lateral*/ {},\n"
       "     /*upper_arm*/ {},\n"
@@ -50,26 +58,68 @@ std::string Text(const Body& body) {
       "     /*tool*/ {},\n"
       "     /*centre_in_tool*/ {},\n"
       "     /*direction*/ {},\n"
-      "     /*zero*/ {}}},\n",
-      Text(body.base.rotation), Text(body.base.position), Text(body.shoulder), Text(body.lateral),
-      Text(body.upper_arm), Text(body.forearm), Text(body.tool), Text(body.centre_in_tool),
-      Text(body.direction), Text(body.zero));
+      "     /*zero*/ {},\n"
+      "     /*slack*/ {}}},\n",
+      Text(body.base), Text(body.shoulder), Text(body.lateral), Text(body.upper_arm),
+      Text(body.forearm), Text(body.tool), Text(body.centre_in_tool), Text(body.direction),
+      Text(body.zero), Text(body.slack));
 }
 
-std::string Constant(const SphericalWristArm& arm) {
+std::string Text(const Chain& chain) {
+  std::string links;
+  for (const Link& link : chain.links) {
+    links += fmt::format("{}{{{}, {}, {}}}", links.empty() ? "{" : ",\n               ",
+                         Text(link.zero), Text(link.twist), Text(link.offset));
+  }
   return fmt::format(
-      "constexpr qal::closed_form::SphericalWristArm kArm = {{\n{}"
+      "    {{/*base*/ {},\n"
+      "     /*links*/ {}}},\n"
+      "     /*tool*/ {}}},\n",
+      Text(chain.base), links, Text(chain.tool));
+}
+
+const char* TypeOf(const SphericalWristArm& /*arm*/) { return "SphericalWristArm"; }
+const char* TypeOf(const ParallelAxesArm& /*arm*/) { return "ParallelAxesArm"; }
+template <class Member>
+std::string TypeOf(const PolishedArm<Member>& arm) {
+  return fmt::format("PolishedArm<qal::closed_form::{}>", TypeOf(arm.member));
+}
+
+std::string Text(const SphericalWristArm& arm) {
+  return fmt::format(
+      "{{\n{}"
       "    /*lean*/ {},\n"
-      "    /*skew*/ {}}};\n",
+      "    /*skew*/ {}}}",
       Text(arm.body), Text(arm.lean), Text(arm.skew));
 }
 
-std::string Constant(const ParallelAxesArm& arm) {
+std::string Text(const ParallelAxesArm& arm) {
   return fmt::format(
-      "constexpr qal::closed_form::ParallelAxesArm kArm = {{\n{}"
+      "{{\n{}"
       "    /*wrist_offset_x*/ {},\n"
-      "    /*wrist_offset_z*/ {}}};\n",
+      "    /*wrist_offset_z*/ {}}}",
       Text(arm.body), Text(arm.wrist_offset_x), Text(arm.wrist_offset_z));
+}
+
+template <class Member>
+std::string Text(const PolishedArm<Member>& arm) {
+  return fmt::format(
+      "{{\n    /*member*/ {},\n{}"
+      "    /*apart_m*/ {},\n"
+      "    /*apart*/ {}}}",
+      Text(arm.member), Text(arm.chain), Text(arm.apart_m), Text(arm.apart));
+}
+
+// The headers that an arm's type takes.
+std::vector<const char*> FamilyTexts(const SphericalWristArm& /*arm*/) {
+  return {kSphericalWristText};
+}
+std::vector<const char*> FamilyTexts(const ParallelAxesArm& /*arm*/) { return {kParallelAxesText}; }
+template <class Member>
+std::vector<const char*> FamilyTexts(const PolishedArm<Member>& arm) {
+  std::vector<const char*> texts = {kChainText, kNewtonText, kPolishedText};
+  for (const char* text : FamilyTexts(arm.member)) texts.push_back(text);
+  return texts;
 }
 
 // A file that is part of another one: without includes of the files that stand before it.
@@ -89,7 +139,7 @@ std::string InComment(const std::string& name) {
   return text;
 }
 
-std::string Heading(const ArmDescription& arm, const Model& model) {
+std::string Heading(const ArmDescription& arm, const FittedModel& fitted) {
   std::string text = fmt::format(
       "// Closed-form solver of the arm '{}', from '{}' to '{}': {}.\n"
       "// Written by mkik; change the arm's description and run it again. To build it elsewhere,\n"
@@ -101,7 +151,7 @@ std::string Heading(const ArmDescription& arm, const Model& model) {
       "// Joints as described [rad]. The solver doesn't look at limits: it lists every solution "
       "in\n"
       "// (-pi, pi], and who calls it chooses.\n",
-      InComment(arm.name), InComment(arm.base), InComment(arm.tip), FamilyName(model));
+      InComment(arm.name), InComment(arm.base), InComment(arm.tip), FamilyName(fitted.family));
   for (size_t j = 0; j < arm.joints.size(); ++j) {
     const JointDescription& joint = arm.joints[j];
     text +=
@@ -117,19 +167,23 @@ std::string Heading(const ArmDescription& arm, const Model& model) {
 
 std::string SolverExports() { return kExportsText; }
 
-std::string SolverSource(const ArmDescription& arm, const Model& model) {
-  const bool spherical = std::holds_alternative<SphericalWristArm>(model);
-  const std::string constant = std::visit([](const auto& a) { return Constant(a); }, model);
-  std::string source = Heading(arm, model);
-  for (const char* text :
-       {kIkfastText, kAnglesText, kGeometryText, kBodyText, kShoulderText, kSolutionsText,
-        kSolveText, kElbowText, kWristText, spherical ? kSphericalWristText : kParallelAxesText}) {
-    source += '\n' + Inlined(text);
-  }
+std::string SolverSource(const ArmDescription& arm, const FittedModel& fitted) {
+  std::string source = Heading(arm, fitted);
+  std::vector<const char*> texts = {kIkfastText, kAnglesText,   kGeometryText,
+                                    kBodyText,   kShoulderText, kSolutionsText,
+                                    kSolveText,  kElbowText,    kWristText};
+  std::string constant;
+  std::visit(
+      [&](const auto& a) {
+        for (const char* text : FamilyTexts(a)) texts.push_back(text);
+        constant = fmt::format("constexpr qal::closed_form::{} kArm = {};\n", TypeOf(a), Text(a));
+      },
+      fitted.model);
+  for (const char* text : texts) source += '\n' + Inlined(text);
   source += fmt::format(
       "\nnamespace {{\n\n{}\nconstexpr char kGeometryHash[] = \"{}\";\n\n"
       "}}  // namespace\n\n{}\n/* exports.map:\n{}*/\n",
-      constant, HashOf(model), Inlined(kEntryPointsText),
+      constant, HashOf(fitted.model), Inlined(kEntryPointsText),
       // The map's own comment would end this one.
       SolverExports().substr(SolverExports().find('{')));
   return source;

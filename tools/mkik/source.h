@@ -9,7 +9,7 @@ namespace qal::tools {
 
 /// The solver as one C++17 file that needs nothing but the standard library: the solving code, the
 /// arm's geometry as constants, and the entry points.
-std::string SolverSource(const ArmDescription& arm, const Model& model);
+std::string SolverSource(const ArmDescription& arm, const FittedModel& fitted);
 
 /// The linker's version script for it: the entry points are exported, and nothing else.
 std::string SolverExports();

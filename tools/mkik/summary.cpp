@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "../../io/family_text.h"
 #include "../../io/messages.h"
 #include "../../src/qal/model/family.h"
 #include "../../src/qal/model/frames.h"
@@ -18,14 +19,14 @@ namespace {
 using nlohmann::ordered_json;
 
 // Lengths by name [m].
-std::vector<std::pair<std::string, double>> LengthsOf(const Model& model) {
-  const closed_form::Body& body = BodyOf(model);
+std::vector<std::pair<std::string, double>> LengthsOf(const Member& member) {
+  const closed_form::Body& body = BodyOf(member);
   std::vector<std::pair<std::string, double>> lengths = {{"shoulder", body.shoulder},
                                                          {"lateral", body.lateral},
                                                          {"upper_arm", body.upper_arm},
                                                          {"forearm", body.forearm}};
   double reach = body.upper_arm + body.forearm;
-  if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&model)) {
+  if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&member)) {
     const double offset = std::hypot(arm->wrist_offset_x, arm->wrist_offset_z);
     lengths.emplace_back("wrist_offset", offset);
     reach += offset;
@@ -49,17 +50,41 @@ std::string LimitText(const std::optional<double>& rad) {
   return rad ? fmt::format("{:.6g}", *rad) : "none";
 }
 
+// The family, how far off it the axes are, and which arm the solver is then of.
+std::string NearnessText(const FittedModel& fitted, const Verification& verification) {
+  const TipDifference& tip = verification.difference;
+  const char* const solved = fitted.exact      ? "the same arm"
+                             : fitted.polished ? "solved as described, each solution polished"
+                                               : "solved as that member (--nominal)";
+  return fmt::format(
+      "  {}: axes within {} of the nearest member,\n"
+      "  its tip within {} of the described one; {}\n",
+      FamilyName(fitted.family), io::DeviationText(fitted.deviation),
+      io::DeviationText(AxisDeviation{tip.angle_rad, tip.position_m}), solved);
+}
+
+std::string CheckText(const Verification& verification) {
+  const std::string found =
+      verification.missed == 0
+          ? "each solved and found again"
+          : fmt::format("each solved, {} not found again (singularities)", verification.missed);
+  return fmt::format(
+      "  checked with {} random joint sets: {}, forward kinematics within "
+      "{:.1e}, solutions within {:.1e} (metres and matrix elements)\n",
+      verification.joint_sets, found, verification.forward, verification.solutions);
+}
+
 }  // namespace
 
 std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& description,
-                        const Model& model, const Verification& verification) {
+                        const FittedModel& fitted, const Verification& verification) {
   std::string text =
       io::ArmHeading(arm) + '\n' +
       io::OneLine(fmt::format("  from '{}' to '{}'", description.base, description.tip)) + '\n';
-  for (const auto& [name, metres] : LengthsOf(model)) {
+  for (const auto& [name, metres] : LengthsOf(fitted.member)) {
     text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
   }
-  const closed_form::Body& body = BodyOf(model);
+  const closed_form::Body& body = BodyOf(fitted.member);
   text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
                       "lower_rad", "upper_rad");
   for (size_t j = 0; j < description.joints.size(); ++j) {
@@ -67,19 +92,15 @@ std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& descript
     text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, body.direction[j],
                         body.zero[j], LimitText(joint.lower_rad), LimitText(joint.upper_rad));
   }
-  text += fmt::format(
-      "  checked with {} random joint sets: each solved and found again, forward kinematics within "
-      "{:.1e}, solutions within {:.1e} (metres and matrix elements)\n",
-      verification.joint_sets, verification.forward, verification.solutions);
-  return text;
+  return text + NearnessText(fitted, verification) + CheckText(verification);
 }
 
 std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& description,
-                        const Model& model, const Verification& verification) {
+                        const FittedModel& fitted, const Verification& verification) {
   ordered_json json = {
       {"arm", io::ArmJson(arm)}, {"base", description.base}, {"tip", description.tip}};
-  for (const auto& [name, metres] : LengthsOf(model)) json["lengths_m"][name] = metres;
-  const closed_form::Body& body = BodyOf(model);
+  for (const auto& [name, metres] : LengthsOf(fitted.member)) json["lengths_m"][name] = metres;
+  const closed_form::Body& body = BodyOf(fitted.member);
   for (size_t j = 0; j < description.joints.size(); ++j) {
     const JointDescription& joint = description.joints[j];
     json["joints"].push_back(
@@ -89,9 +110,13 @@ std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& descript
          {"lower_rad", joint.lower_rad ? ordered_json(*joint.lower_rad) : nullptr},
          {"upper_rad", joint.upper_rad ? ordered_json(*joint.upper_rad) : nullptr}});
   }
-  json["tolerances"] = {{"axis_angle_rad", kAxisAngleToleranceRad},
-                        {"axis_distance_m", kAxisDistanceToleranceM}};
+  json["nearest_member"] = {{"axis_angle_rad", fitted.deviation.angle_rad},
+                            {"axis_distance_m", fitted.deviation.distance_m},
+                            {"tip_angle_rad", verification.difference.angle_rad},
+                            {"tip_distance_m", verification.difference.position_m}};
+  json["geometry"] = fitted.exact || fitted.polished ? "described" : "nominal";
   json["check"] = {{"joint_sets", verification.joint_sets},
+                   {"missed", verification.missed},
                    {"forward", verification.forward},
                    {"solutions", verification.solutions}};
   // Names come from the file as they are; what is no UTF-8 in them is replaced.

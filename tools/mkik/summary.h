@@ -12,11 +12,11 @@ namespace qal::tools {
 /// What was found, in lines to read.
 /// @param arm the described arm with its closed form
 std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& description,
-                        const Model& model, const Verification& verification);
+                        const FittedModel& fitted, const Verification& verification);
 
 /// The same as JSON, for programs: lengths in metres, angles in radians.
 std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& description,
-                        const Model& model, const Verification& verification);
+                        const FittedModel& fitted, const Verification& verification);
 
 }  // namespace qal::tools
 

@@ -7,15 +7,18 @@ namespace qal::tools {
 
 /// How far a model was from its arm at the most, in metres or as a matrix element.
 struct Verification {
-  int joint_sets;    ///< random ones, within +-170 degrees
-  double forward;    ///< the model's forward kinematics from the described transforms
-  double solutions;  ///< the solutions' tip frames from the target's
+  int joint_sets;            ///< random ones, within +-170 degrees
+  double forward;            ///< the model's forward kinematics from the described transforms
+  double solutions;          ///< the solutions' tip frames from the target's
+  int missed;                ///< joint sets that were not among the solutions of their pose
+  TipDifference difference;  ///< of the family's nearest member from the described arm
 };
 
-/// Checks a model against the arm that it was made of, both ways.
-/// @throw Failure when a difference exceeds 1e-9, a pose stays unsolved, or the joints that it came
-///        from are not among the solutions
-Verification Verify(const ArmDescription& arm, const Model& model);
+/// Checks a model, both ways, against the arm that it was made of; the nearest member in its place
+/// against itself.
+/// @throw Failure when a difference exceeds 1e-9, or the joints that a pose came from are not among
+///        its solutions: more than 10 times where solutions are polished, else once
+Verification Verify(const ArmDescription& arm, const FittedModel& fitted);
 
 }  // namespace qal::tools
 

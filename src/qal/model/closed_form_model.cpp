@@ -2,229 +2,87 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
+#include <random>
 
-#include "family.h"
-#include "lines.h"
+#include "described_chain.h"
+#include "nearest_member.h"
 
 namespace qal {
 
 namespace {
 
-using closed_form::Body;
-using closed_form::ParallelAxesArm;
+using closed_form::PolishedArm;
 using closed_form::SinCos;
-using closed_form::SphericalWristArm;
-using closed_form::Transposed;
 
-// Numbers within rounding of a plain one become that one. What this leaves out is far below what
-// the solutions may be off.
-constexpr double kTidy = 1e-13;
+// Where member and described arm differ by less nothing is left to polish.
+constexpr double kExact = 1e-12;
 
-// A length of not more than ten decimals.
-double Tidy(double length) {
-  const double plain = std::round(length * 1e10) / 1e10;
-  return std::fabs(length - plain) < kTidy ? plain + 0.0 : length;
+// The angle of the rotation from one to the other.
+double AngleBetween(const Matrix3& a, const Matrix3& b) {
+  const Matrix3 rotation = Transposed(a) * b;
+  const Vector3 twice_sine = {{rotation[2][1] - rotation[1][2], rotation[0][2] - rotation[2][0],
+                               rotation[1][0] - rotation[0][1]}};
+  const double twice_cosine = rotation[0][0] + rotation[1][1] + rotation[2][2] - 1;
+  return std::atan2(Length(twice_sine), twice_cosine);
 }
 
-// A multiple of 15 degrees.
-double TidyAngle(double angle) {
-  const double plain = std::round(angle / (kPi / 12)) * kPi / 12;
-  return std::fabs(angle - plain) < kTidy ? plain + 0.0 : angle;
-}
-
-// A matrix element that is 0, 1 or -1 where axes are at right angles.
-double TidyCosine(double value) {
-  const double whole = std::round(value);
-  return std::fabs(value - whole) < kTidy ? whole + 0.0 : value;
-}
-
-Vector3 Tidy(const Vector3& v) { return {{Tidy(v[0]), Tidy(v[1]), Tidy(v[2])}}; }
-
-Matrix3 Tidy(Matrix3 m) {
-  for (Vector3& row : m.row) {
-    for (double& element : row.element) element = TidyCosine(element);
+template <class Member>
+TipDifference Difference(const Member& member, const ArmDescription& arm, int joint_sets) {
+  std::mt19937 engine(20261125);
+  std::uniform_real_distribution<double> range(-kPi, kPi);
+  TipDifference largest;
+  for (int i = 0; i < joint_sets; ++i) {
+    Joints joints;
+    for (double& joint : joints) joint = range(engine);
+    const Frame tip = Forward(member, joints.data());
+    const Frame described = ToFrame(TipFrame(arm, joints));
+    const double apart = Length(tip.position - described.position);
+    const double angle = AngleBetween(tip.rotation, described.rotation);
+    largest.position_m = std::max(largest.position_m, apart);
+    largest.angle_rad = std::max(largest.angle_rad, angle);
   }
-  return m;
+  return largest;
 }
 
-SinCos<double> TidySinCos(double angle) {
-  return {TidyCosine(std::sin(angle)), TidyCosine(std::cos(angle))};
+template <class Member>
+PolishedArm<Member> Polished(const Member& member, const ArmDescription& arm, const Axes& axes,
+                             const TipDifference& difference) {
+  // By so much, in differences, targets are moved to find ways that the member itself has not, and
+  // targets past the rim still count as reached.
+  constexpr double kNearby = 4;
+  constexpr double kSlack = 2;
+  PolishedArm<Member> polished = {member, MakeChain(arm, MeetingOf(axes[4], axes[5]).point), 0, {}};
+  const double lever = Length(member.body.centre_in_tool);
+  polished.member.body.slack = kSlack * (difference.position_m + lever * difference.angle_rad);
+  polished.apart_m = kNearby * difference.position_m;
+  const double apart = kNearby * difference.angle_rad;
+  polished.apart = {std::sin(apart), std::cos(apart)};
+  return polished;
 }
-
-// Into (-pi, pi].
-double Wrapped(double angle) { return angle - std::ceil((angle - kPi) / (2 * kPi)) * 2 * kPi; }
-
-// From here on in the arm's frame.
-constexpr Vector3 kX = {{1, 0, 0}};
-constexpr Vector3 kY = {{0, 1, 0}};
-constexpr Vector3 kZ = {{0, 0, 1}};
-
-// The angle about y that takes z to the direction of `v` in the x-z plane.
-double PitchOf(const Vector3& v) { return std::atan2(v[0], v[2]); }
-
-// The angle about `axis` from one vector to another, both at right angles to it.
-double AngleAbout(const Vector3& axis, const Vector3& from, const Vector3& to) {
-  return std::atan2(Dot(Cross(from, to), axis), Dot(from, to));
-}
-
-// What both families share, and what the rest is found from.
-struct Start {
-  Body body;
-  Axes axes;
-  Vector3 centre;        // the wrist's
-  Matrix3 tip;           // the tip frame's rotation
-  double forearm_pitch;  // model angles 2 and 3 together; all with the joints at zero
-};
-
-// `forearm_end`: a point on axis 4 or the wrist's centre.
-Start MakeStart(const ArmDescription& arm, const Axes& axes, const Vector3& centre,
-                const Vector3& forearm_end) {
-  const Vector3& z = axes[0].direction;
-  Vector3 y = axes[1].direction - Dot(axes[1].direction, z) * z;
-  y = (1 / Length(y)) * y;
-  // With the joints at zero the wrist shall lie in front of axis 1, not behind: then solutions
-  // start with the arm's front.
-  if (Dot(centre - axes[0].point, Cross(y, z)) < -kTidy) y = -1.0 * y;
-  const Matrix3 to_arm = {{Cross(y, z), y, z}};
-  const Vector3 origin = axes[0].point + Dot(axes[1].point - axes[0].point, z) * z;
-
-  Start start = {};
-  for (size_t j = 0; j < axes.size(); ++j) {
-    start.axes[j] = {to_arm * (axes[j].point - origin), to_arm * axes[j].direction};
-  }
-  start.centre = to_arm * (centre - origin);
-  const Frame tip = ToFrame(TipFrame(arm, {}));
-  start.tip = to_arm * tip.rotation;
-  const Vector3 upper_arm = start.axes[2].point - start.axes[1].point;
-  const Vector3 forearm = to_arm * (forearm_end - origin) - start.axes[2].point;
-  start.forearm_pitch = PitchOf(forearm);
-
-  Body& body = start.body;
-  body.base = {Tidy(Transposed(to_arm)), Tidy(origin)};
-  body.shoulder = Tidy(start.axes[1].point[0]);
-  body.lateral = Tidy(start.centre[1]);
-  body.upper_arm = Tidy(std::hypot(upper_arm[0], upper_arm[2]));
-  body.forearm = Tidy(std::hypot(forearm[0], forearm[2]));
-  body.centre_in_tool = Tidy(Transposed(tip.rotation) * (centre - tip.position));
-  std::fill(body.direction, body.direction + 6, 1.0);
-  for (size_t j = 1; j < 3; ++j) body.direction[j] = start.axes[j].direction[1] < 0 ? -1.0 : 1.0;
-  body.zero[1] = TidyAngle(PitchOf(upper_arm));
-  body.zero[2] = TidyAngle(Wrapped(start.forearm_pitch - PitchOf(upper_arm)));
-  return start;
-}
-
-Model MakeSphericalWrist(const ArmDescription& arm, const Axes& axes) {
-  const Vector3 centre = MeetingOf(axes[4], axes[3]).point;
-  Start start = MakeStart(arm, axes, centre, centre);
-  Body& body = start.body;
-  const Vector3& axis4 = start.axes[3].direction;
-  const Vector3& axis5 = start.axes[4].direction;
-  const Vector3& axis6 = start.axes[5].direction;
-  // Axis 4 is x of the frame that is rotated from the arm's by `pitch` about y, then `skew` about
-  // z.
-  const double pitch = std::atan2(-axis4[2], axis4[0]);
-  const double skew = std::atan2(axis4[1], std::hypot(axis4[0], axis4[2]));
-  const Matrix3 frame4 = RotationMatrix(kY, pitch) * RotationMatrix(kZ, skew);
-  const double angle4 = AngleAbout(axis4, Transposed(frame4)[1], axis5);
-  const double angle5 = AngleAbout(axis5, axis4, axis6);
-  body.zero[3] = TidyAngle(angle4);
-  body.zero[4] = TidyAngle(angle5);
-  const Matrix3 flange = frame4 * (RotationMatrix(kX, angle4) * RotationMatrix(kY, angle5));
-  body.tool = Tidy(Transposed(flange) * start.tip);
-  return SphericalWristArm{body, TidySinCos(pitch - start.forearm_pitch), TidySinCos(skew)};
-}
-
-Model MakeParallelAxes(const ArmDescription& arm, const Axes& axes) {
-  const Vector3 centre = MeetingOf(axes[4], axes[5]).point;
-  Start start = MakeStart(arm, axes, centre, axes[3].point);
-  Body& body = start.body;
-  const Vector3& axis5 = start.axes[4].direction;
-  // Axis 5 is z of the frame that is rotated from the arm's by `pitch` about y.
-  const double pitch = PitchOf(axis5);
-  const double angle5 = AngleAbout(axis5, kY, start.axes[5].direction);
-  body.direction[3] = start.axes[3].direction[1] < 0 ? -1.0 : 1.0;
-  body.zero[3] = TidyAngle(Wrapped(pitch - start.forearm_pitch));
-  body.zero[4] = TidyAngle(angle5);
-  const Matrix3 flange = RotationMatrix(kY, pitch) * RotationMatrix(kZ, angle5);
-  body.tool = Tidy(Transposed(flange) * start.tip);
-  const Vector3 offset =
-      Transposed(RotationMatrix(kY, pitch)) * (start.centre - start.axes[3].point);
-  return ParallelAxesArm{body, Tidy(offset[0]), Tidy(offset[2])};
-}
-
-// FNV-1a over the bits of numbers, so that the same geometry has the same text on every machine.
-class Hash {
- public:
-  void Add(double value) {
-    value += 0.0;  // -0 is 0
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    for (int i = 0; i < 64; i += 8) hash_ = (hash_ ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
-  }
-  void Add(const Vector3& v) {
-    for (const double element : v.element) Add(element);
-  }
-  void Add(const Matrix3& m) {
-    for (const Vector3& row : m.row) Add(row);
-  }
-  void Add(const Body& body) {
-    Add(body.base.rotation);
-    Add(body.base.position);
-    for (const double length : {body.shoulder, body.lateral, body.upper_arm, body.forearm}) {
-      Add(length);
-    }
-    Add(body.tool);
-    Add(body.centre_in_tool);
-    for (int j = 0; j < 6; ++j) Add(body.direction[j]);
-    for (int j = 0; j < 6; ++j) Add(body.zero[j]);
-  }
-  std::string Text() const {
-    char text[24];
-    (void)std::snprintf(text, sizeof(text), "qal-%016llx", static_cast<unsigned long long>(hash_));
-    return text;
-  }
-
- private:
-  std::uint64_t hash_ = 0xcbf29ce484222325u;
-};
 
 }  // namespace
 
-std::optional<Model> MakeModel(const ArmDescription& arm) {
+std::optional<FittedModel> MakeModel(const ArmDescription& arm, Geometry geometry) {
+  constexpr int kJointSets = 1000;
   const FamilyReport report = ExamineFamilies(arm);
-  const Axes axes = AxesOf(arm);
-  if (report.three_parallel_axes.empty()) return MakeParallelAxes(arm, axes);
-  if (report.spherical_wrist.empty()) return MakeSphericalWrist(arm, axes);
-  return std::nullopt;
+  const FamilyFit* const fit = report.Fitting();
+  if (fit == nullptr) return std::nullopt;
+  const Axes axes = NearestMember(AxesOf(arm), ConditionsOf(fit->family));
+  const Member nearest = MakeMember(fit->family, arm, axes);
+  return std::visit(
+      [&](const auto& member) {
+        const TipDifference difference = Difference(member, arm, kJointSets);
+        const bool exact = difference.position_m <= kExact && difference.angle_rad <= kExact;
+        const bool polished = geometry == Geometry::kDescribed && !exact;
+        FittedModel fitted = {member, nearest, fit->family, fit->nearest, exact, polished};
+        if (polished) fitted.model = Polished(member, arm, axes, difference);
+        return fitted;
+      },
+      nearest);
 }
 
-std::string HashOf(const Model& model) {
-  Hash hash;
-  hash.Add(static_cast<double>(model.index()));
-  hash.Add(BodyOf(model));
-  if (const auto* spherical = std::get_if<SphericalWristArm>(&model)) {
-    for (const SinCos<double>& angle : {spherical->lean, spherical->skew}) {
-      hash.Add(angle.sine);
-      hash.Add(angle.cosine);
-    }
-  } else {
-    const auto& parallel = std::get<ParallelAxesArm>(model);
-    hash.Add(parallel.wrist_offset_x);
-    hash.Add(parallel.wrist_offset_z);
-  }
-  return hash.Text();
-}
-
-const Body& BodyOf(const Model& model) {
-  return std::visit([](const auto& arm) -> const Body& { return arm.body; }, model);
-}
-
-const char* FamilyName(const Model& model) {
-  return std::holds_alternative<SphericalWristArm>(model) ? "spherical wrist"
-                                                          : "three parallel axes";
+TipDifference DifferenceOf(const Member& member, const ArmDescription& arm, int joint_sets) {
+  return std::visit([&](const auto& a) { return Difference(a, arm, joint_sets); }, member);
 }
 
 }  // namespace qal

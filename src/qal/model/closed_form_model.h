@@ -5,25 +5,42 @@
 #include <string>
 #include <variant>
 
-#include "../../../solver/closed_form/parallel_axes.h"
-#include "../../../solver/closed_form/spherical_wrist.h"
+#include "../../../solver/closed_form/polished.h"
 #include "description.h"
+#include "family_member.h"
+#include "solver.h"
 
-// Internal, and for the tool that writes solvers: the constants of a closed form.
+// Internal, and for the tool that writes solvers: what the solving code knows of an arm.
 namespace qal {
 
-/// What the solving code knows of an arm.
-using Model = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm>;
+using Model = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm,
+                           closed_form::PolishedArm<closed_form::SphericalWristArm>,
+                           closed_form::PolishedArm<closed_form::ParallelAxesArm>>;
 
-/// The model of the family that an arm's axes belong to; three parallel axes go first. Lengths and
-/// angles within 1e-13 of a plain number become that number.
-/// @return nothing when it belongs to none; `ExamineFamilies` says why
-std::optional<Model> MakeModel(const ArmDescription& arm);
+/// How far two arms' tips are from each other at the most, for the same joints.
+struct TipDifference {
+  double position_m = 0;
+  double angle_rad = 0;
+};
 
-const closed_form::Body& BodyOf(const Model& model);
+struct FittedModel {
+  Model model;
+  Member member;  ///< the family's nearest, which `model` is or comes from
+  Family family;
+  AxisDeviation deviation;  ///< of the described axes from the nearest member's
+  bool exact;               ///< the nearest member is the described arm, to 1e-12
+  bool polished;            ///< the model is the described arm, by way of the member
+};
 
-/// "spherical wrist" or "three parallel axes".
-const char* FamilyName(const Model& model);
+/// The model of the first family that the arm's axes are within tolerance of: the nearest member,
+/// polished on the described chain where the two are not the same and the described geometry is
+/// wanted.
+/// @return nothing when no family has such a member; `ExamineFamilies` says why
+std::optional<FittedModel> MakeModel(const ArmDescription& arm,
+                                     Geometry geometry = Geometry::kDescribed);
+
+/// Of a member's tip from the described one, over `joint_sets` seeded random ones within +-pi.
+TipDifference DifferenceOf(const Member& member, const ArmDescription& arm, int joint_sets);
 
 /// Identifies the model's numbers: "qal-" and 16 hexadecimal digits.
 std::string HashOf(const Model& model);

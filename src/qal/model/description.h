@@ -27,9 +27,6 @@ struct ArmDescription {
   std::string tip;
   std::array<JointDescription, 6> joints;
   Transform tip_in_last;  ///< the tip frame in the frame that joint 6 turns
-  /// Angles that look like a multiple of 15 degrees rounded to some digits, such as 1.5708. Read as
-  /// written, or as the multiple on request.
-  int rounded_angles = 0;
 };
 
 /// What is told of a joint besides its geometry; goes before what the description says. A speed and

@@ -9,15 +9,29 @@
 
 namespace qal {
 
-/// How far axes may be from parallel, from right angles and from meeting. Angles written with ten
-/// decimals lie within; what is left can't be seen in the solver's answers.
-constexpr double kAxisAngleToleranceRad = 1e-10;
-constexpr double kAxisDistanceToleranceM = 1e-10;
+/// What arms with a closed form have in common; see docs/your-arm.md.
+enum class Family {
+  kThreeParallelAxes,
+  kSphericalWrist,
+};
+
+/// "three parallel axes", "spherical wrist"
+QAL_API const char* FamilyName(Family family);
+
+/// How far an arm's axes may be from those of a family's nearest member.
+constexpr double kFamilyAngleToleranceRad = 0.5 * 3.14159265358979323846 / 180;
+constexpr double kFamilyDistanceToleranceM = 1.5e-3;
+
+/// How far axes are from those of another arm at the most.
+struct AxisDeviation {
+  double angle_rad = 0;
+  double distance_m = 0;  ///< where an axis comes nearest to those before and after it
+};
 
 /// In place of an axis: the wrist's centre, where axes 4 and 5 meet.
 constexpr int kWristCentre = 0;
 
-/// A condition of a family that an arm doesn't meet.
+/// A condition of a family that an arm doesn't meet, by more than the tolerance.
 struct Deviation {
   enum class Kind {
     kNotParallel,    ///< `amount`: from parallel [rad]
@@ -31,19 +45,26 @@ struct Deviation {
   double amount;
 };
 
-/// Which closed forms an arm has, and what keeps it from the others.
-struct FamilyReport {
-  std::vector<Deviation> spherical_wrist;      ///< empty: axes 4, 5 and 6 meet in one point
-  std::vector<Deviation> three_parallel_axes;  ///< empty: axes 2, 3 and 4 are parallel
-  /// Between axis j and the next [rad], 0 to pi / 2.
-  std::array<double, 5> axis_angles_rad;
-  int rounded_angles;  ///< the description's
-
-  bool HasClosedForm() const { return spherical_wrist.empty() || three_parallel_axes.empty(); }
+/// How an arm compares with a family.
+struct FamilyFit {
+  Family family;
+  /// Empty: the arm is within tolerance of a member. Distances are looked at once the angles are
+  /// right: without right angles there is no place where axes meet.
+  std::vector<Deviation> deviations;
+  AxisDeviation nearest;  ///< from the nearest member, where the arm is within tolerance
 };
 
-/// Compares an arm's axes, with all joints at zero, with what the families require. Distances are
-/// looked at once the angles are right: without right angles there is no place where axes meet.
+/// Which closed forms an arm has, and what keeps it from the others.
+struct FamilyReport {
+  std::vector<FamilyFit> fits;  ///< all families, the quickest closed form first
+  /// Between axis j and the next [rad], 0 to pi / 2.
+  std::array<double, 5> axis_angles_rad;
+
+  /// The first family that the arm is within tolerance of; null when there is none.
+  QAL_API const FamilyFit* Fitting() const;
+};
+
+/// Compares an arm's axes, with all joints at zero, with what the families require.
 QAL_API FamilyReport ExamineFamilies(const ArmDescription& arm);
 
 }  // namespace qal

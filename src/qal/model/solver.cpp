@@ -31,22 +31,23 @@ Result<Solver> Solver::Load(const std::string& path) {
   });
 }
 
-Result<Solver> Solver::ClosedForm(const ArmDescription& description) {
-  const std::optional<Model> model = MakeModel(description);
-  if (!model) return Error{Reason::kNoClosedForm};
+Result<Solver> Solver::ClosedForm(const ArmDescription& description, Geometry geometry) {
+  const std::optional<FittedModel> fitted = MakeModel(description, geometry);
+  if (!fitted) return Error{Reason::kNoClosedForm};
   return std::visit(
-      [&](const auto& geometry) {
-        using Functions = ClosedFormSolver<std::decay_t<decltype(geometry)>>;
-        return Solver(std::make_shared<const Held>(
-            Held{FamilyName(*model), HashOf(*model), "", std::make_shared<Functions>(geometry)}));
+      [&](const auto& arm) {
+        using Functions = ClosedFormSolver<std::decay_t<decltype(arm)>>;
+        return Solver(
+            std::make_shared<const Held>(Held{FamilyName(fitted->family), HashOf(fitted->model), "",
+                                              std::make_shared<Functions>(arm)}));
       },
-      *model);
+      fitted->model);
 }
 
 Solver Solver::Reference() {
   using Functions = ClosedFormSolver<closed_form::SphericalWristArm>;
   return Solver(std::make_shared<const Held>(
-      Held{FamilyName(reference_arm::kArm), reference_arm::kGeometryHash, "",
+      Held{FamilyName(Family::kSphericalWrist), reference_arm::kGeometryHash, "",
            std::make_shared<Functions>(reference_arm::kArm)}));
 }
 

@@ -12,6 +12,12 @@ namespace qal {
 
 class SolverFunctions;
 
+/// Which arm a closed form is of, where an arm is only near a family.
+enum class Geometry {
+  kDescribed,  ///< the arm as it is described, to the last digit
+  kNominal,    ///< the family's member that is nearest to it
+};
+
 /// An arm's closed-form solver: forward kinematics, and all joints of a pose. A value, cheap to
 /// copy; any number of them live side by side in a process.
 class QAL_API Solver {
@@ -26,10 +32,13 @@ class QAL_API Solver {
   ///         kSolverThrows
   static Result<Solver> Load(const std::string& path);
 
-  /// The closed form of the family that the arm's axes belong to, with the described geometry. No
-  /// compiler is needed.
+  /// The closed form of the family that the arm's axes belong to or are near (`FamilyReport`). Near
+  /// a family each solution of the nearest member is made exact on the described arm, by Newton's
+  /// method to 1e-13; solutions that only one of the two has are found or left out as the described
+  /// arm has it, but within 1e-10 of the rim of the workspace. No compiler is needed.
   /// @return kNoClosedForm when there is none
-  static Result<Solver> ClosedForm(const ArmDescription& description);
+  static Result<Solver> ClosedForm(const ArmDescription& description,
+                                   Geometry geometry = Geometry::kDescribed);
 
   /// The reference arm's.
   static Solver Reference();

@@ -1,0 +1,102 @@
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+
+#include "closed_form_model.h"
+
+namespace qal {
+
+namespace {
+
+using closed_form::Body;
+using closed_form::Chain;
+using closed_form::Frame;
+using closed_form::Link;
+using closed_form::Matrix;
+using closed_form::ParallelAxesArm;
+using closed_form::PolishedArm;
+using closed_form::SinCos;
+using closed_form::SphericalWristArm;
+using closed_form::Vector;
+
+// FNV-1a over the bits of numbers, so that the same geometry has the same text on every machine.
+class Hash {
+ public:
+  void Add(double value) {
+    value += 0.0;  // -0 is 0
+    std::uint64_t bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    for (int i = 0; i < 64; i += 8) hash_ = (hash_ ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
+  }
+  void Add(const Vector<double>& v) {
+    for (const double element : v.element) Add(element);
+  }
+  void Add(const Matrix<double>& m) {
+    for (const Vector<double>& row : m.row) Add(row);
+  }
+  void Add(const Frame& frame) {
+    Add(frame.rotation);
+    Add(frame.position);
+  }
+  void Add(const SinCos<double>& angle) {
+    Add(angle.sine);
+    Add(angle.cosine);
+  }
+  // The slack is only a polished arm's, and told there.
+  void Add(const Body& body) {
+    Add(body.base);
+    for (const double length : {body.shoulder, body.lateral, body.upper_arm, body.forearm}) {
+      Add(length);
+    }
+    Add(body.tool);
+    Add(body.centre_in_tool);
+    for (int j = 0; j < 6; ++j) Add(body.direction[j]);
+    for (int j = 0; j < 6; ++j) Add(body.zero[j]);
+  }
+  void Add(const SphericalWristArm& arm) {
+    Add(arm.body);
+    Add(arm.lean);
+    Add(arm.skew);
+  }
+  void Add(const ParallelAxesArm& arm) {
+    Add(arm.body);
+    Add(arm.wrist_offset_x);
+    Add(arm.wrist_offset_z);
+  }
+  void Add(const Chain& chain) {
+    Add(chain.base);
+    for (const Link& link : chain.links) {
+      Add(link.zero);
+      Add(link.twist);
+      Add(link.offset);
+    }
+    Add(chain.tool);
+  }
+  template <class Member>
+  void Add(const PolishedArm<Member>& arm) {
+    Add(arm.member);
+    Add(arm.member.body.slack);
+    Add(arm.chain);
+    Add(arm.apart_m);
+    Add(arm.apart);
+  }
+  std::string Text() const {
+    char text[24];
+    (void)std::snprintf(text, sizeof(text), "qal-%016llx", static_cast<unsigned long long>(hash_));
+    return text;
+  }
+
+ private:
+  std::uint64_t hash_ = 0xcbf29ce484222325u;
+};
+
+}  // namespace
+
+std::string HashOf(const Model& model) {
+  Hash hash;
+  hash.Add(static_cast<double>(model.index()));
+  std::visit([&](const auto& arm) { hash.Add(arm); }, model);
+  return hash.Text();
+}
+
+}  // namespace qal
