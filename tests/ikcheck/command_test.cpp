@@ -55,7 +55,7 @@ TEST_F(IkcheckCommand, ComparesWithAnArmsDescription) {
       {"s/0 1.5707963267948966 0/0 0 0/", "--urdf arm.urdf",
        tool + "\"0 0 0\" rpy=\"0 1.570796 0\""},
       {"", "--tip link_6 --urdf arm.urdf", tool + "\"0.08 0 0\" rpy=\"0 1.570796 0\""},
-      {"s/0 0 0.400/0 0 0.5/", "--urdf arm.urdf", "position off by 0.1, orientation by "},
+      {"s/0 0 0.400/0 0 0.5/", "--urdf arm.urdf", "position off by 0.1 m, orientation by "},
       {"", "--table " QAL_ARMS_DIR "/carrying_parallel.toml", "position off by 0.58"},
   };
   for (const auto& [change, options, reason] : cases) {

@@ -49,11 +49,12 @@ TEST(Measures, TakeWholeTurnsForNothingAndNanForTheWorst) {
   const Pose pose = {{0, 2, 0}, {1, 0, 0, 0, 1, 0, 0, 0, 1}};
   Pose other = pose;
   other.position[1] = 1;
-  EXPECT_EQ(Difference(pose, other, 4.0), 0.25);
   other.rotation[3] = -0.5;
-  EXPECT_EQ(Difference(pose, other, 4.0), 0.5);
+  EXPECT_EQ(Difference(pose, other).position_m, 1.0);
+  EXPECT_EQ(Difference(pose, other).element, 0.5);
+  EXPECT_EQ(Difference(pose, other).Size(), 1.0);
   other.position[0] = nan;
-  EXPECT_TRUE(std::isnan(Difference(pose, other, 4.0)));
+  EXPECT_TRUE(std::isnan(Difference(pose, other).Size()));
 
   EXPECT_EQ(OffRotation(pose.rotation), 0.0);
   const double mirrored[9] = {-1, 0, 0, 0, 1, 0, 0, 0, 1};

@@ -25,8 +25,9 @@ void CheckRefused(Session& session, Finding finding, const std::vector<IkRequest
   size_t poses = 0;
   size_t refused = 0;
   for (size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i].outcome != Outcome::kReturned) continue;
-    const bool accepted = answers[i].found && answers[i].added > 0;
+    const Outcome outcome = answers[i].outcome;
+    if (outcome != Outcome::kReturned && outcome != Outcome::kThrew) continue;
+    const bool accepted = outcome == Outcome::kReturned && answers[i].found && answers[i].added > 0;
     ++poses;
     if (!accepted) ++refused;
     session.report.Judge(finding, !accepted,

@@ -64,10 +64,9 @@ std::vector<IkRequest> AxisAlignedPoses(Session& session, size_t positions) {
 
 // Whether a pose has a solution away from singularities.
 bool HasRegular(Session& session, const std::vector<Joints>& solutions) {
-  const std::vector<Jacobian> jacobians = Jacobians(session, solutions);
-  return std::any_of(jacobians.begin(), jacobians.end(), [](const Jacobian& jacobian) {
-    return SmallestSingularValue(jacobian) >= kRegularValue;
-  });
+  const std::vector<double> values = SmallestSingularValues(session, solutions);
+  return std::any_of(values.begin(), values.end(),
+                     [](double smallest) { return smallest >= kRegularValue; });
 }
 
 }  // namespace

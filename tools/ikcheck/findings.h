@@ -40,6 +40,9 @@ enum class Finding {
   kMissingQueries,
   kLengthUnit,
   kLooseSolution,
+  kLooseSingular,
+  kFreeSingular,
+  kThrowsNonFinite,
   kUnsolvedSingular,
   kMissedSingular,
   kDuplicates,
@@ -56,19 +59,29 @@ struct FindingKind {
   const char* name;
   const char* expected;
   bool fault;
+  Finding cause = Finding::kCount;  ///< where that is found, this comes of it and is left out
 };
+
+/// What a solver by others that can't be linked is to be compiled with.
+constexpr char kRecipe[] =
+    "compile its source again with -DIKFAST_NAMESPACE=ikfast -DIKFAST_NO_MAIN -UIKFAST_CLIBRARY "
+    "'-DIKFAST_ASSERT(b)='; docs/your-arm.md, \"A generated solver by others\", has the whole "
+    "recipe";
 
 const FindingKind& KindOf(Finding finding);
 
 /// All findings with what is expected, for the help text.
 std::string FindingsHelp();
 
-// What the findings mean by "reaches", "regular" and so on. The arm's reach is the unit of
-// length: positions are judged as parts of it.
+// What the findings mean by "reaches", "regular" and so on. Errors of a pose are in m and per
+// matrix element.
 
-/// A solution that is further off its pose than this is wrong: far above rounding, which is 1e-15,
-/// and what is lost at singularities; far below what an arm can repeat.
+/// A solution that is further off its pose than this is wrong: far above rounding, which is 1e-15;
+/// far below what an arm can repeat.
 constexpr double kWrongError = 1e-6;
+/// The same from here on beside singularities, where generated solvers take a joint for singular
+/// that isn't quite.
+constexpr double kWrongSingularError = 1e-4;
 /// What a solver in double precision stays below at regular poses.
 constexpr double kLooseError = 1e-9;
 /// A joint set is regular when the smallest singular value of its Jacobian (positions as parts of

@@ -105,6 +105,14 @@ double SmallestSingularValue(const Jacobian& jacobian) {
   return Eigen::JacobiSVD<Jacobian>(jacobian).singularValues()(5);
 }
 
+std::vector<double> SmallestSingularValues(Session& session, const std::vector<Joints>& joints) {
+  std::vector<double> values;
+  for (const Jacobian& jacobian : Jacobians(session, joints)) {
+    values.push_back(SmallestSingularValue(jacobian));
+  }
+  return values;
+}
+
 std::optional<Joints> SelfMotion(const Jacobian& jacobian) {
   const Eigen::JacobiSVD<Jacobian> svd(jacobian, Eigen::ComputeFullV);
   if (svd.singularValues()(4) < kRegularValue) return std::nullopt;

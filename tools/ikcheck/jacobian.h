@@ -18,6 +18,7 @@ std::vector<Jacobian> Jacobians(Session& session, const std::vector<Joints>& joi
 
 /// How far the arm is from a singularity, 0: singular. NaN for a Jacobian that isn't finite.
 double SmallestSingularValue(const Jacobian& jacobian);
+std::vector<double> SmallestSingularValues(Session& session, const std::vector<Joints>& joints);
 
 /// For a singular Jacobian where two of the axes have become one line, such as a wrist's axes 4 and
 /// 6: the turn of the one against the other that leaves the tool where it is, as a unit vector.

@@ -20,17 +20,42 @@ class Largest {
 
 }  // namespace
 
-double Difference(const Pose& a, const Pose& b, double reach) {
+bool AllFinite(const Joints& joints) {
+  return std::all_of(joints.begin(), joints.end(), [](double q) { return std::isfinite(q); });
+}
+
+bool AllFinite(const Pose& pose) {
+  const auto finite = [](double value) { return std::isfinite(value); };
+  return std::all_of(pose.position, pose.position + 3, finite) &&
+         std::all_of(pose.rotation, pose.rotation + 9, finite);
+}
+
+double PoseDifference::Size() const {
   Largest largest;
-  for (int i = 0; i < 3; ++i) largest.Take((a.position[i] - b.position[i]) / reach);
-  for (int i = 0; i < 9; ++i) largest.Take(a.rotation[i] - b.rotation[i]);
+  largest.Take(position_m);
+  largest.Take(element);
   return largest.value();
+}
+
+PoseDifference Difference(const Pose& a, const Pose& b) {
+  Largest position;
+  Largest element;
+  for (int i = 0; i < 3; ++i) position.Take(a.position[i] - b.position[i]);
+  for (int i = 0; i < 9; ++i) element.Take(a.rotation[i] - b.rotation[i]);
+  return {position.value(), element.value()};
 }
 
 double Difference(const Joints& a, const Joints& b) {
   Largest largest;
   for (size_t j = 0; j < a.size(); ++j) largest.Take(std::remainder(a[j] - b[j], 2 * kPi));
   return largest.value();
+}
+
+bool Same(const Joints& a, const Joints& b, double tolerance_rad) {
+  for (size_t j = 0; j < a.size(); ++j) {
+    if (!(std::fabs(std::remainder(a[j] - b[j], 2 * kPi)) < tolerance_rad)) return false;
+  }
+  return true;
 }
 
 double OffLine(const Joints& joints, const Joints& start, const Joints& direction) {

@@ -9,8 +9,21 @@ constexpr double kPi = 3.14159265358979323846;
 
 // NaN anywhere makes each of them NaN.
 
-/// The larger of the position's difference, as a part of the reach, and that of any matrix element.
-double Difference(const Pose& a, const Pose& b, double reach);
+bool AllFinite(const Joints& joints);
+bool AllFinite(const Pose& pose);
+
+/// The largest differences of two poses.
+struct PoseDifference {
+  double position_m;
+  double element;  ///< of the rotation matrices
+
+  double Size() const;  ///< the larger of the two, as numbers
+};
+PoseDifference Difference(const Pose& a, const Pose& b);
+
+/// Whether two joint sets differ by less than this in every joint, whole turns being none. Not with
+/// NaN.
+bool Same(const Joints& a, const Joints& b, double tolerance_rad);
 
 /// The largest difference of two joints, whole turns apart being none [rad].
 double Difference(const Joints& a, const Joints& b);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "frame_offset.h"
 #include "jacobian.h"
 #include "measures.h"
 
@@ -18,81 +19,122 @@ Case CaseOf(const std::string& words, const IkRequest& request, const Joints& so
   return shown;
 }
 
-// What a call added that threw or returned false are no solutions.
-size_t SolutionCount(const IkAnswer& answer) {
-  return answer.outcome == Outcome::kReturned && answer.found ? answer.kept : 0;
-}
-
 }  // namespace
 
 std::vector<PoseJudge::PoseResult> PoseJudge::JudgePoses(const std::vector<IkRequest>& requests) {
   const auto answers = session_.Solve(requests);
-  std::vector<Joints> all;
-  for (const IkAnswer& answer : answers) {
-    for (size_t k = 0; k < SolutionCount(answer); ++k) {
-      all.push_back(answer.solutions[k].joints);
-    }
-  }
-  const auto poses = session_.Forward(all);
-
   std::vector<PoseResult> results(requests.size());
-  const FkAnswer* forward = poses.begin();
+  std::vector<Found> all;
   for (size_t i = 0; i < requests.size(); ++i) {
     const IkAnswer& answer = answers[i];
     if (answer.outcome != Outcome::kReturned) continue;
-    PoseResult& result = results[i];
-    result = {true, answer.found && answer.added > 0};
-    for (size_t k = 0; k < SolutionCount(answer); ++k) {
-      const Solution& solution = answer.solutions[k];
-      const double error = JudgeSolution(requests[i], solution, *forward++);
-      result.error = std::max(result.error, error);
-      result.solutions.push_back(solution.joints);
-    }
-    JudgeDuplicates(requests[i], result.solutions);
+    const size_t kept = answer.found ? answer.kept : 0;
+    // Where what it returns doesn't fit what it adds, that is found already.
+    const bool fits = answer.found == (answer.added > 0);
+    results[i] = {fits, answer.found && answer.added > 0, fits && kept == answer.added};
+    for (size_t k = 0; k < kept; ++k) all.push_back({&requests[i], answer.solutions[k]});
     ++poses_;
-    if (result.solved) ++solved_;
-    if (result.solved) solutions_ += answer.added;
+    if (results[i].solved) ++solved_;
+    if (results[i].solved) solutions_ += answer.added;
+  }
+  Follow(all);
+  const std::string offset = CommonOffset(all);
+  for (const Found& found : all) {
+    PoseResult& result = results[static_cast<size_t>(found.request - requests.data())];
+    if (!JudgeSolution(found, offset)) result.complete = false;
+    const double error = found.error ? found.error->Size() : 0.0;
+    result.error = std::max(result.error, error);
+    if (found.singular && (found.given.free || error > kWrongError)) result.lax = true;
+    result.solutions.push_back(found.given.joints);
+  }
+  for (size_t i = 0; i < results.size(); ++i) {
+    if (results[i].complete && !results[i].lax) JudgeDuplicates(requests[i], results[i].solutions);
   }
   return results;
 }
 
-double PoseJudge::JudgeSolution(const IkRequest& request, const Solution& given,
-                                const FkAnswer& forward) {
-  Report& report = session_.report;
-  const Joints& solution = given.joints;
-  const bool finite = std::all_of(solution.begin(), solution.end(),
-                                  [](double joint) { return std::isfinite(joint); });
-  report.Judge(Finding::kNonFiniteSolution, finite,
-               [&] { return CaseOf("a solution", request, solution); });
-  report.Judge(Finding::kFreeJoint, !given.free,
-               [&] { return CaseOf("a solution", request, solution); });
-  if (!finite) return 0.0;
-
-  const auto [low, high] = std::minmax_element(solution.begin(), solution.end());
-  const double past = std::max(*high, -*low) - kPi;
-  report.Judge(Finding::kOutOfRange, past <= kPastPiRad, past,
-               [&] { return CaseOf("a solution", request, solution); });
-  report.Judge(Finding::kMinusPi, past > kPastPiRad || (*low > -kPi && *high <= kPi),
-               [&] { return CaseOf("a solution", request, solution); });
-
-  if (forward.outcome != Outcome::kReturned) return 0.0;
-  const double error = Difference(forward.pose, request.pose, session_.reach);
-  const bool right = error <= kWrongError;  // NaN isn't
-  report.Judge(Finding::kWrongSolution, right, error,
-               [&] { return CaseOf(fmt::format("off by {:.3g}", error), request, solution); });
-  if (!right) {
-    ++wrong_;
-    return 0.0;
+void PoseJudge::Follow(std::vector<Found>& all) {
+  std::vector<Joints> joints;
+  for (const Found& found : all) joints.push_back(found.given.joints);
+  const auto poses = session_.Forward(joints);
+  std::vector<Found*> doubtful;
+  joints.clear();
+  for (size_t k = 0; k < all.size(); ++k) {
+    Found& found = all[k];
+    if (poses[k].outcome != Outcome::kReturned || !AllFinite(found.given.joints)) continue;
+    found.error = Difference(poses[k].pose, found.request->pose);
+    found.leads_to = poses[k].pose;
+    const double error = found.error->Size();
+    if (error >= kWrongSingularError || (error <= kLooseError && !found.given.free)) continue;
+    doubtful.push_back(&found);
+    joints.push_back(found.given.joints);
   }
+  const std::vector<double> smallest = SmallestSingularValues(session_, joints);
+  for (size_t k = 0; k < doubtful.size(); ++k) doubtful[k]->singular = smallest[k] < kRegularValue;
+}
+
+std::string PoseJudge::CommonOffset(const std::vector<Found>& all) const {
+  std::vector<Frame> inverse;
+  std::vector<Frame> forward;
+  for (const Found& found : all) {
+    if (!found.error || !(found.error->Size() >= kWrongSingularError)) continue;
+    inverse.push_back(FrameOf(found.request->pose));
+    forward.push_back(FrameOf(found.leads_to));
+  }
+  if (2 * inverse.size() <= all.size()) return "";
+  return FixedOffset("ComputeIk's, as ComputeFk sees it,", inverse, forward, session_.reach);
+}
+
+bool PoseJudge::JudgeSolution(const Found& found, const std::string& offset) {
+  Report& report = session_.report;
+  const Joints& solution = found.given.joints;
+  const bool finite = AllFinite(solution);
+  report.Judge(Finding::kNonFiniteSolution, finite,
+               [&] { return CaseOf("a solution", *found.request, solution); });
+  if (!found.error) return false;
+  // A free joint may be read as anything.
+  if (!found.given.free) JudgeRange(*found.request, solution);
+
+  const double error = found.error->Size();
+  const bool right = error <= kWrongError || (found.singular && error < kWrongSingularError);
+  const bool free = found.given.free;
+  const auto shown = [&] {
+    return CaseOf(fmt::format("{}position off by {:.3g} m, matrix elements by {:.3g}{}",
+                              free ? "with a joint that is free, read as 0: " : "",
+                              found.error->position_m, found.error->element, offset),
+                  *found.request, solution);
+  };
+  const bool free_fault = free && !(right && found.singular);
+  report.Judge(Finding::kFreeJoint, !free_fault, error, shown);
+  report.Judge(Finding::kFreeSingular, !free || free_fault || error > kWrongError, error, shown);
+  report.Judge(Finding::kWrongSolution, right || free, error, shown);
+  report.Judge(Finding::kLooseSingular, !right || error <= kWrongError, error, shown);
+  report.Judge(Finding::kLooseSolution, !right || found.singular || error <= kLooseError, error,
+               shown);
   largest_error_ = std::max(largest_error_, error);
-  return error;
+  if (!right) ++wrong_;
+  return right;
+}
+
+void PoseJudge::JudgeRange(const IkRequest& request, const Joints& solution) {
+  const auto [low, high] = std::minmax_element(solution.begin(), solution.end());
+  const auto farthest = *high > -*low ? high : low;
+  const double past = std::fabs(*farthest) - kPi;
+  const auto shown = [&] {
+    return CaseOf(
+        fmt::format("joint {} at {:.17g} rad", farthest - solution.begin() + 1, *farthest), request,
+        solution);
+  };
+  session_.report.Judge(Finding::kOutOfRange, past <= kPastPiRad, past, shown);
+  session_.report.Judge(Finding::kMinusPi,
+                        past > kPastPiRad || (*farthest > -kPi && *farthest <= kPi), shown);
 }
 
 void PoseJudge::JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions) {
   for (size_t i = 0; i < solutions.size(); ++i) {
-    const bool again = std::any_of(
-        solutions.begin(), solutions.begin() + static_cast<std::ptrdiff_t>(i),
-        [&](const Joints& other) { return Difference(other, solutions[i]) < kSameRad; });
+    const bool again =
+        std::any_of(solutions.begin(), solutions.begin() + static_cast<std::ptrdiff_t>(i),
+                    [&](const Joints& other) { return Same(other, solutions[i], kSameRad); });
     session_.report.Judge(Finding::kDuplicates, !again,
                           [&] { return CaseOf("a solution", request, solutions[i]); });
   }
@@ -108,11 +150,10 @@ void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result
   };
   report.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, result.solved,
                [&] { return shown("no solution"); });
-  if (!result.solved || (smallest < kSingularValue && !original.self_motion)) return;
-  if (regular) {
-    report.Judge(Finding::kLooseSolution, result.error <= kLooseError, result.error,
-                 [&] { return shown(fmt::format("a solution off by {:.3g}", result.error)); });
-  }
+  if (!result.solved || !result.complete) return;
+  // Such branches take other joints for these, and that is found already.
+  if (!regular && result.lax) return;
+  if (smallest < kSingularValue && !original.self_motion) return;
 
   double nearest = 2 * kPi;
   for (const Joints& solution : result.solutions) {
@@ -123,7 +164,7 @@ void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result
   }
   // What is left of an error of the pose comes back in the joints divided by the singular value.
   const double worst = original.self_motion ? kRegularValue : std::min(smallest, kRegularValue);
-  const bool found = nearest <= kLooseError / worst;
+  const bool found = nearest <= std::max(kLooseError, result.error) / worst;
   if (!found) ++missed_;
   report.Judge(regular ? Finding::kMissedJoints : Finding::kMissedSingular, found, nearest,
                [&] { return shown(fmt::format("nearest solution {:.3g} rad away", nearest)); });

@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "measures.h"
 #include "session.h"
 
 namespace qal::ikcheck {
@@ -14,10 +15,12 @@ class PoseJudge {
 
   /// What came of one pose.
   struct PoseResult {
-    bool answered = false;  ///< the call returned
+    bool answered = false;  ///< the call returned, and what it returned fits what it added
     bool solved = false;
+    bool complete = false;  ///< all of its solutions are known, and right
+    bool lax = false;       ///< some are in a singular branch, and free or only nearly right
     std::vector<Joints> solutions = {};
-    double error = 0.0;  ///< the largest of its solutions that aren't wrong
+    double error = 0.0;  ///< the largest of its solutions [m or matrix element]
   };
 
   /// Poses that may have solutions or not.
@@ -33,8 +36,21 @@ class PoseJudge {
   void Fill(Row& row) const;
 
  private:
-  // The solution's error; 0 when that is judged already.
-  double JudgeSolution(const IkRequest& request, const Solution& given, const FkAnswer& forward);
+  // A solution of a pose.
+  struct Found {
+    const IkRequest* request;
+    Solution given;
+    std::optional<PoseDifference> error = {};  // none: where it leads isn't known
+    Pose leads_to = {};
+    bool singular = false;  // looked at only where it makes a difference
+  };
+  // Has ComputeFk say where they lead.
+  void Follow(std::vector<Found>& all);
+  // Where most are off by one and the same fixed frame: which.
+  std::string CommonOffset(const std::vector<Found>& all) const;
+  // Whether it is right.
+  bool JudgeSolution(const Found& found, const std::string& offset);
+  void JudgeRange(const IkRequest& request, const Joints& solution);
   void JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions);
   // A pose made from joints that are to be found again.
   struct Original {

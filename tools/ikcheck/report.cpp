@@ -28,8 +28,17 @@ std::string Plain(const Json& value) {
   return number >= 1000 ? fmt::format("{:.0f}", number) : fmt::format("{:.3g}", number);
 }
 
-// The text's name of a value.
+// The text's name of a value, and its unit, which follows the number.
+const std::pair<const char*, const char*> kUnits[] = {
+    {"reach", " m"}, {"largest_distance", " m"}, {"largest_angle_rad", " rad"}};
+std::string Unit(const std::string& key) {
+  for (const auto& [name, unit] : kUnits) {
+    if (key == name) return unit;
+  }
+  return "";
+}
 std::string Label(std::string key) {
+  if (key.size() > 4 && key.rfind("_rad") == key.size() - 4) key.resize(key.size() - 4);
   std::replace(key.begin(), key.end(), '_', ' ');
   return key;
 }
@@ -58,8 +67,8 @@ std::string TableLine(const Row& row) {
 std::string Line(const Row& row) {
   std::string values;
   for (const auto& item : row.values.items()) {
-    values +=
-        fmt::format("{}{} {}", values.empty() ? "" : ", ", Label(item.key()), Plain(item.value()));
+    values += fmt::format("{}{} {}{}", values.empty() ? "" : ", ", Label(item.key()),
+                          Plain(item.value()), Unit(item.key()));
   }
   return fmt::format("  {:{}}  {}\n", row.check, kLabelWidth, values);
 }
@@ -82,7 +91,8 @@ std::string Rows(const std::vector<Row>& rows) {
 std::string Numbers(const Case& shown) {
   std::string text;
   for (const auto& [name, values] : shown.numbers) {
-    text += fmt::format("\n      {:9}", name);
+    const char* unit = name == "eerot" ? "" : name == "eetrans" ? "[m]" : "[rad]";
+    text += fmt::format("\n      {:8} {:5} ", name, unit);
     for (size_t i = 0; i < values.size(); ++i) {
       text += fmt::format("{}{}", i == 0 ? "" : ", ", fmt::format("{:.9g}", values[i]));
     }
@@ -92,17 +102,33 @@ std::string Numbers(const Case& shown) {
 
 }  // namespace
 
-bool Report::HasFaults() const {
-  for (size_t i = 0; i < kFindingCount; ++i) {
-    if (tallies_[i].bad > 0 && KindOf(static_cast<Finding>(i)).fault) return true;
-  }
-  return false;
+bool Report::Found(Finding finding) const {
+  const Finding cause = KindOf(finding).cause;
+  if (Count(finding) == 0 || (cause != Finding::kCount && Count(cause) > 0)) return false;
+  // Where most solutions lead elsewhere, by a frame or a joint's zero that is another one, that is
+  // what keeps others from being found, and the arm from being the one described.
+  constexpr Finding kOfAnother[] = {Finding::kUnsolved, Finding::kUnsolvedSingular,
+                                    Finding::kMissedJoints, Finding::kMissedSingular,
+                                    Finding::kOtherArm};
+  return 2 * Count(Finding::kWrongSolution) <= Judged(Finding::kWrongSolution) ||
+         std::count(std::begin(kOfAnother), std::end(kOfAnother), finding) == 0;
 }
 
-bool Report::HasFindings() const {
-  return std::any_of(tallies_.begin(), tallies_.end(),
-                     [](const Tally& tally) { return tally.bad > 0; });
+std::vector<Finding> Report::Findings() const {
+  std::vector<Finding> findings;
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    if (Found(static_cast<Finding>(i))) findings.push_back(static_cast<Finding>(i));
+  }
+  return findings;
 }
+
+bool Report::HasFaults() const {
+  const std::vector<Finding> findings = Findings();
+  return std::any_of(findings.begin(), findings.end(),
+                     [](Finding finding) { return KindOf(finding).fault; });
+}
+
+bool Report::HasFindings() const { return !Findings().empty(); }
 
 std::string Report::FindingText(Finding finding) const {
   const Tally& tally = tallies_[static_cast<size_t>(finding)];
@@ -117,9 +143,8 @@ std::string Report::FindingText(Finding finding) const {
 
 std::string Report::Summary() const {
   std::string names[2];
-  for (size_t i = 0; i < kFindingCount; ++i) {
-    if (tallies_[i].bad == 0) continue;
-    const FindingKind& kind = KindOf(static_cast<Finding>(i));
+  for (const Finding finding : Findings()) {
+    const FindingKind& kind = KindOf(finding);
     std::string& list = names[kind.fault ? 0 : 1];
     list += (list.empty() ? "" : ", ") + std::string(kind.name);
   }
@@ -142,9 +167,7 @@ std::string Report::Text() const {
     text += fmt::format("  not finished: \"{}\", {} calls did not return\n", check, lost);
   }
   if (!stopped.empty()) text += "  stopped " + stopped + '\n';
-  for (size_t i = 0; i < kFindingCount; ++i) {
-    if (tallies_[i].bad > 0) text += FindingText(static_cast<Finding>(i));
-  }
+  for (const Finding finding : Findings()) text += FindingText(finding);
   if (!HasFindings()) text += "  sound, nothing found\n";
   return text;
 }
@@ -188,9 +211,7 @@ Json Report::ToJson() const {
   }
   json["stopped"] = stopped;
   json["findings"] = Json::array();
-  for (size_t i = 0; i < kFindingCount; ++i) {
-    if (tallies_[i].bad > 0) json["findings"].push_back(FindingJson(static_cast<Finding>(i)));
-  }
+  for (const Finding finding : Findings()) json["findings"].push_back(FindingJson(finding));
   return json;
 }
 

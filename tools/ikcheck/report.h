@@ -54,6 +54,8 @@ class Report {
 
   size_t Judged(Finding finding) const { return tallies_[static_cast<size_t>(finding)].judged; }
   size_t Count(Finding finding) const { return tallies_[static_cast<size_t>(finding)].bad; }
+  /// Whether a finding is to be told: it has been seen, and is not what another one causes.
+  bool Found(Finding finding) const;
   bool HasFaults() const;
   bool HasFindings() const;
 
@@ -78,6 +80,7 @@ class Report {
     double badness = 0.0;
     Case worst;
   };
+  std::vector<Finding> Findings() const;
   std::string FindingText(Finding finding) const;
   Json FindingJson(Finding finding) const;
 

@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstring>
 
 #include "../../io/error.h"
@@ -92,6 +93,7 @@ void Session::Run(size_t count, const std::function<void(const Solver&, size_t)>
 
 template <typename Answer>
 void Session::JudgeEnds(const SharedArray<Answer>& answers,
+                        const std::function<bool(size_t)>& finite,
                         const std::function<Case(size_t, std::string)>& case_of) {
   for (size_t i = 0; i < answers.size(); ++i) {
     const Answer& answer = answers[i];
@@ -100,7 +102,8 @@ void Session::JudgeEnds(const SharedArray<Answer>& answers,
     report.Passed(Finding::kExit);
     report.Judge(Finding::kHang, answer.outcome != Outcome::kEndless,
                  [&] { return case_of(i, "adds solutions without end"); });
-    report.Judge(Finding::kException, answer.outcome != Outcome::kThrew,
+    report.Judge(finite(i) ? Finding::kException : Finding::kThrowsNonFinite,
+                 answer.outcome != Outcome::kThrew,
                  [&] { return case_of(i, fmt::format("threw \"{}\"", answer.what)); });
   }
 }
@@ -113,8 +116,24 @@ SharedArray<FkAnswer> Session::Forward(const std::vector<Joints>& joints) {
   Run(
       joints.size(), [&](const Solver& solver, size_t i) { solver.Forward(joints[i], answers[i]); },
       case_of);
-  JudgeEnds(answers, case_of);
+  JudgeEnds(
+      answers, [&](size_t i) { return AllFinite(joints[i]); }, case_of);
+  for (size_t i = 0; i < answers.size(); ++i) JudgePose(joints[i], answers[i]);
   return answers;
+}
+
+// There is no right answer to joints that aren't finite.
+void Session::JudgePose(const Joints& joints, FkAnswer& answer) {
+  if (answer.outcome != Outcome::kReturned || !AllFinite(joints)) return;
+  const bool finite = AllFinite(answer.pose);
+  const double off = OffRotation(answer.pose.rotation);
+  const bool pose = finite && off <= kLooseError;
+  report.Judge(Finding::kForwardNotPose, pose, finite ? off : std::nan(""), [&] {
+    return CaseOf(finite ? fmt::format("ComputeFk: products of its columns off by {:.3g}", off)
+                         : "ComputeFk: not finite",
+                  joints);
+  });
+  if (!pose) answer.outcome = Outcome::kNoPose;
 }
 
 SharedArray<IkAnswer> Session::Solve(const std::vector<IkRequest>& requests) {
@@ -128,7 +147,8 @@ SharedArray<IkAnswer> Session::Solve(const std::vector<IkRequest>& requests) {
         solver.Solve(requests[i].pose, requests[i].standing, answers[i]);
       },
       case_of);
-  JudgeEnds(answers, case_of);
+  JudgeEnds(
+      answers, [&](size_t i) { return AllFinite(requests[i].pose); }, case_of);
   for (size_t i = 0; i < answers.size(); ++i) {
     if (answers[i].outcome == Outcome::kReturned) JudgeContract(requests[i], answers[i]);
   }

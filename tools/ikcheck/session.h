@@ -88,8 +88,9 @@ class Session {
 
  private:
   template <typename Answer>
-  void JudgeEnds(const SharedArray<Answer>& answers,
+  void JudgeEnds(const SharedArray<Answer>& answers, const std::function<bool(size_t)>& finite,
                  const std::function<Case(size_t, std::string)>& case_of);
+  void JudgePose(const Joints& joints, FkAnswer& answer);
   void JudgeLayout(const IkRequest& request, const IkAnswer& answer);
   void JudgeContract(const IkRequest& request, const IkAnswer& answer);
 

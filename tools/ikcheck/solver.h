@@ -19,8 +19,9 @@ struct Pose {
   double rotation[9];  ///< row-major, tool frame to base frame
 };
 
-/// How a call ended; kEndless: it would not stop adding solutions.
-enum class Outcome { kNotRun = 0, kReturned, kThrew, kEndless };
+/// How a call ended; kEndless: it would not stop adding solutions; kNoPose: what ComputeFk gave for
+/// finite joints is no pose, which the session sees.
+enum class Outcome { kNotRun = 0, kReturned, kThrew, kEndless, kNoPose };
 
 constexpr size_t kWhatBytes = 80;
 
