@@ -34,16 +34,15 @@ struct PolishedPair {
 template <const Blocks& blocks>
 PolishedPair PolishPair(const Chain& chain, const Frame& within, const double* a, const double* b,
                         int most) {
-  // With a first step below the one and each further one below this part of the one before, there
-  // is one solution near, and it is on this side of the folds.
-  constexpr double kFirstRad = 0.1;
+  // Where each step is below this part of the one before, and the first below as many radians,
+  // there is one solution near, and it is on this side of the folds.
   constexpr double kShrinking = 0.1;
   // A longer step says which way at the best.
   constexpr double kLongestRad = 0.2;
   PolishedPair pair;
   PutJoints(chain, within, a, b, pair.at);
   pair.doubtful = Mask{0, 0};
-  Lanes before = kFirstRad / kShrinking * kOne;
+  Lanes before = kOne;
   for (int n = 0;; ++n) {
     pair.reached = pair.at.off <= kPolished;
     if (!Any(~pair.reached) || n == most) break;
