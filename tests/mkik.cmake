@@ -3,6 +3,7 @@ qal_require(kdl_parser libkdl-parser-dev)
 qal_test_program(
   qal_mkik_test
   SOURCES mkik/arms_test.cpp mkik/mkik_test.cpp mkik/near_family_test.cpp
+          mkik/offset_wrist_test.cpp
   LIBRARIES qal_mkik kdl_parser::kdl_parser
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_MKIK="$<TARGET_FILE:mkik>"
   NEEDS mkik)

@@ -25,7 +25,8 @@ struct Body {
   double upper_arm;               ///< axis 2 to axis 3; positive
   double forearm;                 ///< axis 3 to its end; positive
   Matrix<double> tool;            ///< the tool frame in the flange's, which model angle 6 rotates
-  Vector<double> centre_in_tool;  ///< the wrist's centre in the tool frame
+  Vector<double> centre_in_tool;  ///< the wrist's centre in the tool frame; of an offset wrist the
+                                  ///< point of axis 6 that is nearest to it
   double direction[6];            ///< 1, or -1 for a joint that counts against its model angle
   double zero[6];                 ///< model angles with all joints at zero [rad], in (-pi, pi]
   /// How far past the rim of what is reached a target still counts as on it: 0, or what the arm

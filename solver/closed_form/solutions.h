@@ -43,6 +43,15 @@ class Solutions {
     }
   }
 
+  /// Adds one solution of these model angles, while there is room.
+  void Add(const Body& body, const Joints& angles) {
+    if (count_ == kMost) return;
+    for (size_t j = 0; j < 6; ++j) {
+      joints_[count_][j] = WrapAngle(body.direction[j] * (angles[j] - body.zero[j]) * kOne)[0];
+    }
+    ++count_;
+  }
+
   size_t Count() const { return count_; }
   const Joints* begin() const { return joints_.data(); }
   const Joints* end() const { return joints_.data() + count_; }

@@ -97,8 +97,8 @@ TEST_F(Description, IsRefusedWithFileLineAndReason) {
 // By the conditions that it misses, angles first; a short link keeps it out as well.
 TEST_F(Family, IsRefusedWithTheAxesThatKeepTheArmOut) {
   const Change changes[] = {
-      {"reference.urdf", "joint_5", "0 1 0", "1 1 0", "no closed form for this arm; correct its axes, or give a solver made elsewhere in its place (libik.so). Not three parallel axes (axes 3 and 4 are 90 degrees off parallel, axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle). Not spherical wrist (axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle). Angles between axes: 1-2 90, 2-3 0, 3-4 90, 4-5 45, 5-6 45 degrees."},
-      {"reference.urdf", "joint_6", "0 0 0", "0 0 0.01", "Not spherical wrist (axis 6 and the point where axes 4 and 5 meet are 0.01 m apart)"},
+      {"reference.urdf", "joint_5", "0 1 0", "1 1 0", "no closed form for this arm; correct its axes, or give a solver made elsewhere in its place (libik.so). Not three parallel axes (axes 3 and 4 are 90 degrees off parallel, axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle). Not spherical wrist (axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle). Not offset wrist (axes 4 and 5 are 45 degrees off a right angle, axes 5 and 6 are 45 degrees off a right angle). Angles between axes: 1-2 90, 2-3 0, 3-4 90, 4-5 45, 5-6 45 degrees."},
+      {"reference.urdf", "joint_5", "0.200 0 0", "0.200 0 0.01", "Not spherical wrist (axes 4 and 5 are 0.01 m apart). Not offset wrist (axes 4 and 5 are 0.01 m apart)."},
       {"reference.urdf", "joint_2", "0 1 0", "0 1 0.1", "Not spherical wrist (axes 1 and 2 are 5.711 degrees off a right angle, axes 2 and 3 are 5.711 degrees off parallel)"},
       {"reference.urdf", "joint_3", "0 1 0", "0 1 0.0175", "Not spherical wrist (axes 2 and 3 are 1.003 degrees off parallel)"},
       {"reference.urdf", "joint_3", "0 0 0.400", "0 0.4 0", "Not spherical wrist (axes 2 and 3 are only 0 m apart)"},

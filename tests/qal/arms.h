@@ -18,7 +18,7 @@ namespace qal {
 constexpr const char* kArmFiles[] = {
     "reference.urdf",         "bench_spherical.urdf",        "foundry_spherical.urdf",
     "ceiling_spherical.urdf", "welding_ortho_parallel.json", "bench_parallel.urdf",
-    "service_parallel.urdf",  "carrying_parallel.toml"};
+    "service_parallel.urdf",  "carrying_parallel.toml",      "laboratory_offset.urdf"};
 
 inline ArmDescription Describe(const std::string& file) {
   return io::ReadDescription(QAL_ARMS_DIR "/" + file, {});

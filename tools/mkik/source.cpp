@@ -19,6 +19,7 @@ using closed_form::Body;
 using closed_form::Chain;
 using closed_form::Frame;
 using closed_form::Link;
+using closed_form::OffsetWristArm;
 using closed_form::ParallelAxesArm;
 using closed_form::PolishedArm;
 using closed_form::SinCos;
@@ -80,6 +81,7 @@ std::string Text(const Chain& chain) {
 
 const char* TypeOf(const SphericalWristArm& /*arm*/) { return "SphericalWristArm"; }
 const char* TypeOf(const ParallelAxesArm& /*arm*/) { return "ParallelAxesArm"; }
+const char* TypeOf(const OffsetWristArm& /*arm*/) { return "OffsetWristArm"; }
 template <class Member>
 std::string TypeOf(const PolishedArm<Member>& arm) {
   return fmt::format("PolishedArm<qal::closed_form::{}>", TypeOf(arm.member));
@@ -101,6 +103,15 @@ std::string Text(const ParallelAxesArm& arm) {
       Text(arm.body), Text(arm.wrist_offset_x), Text(arm.wrist_offset_z));
 }
 
+std::string Text(const OffsetWristArm& arm) {
+  return fmt::format(
+      "{{\n{}"
+      "    /*lean*/ {},\n"
+      "    /*wrist_offset_y*/ {},\n"
+      "    /*wrist_offset_z*/ {}}}",
+      Text(arm.body), Text(arm.lean), Text(arm.wrist_offset_y), Text(arm.wrist_offset_z));
+}
+
 template <class Member>
 std::string Text(const PolishedArm<Member>& arm) {
   return fmt::format(
@@ -110,15 +121,21 @@ std::string Text(const PolishedArm<Member>& arm) {
       Text(arm.member), Text(arm.chain), Text(arm.apart_m), Text(arm.apart));
 }
 
-// The headers that an arm's type takes.
-std::vector<const char*> FamilyTexts(const SphericalWristArm& /*arm*/) {
-  return {kSphericalWristText};
+// The solving code of an arm's type, in the order of the files' includes.
+std::vector<const char*> SolvingTexts(const SphericalWristArm& /*arm*/) {
+  return {kElbowText, kWristText, kSphericalWristText};
 }
-std::vector<const char*> FamilyTexts(const ParallelAxesArm& /*arm*/) { return {kParallelAxesText}; }
+std::vector<const char*> SolvingTexts(const ParallelAxesArm& /*arm*/) {
+  return {kElbowText, kWristText, kParallelAxesText};
+}
+std::vector<const char*> SolvingTexts(const OffsetWristArm& /*arm*/) {
+  return {kOffsetWristArmText, kOffsetWristWaysText, kOffsetWristNodesText, kOffsetWristSearchText,
+          kOffsetWristText};
+}
 template <class Member>
-std::vector<const char*> FamilyTexts(const PolishedArm<Member>& arm) {
+std::vector<const char*> SolvingTexts(const PolishedArm<Member>& arm) {
   std::vector<const char*> texts = {kChainText, kNewtonText, kPolishedText};
-  for (const char* text : FamilyTexts(arm.member)) texts.push_back(text);
+  for (const char* text : SolvingTexts(arm.member)) texts.push_back(text);
   return texts;
 }
 
@@ -169,13 +186,12 @@ std::string SolverExports() { return kExportsText; }
 
 std::string SolverSource(const ArmDescription& arm, const FittedModel& fitted) {
   std::string source = Heading(arm, fitted);
-  std::vector<const char*> texts = {kIkfastText, kAnglesText,   kGeometryText,
-                                    kBodyText,   kShoulderText, kSolutionsText,
-                                    kSolveText,  kElbowText,    kWristText};
+  std::vector<const char*> texts = {kIkfastText,   kAnglesText,    kGeometryText, kBodyText,
+                                    kShoulderText, kSolutionsText, kSolveText};
   std::string constant;
   std::visit(
       [&](const auto& a) {
-        for (const char* text : FamilyTexts(a)) texts.push_back(text);
+        for (const char* text : SolvingTexts(a)) texts.push_back(text);
         constant = fmt::format("constexpr qal::closed_form::{} kArm = {};\n", TypeOf(a), Text(a));
       },
       fitted.model);

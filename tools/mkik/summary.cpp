@@ -31,7 +31,13 @@ std::vector<std::pair<std::string, double>> LengthsOf(const Member& member) {
     lengths.emplace_back("wrist_offset", offset);
     reach += offset;
   }
-  lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
+  if (const auto* arm = std::get_if<closed_form::OffsetWristArm>(&model)) {
+    lengths.emplace_back("offset_along_5", arm->wrist_offset_y);
+    lengths.emplace_back("offset_5_to_6", arm->wrist_offset_z);
+    lengths.emplace_back("axis_6_to_tip", Length(body.centre_in_tool));
+  } else {
+    lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
+  }
   lengths.emplace_back("reach", reach);
   return lengths;
 }
@@ -42,6 +48,9 @@ const char* Meaning(const std::string& length) {
   if (length == "upper_arm") return "axis 2 to axis 3";
   if (length == "forearm") return "axis 3 to axis 4, or to the wrist's centre";
   if (length == "wrist_offset") return "axis 4 to the wrist's centre";
+  if (length == "offset_along_5") return "the wrist's centre to where axis 6 passes, along axis 5";
+  if (length == "offset_5_to_6") return "axis 5 to axis 6, at right angles to both";
+  if (length == "axis_6_to_tip") return "where axis 6 passes the wrist's centre to the tip";
   if (length == "centre_to_tip") return "the wrist's centre to the tip";
   return "axis 2 to the wrist's centre at the most";
 }

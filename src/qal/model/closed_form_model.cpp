@@ -44,14 +44,19 @@ TipDifference Difference(const Member& member, const ArmDescription& arm, int jo
   return largest;
 }
 
+// On axis 5.
+Vector3 WristCentre(Family family, const Axes& axes) {
+  return MeetingOf(axes[4], axes[family == Family::kThreeParallelAxes ? 5 : 3]).point;
+}
+
 template <class Member>
-PolishedArm<Member> Polished(const Member& member, const ArmDescription& arm, const Axes& axes,
+PolishedArm<Member> Polished(const Member& member, const ArmDescription& arm, const Vector3& centre,
                              const TipDifference& difference) {
   // By so much, in differences, targets are moved to find ways that the member itself has not, and
   // targets past the rim still count as reached.
   constexpr double kNearby = 4;
   constexpr double kSlack = 2;
-  PolishedArm<Member> polished = {member, MakeChain(arm, MeetingOf(axes[4], axes[5]).point), 0, {}};
+  PolishedArm<Member> polished = {member, MakeChain(arm, centre), 0, {}};
   const double lever = Length(member.body.centre_in_tool);
   polished.member.body.slack = kSlack * (difference.position_m + lever * difference.angle_rad);
   polished.apart_m = kNearby * difference.position_m;
@@ -68,6 +73,7 @@ std::optional<FittedModel> MakeModel(const ArmDescription& arm, Geometry geometr
   const FamilyFit* const fit = report.Fitting();
   if (fit == nullptr) return std::nullopt;
   const Axes axes = NearestMember(AxesOf(arm), ConditionsOf(fit->family));
+  const Vector3 centre = WristCentre(fit->family, axes);
   const Member nearest = MakeMember(fit->family, arm, axes);
   return std::visit(
       [&](const auto& member) {
@@ -75,7 +81,7 @@ std::optional<FittedModel> MakeModel(const ArmDescription& arm, Geometry geometr
         const bool exact = difference.position_m <= kExact && difference.angle_rad <= kExact;
         const bool polished = geometry == Geometry::kDescribed && !exact;
         FittedModel fitted = {member, nearest, fit->family, fit->nearest, exact, polished};
-        if (polished) fitted.model = Polished(member, arm, axes, difference);
+        if (polished) fitted.model = Polished(member, arm, centre, difference);
         return fitted;
       },
       nearest);

@@ -14,8 +14,10 @@
 namespace qal {
 
 using Model = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm,
+                           closed_form::OffsetWristArm,
                            closed_form::PolishedArm<closed_form::SphericalWristArm>,
-                           closed_form::PolishedArm<closed_form::ParallelAxesArm>>;
+                           closed_form::PolishedArm<closed_form::ParallelAxesArm>,
+                           closed_form::PolishedArm<closed_form::OffsetWristArm>>;
 
 /// How far two arms' tips are from each other at the most, for the same joints.
 struct TipDifference {

@@ -94,7 +94,15 @@ FamilyFit Compare(Family family, const Axes& axes) {
 }  // namespace
 
 const char* FamilyName(Family family) {
-  return family == Family::kSphericalWrist ? "spherical wrist" : "three parallel axes";
+  switch (family) {
+    case Family::kThreeParallelAxes:
+      return "three parallel axes";
+    case Family::kSphericalWrist:
+      return "spherical wrist";
+    case Family::kOffsetWrist:
+      break;
+  }
+  return "offset wrist";
 }
 
 const AxisConditions& ConditionsOf(Family family) {
@@ -104,7 +112,18 @@ const AxisConditions& ConditionsOf(Family family) {
   static const AxisConditions kSphericalWrist = {
       {Kind::kRightAngle, 1, 2}, {Kind::kParallel, 2, 3}, {Kind::kRightAngle, 4, 5},
       {Kind::kRightAngle, 5, 6}, {Kind::kMeeting, 4, 5},  {Kind::kThroughCentre, 6}};
-  return family == Family::kSphericalWrist ? kSphericalWrist : kThreeParallelAxes;
+  static const AxisConditions kOffsetWrist = {{Kind::kRightAngle, 1, 2}, {Kind::kParallel, 2, 3},
+                                              {Kind::kRightAngle, 3, 4}, {Kind::kRightAngle, 4, 5},
+                                              {Kind::kRightAngle, 5, 6}, {Kind::kMeeting, 4, 5}};
+  switch (family) {
+    case Family::kThreeParallelAxes:
+      return kThreeParallelAxes;
+    case Family::kSphericalWrist:
+      return kSphericalWrist;
+    case Family::kOffsetWrist:
+      break;
+  }
+  return kOffsetWrist;
 }
 
 const FamilyFit* FamilyReport::Fitting() const {
@@ -116,7 +135,8 @@ const FamilyFit* FamilyReport::Fitting() const {
 FamilyReport ExamineFamilies(const ArmDescription& arm) {
   const Axes axes = AxesOf(arm);
   FamilyReport report = {};
-  for (const Family family : {Family::kThreeParallelAxes, Family::kSphericalWrist}) {
+  for (const Family family :
+       {Family::kThreeParallelAxes, Family::kSphericalWrist, Family::kOffsetWrist}) {
     report.fits.push_back(Compare(family, axes));
   }
   for (size_t j = 0; j + 1 < axes.size(); ++j) {

@@ -13,9 +13,10 @@ namespace qal {
 enum class Family {
   kThreeParallelAxes,
   kSphericalWrist,
+  kOffsetWrist,
 };
 
-/// "three parallel axes", "spherical wrist"
+/// "three parallel axes", "spherical wrist", "offset wrist"
 QAL_API const char* FamilyName(Family family);
 
 /// How far an arm's axes may be from those of a family's nearest member.

@@ -8,6 +8,7 @@ namespace qal {
 namespace {
 
 using closed_form::Body;
+using closed_form::OffsetWristArm;
 using closed_form::ParallelAxesArm;
 using closed_form::SinCos;
 using closed_form::SphericalWristArm;
@@ -64,7 +65,7 @@ double AngleAbout(const Vector3& axis, const Vector3& from, const Vector3& to) {
   return std::atan2(Dot(Cross(from, to), axis), Dot(from, to));
 }
 
-// What both families share, and what the rest is found from.
+// What the families share, and what the rest is found from.
 struct Start {
   Body body;
   Axes axes;
@@ -110,9 +111,14 @@ Start MakeStart(const ArmDescription& arm, const Axes& axes, const Vector3& cent
   return start;
 }
 
-Member MakeSphericalWrist(const ArmDescription& arm, const Axes& axes) {
-  const Vector3 centre = MeetingOf(axes[4], axes[3]).point;
-  Start start = MakeStart(arm, axes, centre, centre);
+// A wrist whose axis 4 ends the forearm.
+struct ForearmWrist {
+  SinCos<double> lean, skew;
+  Matrix3 flange;  // in the arm's frame, with the joints at zero
+};
+
+// Completes the body as well.
+ForearmWrist MakeForearmWrist(Start& start) {
   Body& body = start.body;
   const Vector3& axis4 = start.axes[3].direction;
   const Vector3& axis5 = start.axes[4].direction;
@@ -128,7 +134,30 @@ Member MakeSphericalWrist(const ArmDescription& arm, const Axes& axes) {
   body.zero[4] = TidyAngle(angle5);
   const Matrix3 flange = frame4 * (RotationMatrix(kX, angle4) * RotationMatrix(kY, angle5));
   body.tool = Tidy(Transposed(flange) * start.tip);
-  return SphericalWristArm{body, TidySinCos(pitch - start.forearm_pitch), TidySinCos(skew)};
+  return {TidySinCos(pitch - start.forearm_pitch), TidySinCos(skew), flange};
+}
+
+Member MakeSphericalWrist(const ArmDescription& arm, const Axes& axes) {
+  const Vector3 centre = MeetingOf(axes[4], axes[3]).point;
+  Start start = MakeStart(arm, axes, centre, centre);
+  const ForearmWrist wrist = MakeForearmWrist(start);
+  return SphericalWristArm{start.body, wrist.lean, wrist.skew};
+}
+
+Member MakeOffsetWrist(const ArmDescription& arm, const Axes& axes) {
+  const Vector3 centre = MeetingOf(axes[4], axes[3]).point;
+  Start start = MakeStart(arm, axes, centre, centre);
+  const ForearmWrist wrist = MakeForearmWrist(start);
+  // The point of axis 6 nearest to the wrist's centre.
+  const auto nearest = [](const Line& axis, const Vector3& point) {
+    return axis.point + Dot(point - axis.point, axis.direction) * axis.direction;
+  };
+  const Frame tip = ToFrame(TipFrame(arm, {}));
+  start.body.centre_in_tool =
+      Tidy(Transposed(tip.rotation) * (nearest(axes[5], centre) - tip.position));
+  const Vector3 offset =
+      Transposed(wrist.flange) * (nearest(start.axes[5], start.centre) - start.centre);
+  return OffsetWristArm{start.body, wrist.lean, Tidy(offset[1]), Tidy(offset[2])};
 }
 
 Member MakeParallelAxes(const ArmDescription& arm, const Axes& axes) {
@@ -152,8 +181,15 @@ Member MakeParallelAxes(const ArmDescription& arm, const Axes& axes) {
 }  // namespace
 
 Member MakeMember(Family family, const ArmDescription& arm, const Axes& axes) {
-  return family == Family::kSphericalWrist ? MakeSphericalWrist(arm, axes)
-                                           : MakeParallelAxes(arm, axes);
+  switch (family) {
+    case Family::kThreeParallelAxes:
+      return MakeParallelAxes(arm, axes);
+    case Family::kSphericalWrist:
+      return MakeSphericalWrist(arm, axes);
+    case Family::kOffsetWrist:
+      break;
+  }
+  return MakeOffsetWrist(arm, axes);
 }
 
 const Body& BodyOf(const Member& member) {

@@ -3,6 +3,7 @@
 
 #include <variant>
 
+#include "../../../solver/closed_form/offset_wrist.h"
 #include "../../../solver/closed_form/parallel_axes.h"
 #include "../../../solver/closed_form/spherical_wrist.h"
 #include "family.h"
@@ -11,7 +12,8 @@
 // Internal: the constants of a family's closed form.
 namespace qal {
 
-using Member = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm>;
+using Member = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm,
+                            closed_form::OffsetWristArm>;
 
 /// The member of a family that has these axes. Lengths and angles within 1e-13 of a plain number
 /// become that number.

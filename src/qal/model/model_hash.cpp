@@ -13,6 +13,7 @@ using closed_form::Chain;
 using closed_form::Frame;
 using closed_form::Link;
 using closed_form::Matrix;
+using closed_form::OffsetWristArm;
 using closed_form::ParallelAxesArm;
 using closed_form::PolishedArm;
 using closed_form::SinCos;
@@ -61,6 +62,12 @@ class Hash {
   void Add(const ParallelAxesArm& arm) {
     Add(arm.body);
     Add(arm.wrist_offset_x);
+    Add(arm.wrist_offset_z);
+  }
+  void Add(const OffsetWristArm& arm) {
+    Add(arm.body);
+    Add(arm.lean);
+    Add(arm.wrist_offset_y);
     Add(arm.wrist_offset_z);
   }
   void Add(const Chain& chain) {
