@@ -8,3 +8,6 @@ if(QAL_BUILD_TOOLS AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
            COMMAND ikcheck $<TARGET_FILE:ik> --strict --arm
                    ${PROJECT_SOURCE_DIR}/arms/reference.urdf)
 endif()
+
+# The general method, of which the reference arm's solver has nothing.
+qal_test_program(qal_general_solver_test SOURCES solver/general_test.cpp LIBRARIES qal_static)
