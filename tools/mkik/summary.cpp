@@ -31,7 +31,7 @@ std::vector<std::pair<std::string, double>> LengthsOf(const Member& member) {
     lengths.emplace_back("wrist_offset", offset);
     reach += offset;
   }
-  if (const auto* arm = std::get_if<closed_form::OffsetWristArm>(&model)) {
+  if (const auto* arm = std::get_if<closed_form::OffsetWristArm>(&member)) {
     lengths.emplace_back("offset_along_5", arm->wrist_offset_y);
     lengths.emplace_back("offset_5_to_6", arm->wrist_offset_z);
     lengths.emplace_back("axis_6_to_tip", Length(body.centre_in_tool));
