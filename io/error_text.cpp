@@ -148,8 +148,10 @@ std::string Words::OfArm() const {
     case Reason::kSolverType:
       return fmt::format("the solver is of type {:#x}; one for full poses, {:#x}, is expected",
                          static_cast<int64_t>(error_.value), static_cast<int64_t>(error_.bound));
-    case Reason::kNoClosedForm:
-      return "no closed form for this arm; mkik says which axes keep it out";
+    case Reason::kSingularEverywhere:
+      return "the arm is singular everywhere; mkik says what its axes are like";
+    case Reason::kNoFamily:
+      return "the arm is near no family, and has no nearest member";
     case Reason::kLimits:
       return Limit();
     default:

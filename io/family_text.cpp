@@ -57,14 +57,37 @@ std::string AnglesFound(const FamilyReport& report) {
 
 }  // namespace
 
-std::string FamilyText(const FamilyReport& report) {
-  std::string text =
-      "no closed form for this arm; correct its axes, or give a solver made elsewhere in its place "
-      "(libik.so).";
-  for (const FamilyFit& fit : report.fits) {
-    text += fmt::format(" Not {} ({}).", FamilyName(fit.family), DeviationsText(fit.deviations));
+std::string SingularText(const FamilyReport& report) {
+  // What people see most: a gripper's joint in line with the last one, too many joints in a plane.
+  constexpr double kParallelRad = 1e-3;
+  constexpr double kOneLineM = 1e-4;
+  std::string cause;
+  size_t parallel = 0;
+  for (size_t j = 0; j < report.axis_angles_rad.size(); ++j) {
+    parallel = report.axis_angles_rad[j] < kParallelRad ? parallel + 1 : 0;
+    if (parallel == 3) cause += fmt::format(" Axes {} to {} are parallel.", j - 1, j + 2);
+    if (parallel > 0 && report.axis_distances_m[j] < kOneLineM) {
+      cause += fmt::format(" Axes {} and {} are one line.", j + 1, j + 2);
+    }
   }
-  return text + fmt::format(" Angles between axes: {} degrees.", AnglesFound(report));
+  return fmt::format(
+      "check which six joints are the arm's: with these its tool lacks a way to move wherever it "
+      "is, and its poses have no solution or infinitely many.{} Angles between axes: {} degrees.",
+      cause, AnglesFound(report));
+}
+
+std::string FamiliesMissedText(const FamilyReport& report) {
+  std::vector<std::string> texts;
+  for (const FamilyFit& fit : report.fits) {
+    texts.push_back(
+        fmt::format("not {} ({})", FamilyName(fit.family), DeviationsText(fit.deviations)));
+  }
+  return fmt::format("{}", fmt::join(texts, ", "));
+}
+
+std::string NoFamilyText(const FamilyReport& report) {
+  return fmt::format("leave --nominal out: the arm is near no family; {}",
+                     FamiliesMissedText(report));
 }
 
 std::string DeviationText(const AxisDeviation& deviation) {

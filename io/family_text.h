@@ -7,9 +7,14 @@
 
 namespace qal::io {
 
-/// Why an arm has no closed form: for each family the axes that keep it out and by how much, and
-/// the angles that were found.
-std::string FamilyText(const FamilyReport& report);
+/// Why an arm can't be solved: what its axes are like.
+std::string SingularText(const FamilyReport& report);
+
+/// Why there is no nominal arm: for each family the axes that keep it out, and by how much.
+std::string NoFamilyText(const FamilyReport& report);
+
+/// "not three parallel axes (axes 3 and 4 are 90 degrees off parallel), not spherical wrist (...)"
+std::string FamiliesMissedText(const FamilyReport& report);
 
 /// "0.013 degrees and 0.099 mm"
 std::string DeviationText(const AxisDeviation& deviation);

@@ -16,7 +16,11 @@ Solver SolverOf(const ArmFile& file, const ArmDescription& description, Geometry
   if (file.solver.empty()) {
     const Result<Solver> closed_form = Solver::ClosedForm(description, geometry);
     if (closed_form) return *closed_form;
-    throw Failure(fmt::format("{}: {}", file.name, FamilyText(ExamineFamilies(description))));
+    const FamilyReport report = ExamineFamilies(description);
+    throw Failure(fmt::format("{}: {}", file.name,
+                              closed_form.error().reason == Reason::kNoFamily
+                                  ? NoFamilyText(report)
+                                  : SingularText(report)));
   }
   const Result<Solver> solver = Solver::Load(file.solver);
   if (!solver) throw UsageError(fmt::format("{}: {}", file.solver, ErrorText(solver.error())));

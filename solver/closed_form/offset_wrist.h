@@ -98,14 +98,12 @@ class OffsetWristSolver {
   // Takes the solution that a candidate leads to, unless that is further away than `off` [rad].
   bool operator()(const Candidate& start, double off) {
     // At this the position and each matrix element are within 1e-10 of the target.
-    constexpr double kExact = 2e-11;
-    const Body& body = arm_.body;
-    const double most_miss = kExact + body.slack / (body.upper_arm + body.forearm);
+    constexpr double kMostMiss = 2e-11;
     // Solutions nearer to each other are one, found twice.
     constexpr double kSame = 1e-7;
     Candidate candidate = start;
     const Miss miss = Polish(candidate);
-    if (!(miss.Square() <= most_miss * most_miss)) return false;
+    if (!(miss.Square() <= kMostMiss * kMostMiss)) return false;
     if (!last_resort_ && Distance(start, candidate) > off) return false;
     for (size_t i = 0; i < solutions_.Count(); ++i) {
       if (Distance(taken_[i], candidate) < kSame) return true;
@@ -176,7 +174,9 @@ inline Solutions Solve(const OffsetWristArm& arm, const Frame& target) {
   return OffsetWristSolver(arm, target).Run();
 }
 
-/// The ways to reach `target` for an arm that is only near the family; see the other families'.
+/// The ways to reach `target` for an arm that is only near the family. The body's slack doesn't
+/// count: where two solutions come near to being one, the arm may have them though the member has
+/// not, so that the two may not differ by more than what makes that rare.
 inline Solutions SeedsOf(const OffsetWristArm& arm, const Frame& target) {
   return Solve(arm, target);
 }

@@ -194,23 +194,18 @@ class WaySearch {
     const Cubic cubic(at_a.value, width * at_a.slope, at_b.value, width * at_b.slope);
     const double turn2 = Turn(a, b) * Turn(a, b);
     const double margin = size_ * (turn2 * turn2 / kMargin + kMostRounding);
-    // What an excess may be where a target past the rim still counts as on it.
-    const double slack = 2 * arm_.body.forearm * arm_.body.slack;
     double extrema[2];
     const int count = cubic.Extrema(extrema);
     double cut = -1;
-    double rim = -1;
     int changes = 0;
     bool negative = at_a.value < 0;
     for (int i = 0; i < count; ++i) {
       const double extreme = cubic(extrema[i]);
       if (std::fabs(extreme) <= margin) cut = extrema[i];
-      if (std::fabs(extreme) <= slack) rim = extrema[i];
       changes += (extreme < 0) != negative;
       negative = extreme < 0;
     }
     changes += (at_b.value < 0) != negative;
-    if (changes == 0 && rim >= 0) (void)found_(At(a.at + rim * width).With(sign), kNearby);
     if (changes > 1 && cut < 0) cut = extrema[0];
     if (cut < 0 || halvings > 2 * kMostHalvings || cuts_ >= kMostCuts) {
       if ((at_a.value < 0) != (at_b.value < 0)) {

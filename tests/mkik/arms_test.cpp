@@ -37,14 +37,14 @@ class EveryArm : public testing::TestWithParam<const char*> {
 
   RandomJoints random_{2.967059678};
   const ArmDescription arm_ = Describe(GetParam());
-  const FittedModel fitted_ = MakeModel(arm_).value();
+  const FittedModel fitted_ = *MakeModel(arm_);
   const Model& model_ = fitted_.model;
 };
 
 // Wrist (model angle 5) and elbow (model angle 3), alone and together, on the spot and 1e-16 to
 // 1e-4 rad from it; the other joints anywhere or at right angles. ikcheck finds the shoulder's.
 TEST_P(EveryArm, AnswersSingularPosesWithJointsThatReachThem) {
-  const closed_form::Body& body = BodyOf(fitted_.member);
+  const closed_form::Body& body = BodyOf(*fitted_.member);
   const auto put = [&](Joints& q, size_t j, double angle) {
     q[j] = body.direction[j] * (angle - body.zero[j]);
   };

@@ -33,7 +33,7 @@ ArmDescription Moved(const Case& by) {
 class NearArm : public testing::TestWithParam<Case> {
  protected:
   const ArmDescription arm_ = Moved(GetParam());
-  const FittedModel fitted_ = MakeModel(arm_).value();
+  const FittedModel fitted_ = *MakeModel(arm_);
 };
 
 // What differs from the described joints by a nanometre is wrong here: the model has to be the arm.
@@ -84,10 +84,12 @@ TEST_P(NearArm, HasTheLeastDeviationFromItsNearestMember) {
 std::vector<Case> Cases() {
   std::vector<Case> cases;
   for (const char* file : kArmFiles) {
+    if (MakeModel(Describe(file))->family == Family::kOffsetWrist) continue;
     for (const auto& [angle, distance] : {std::pair(2e-10, 1e-10), {1e-4, 1e-4}, {2e-3, 4e-4}}) {
       cases.push_back({file, angle, distance});
     }
   }
+  cases.push_back({"laboratory_offset.urdf", 2e-11, 1e-11});
   return cases;
 }
 
@@ -97,11 +99,17 @@ std::string CaseName(const testing::TestParamInfo<Case>& arm) {
 
 INSTANTIATE_TEST_SUITE_P(Arms, NearArm, testing::ValuesIn(Cases()), CaseName);
 
+// Its solutions come near to each other in many places, where polishing would lose them.
+TEST(OffsetWrist, IsSolvedAsAGeneralArmWhereItIsNotTheMember) {
+  const FittedModel fitted = *MakeModel(Moved({"laboratory_offset.urdf", 1e-4, 1e-4}));
+  EXPECT_EQ(fitted.family, Family::kGeneral);
+}
+
 TEST(Geometry, IsTheNearestMembersWhereThatIsWanted) {
   const ArmDescription arm = Moved({"bench_parallel.urdf", 1e-3, 1e-4});
-  const FittedModel nominal = MakeModel(arm, Geometry::kNominal).value();
+  const FittedModel nominal = *MakeModel(arm, Geometry::kNominal);
   EXPECT_FALSE(nominal.polished || nominal.exact);
-  const TipDifference off = DifferenceOf(nominal.member, arm, 100);
+  const TipDifference off = DifferenceOf(*nominal.member, arm, 100);
   EXPECT_GT(off.position_m, 1e-4);
   EXPECT_LT(off.position_m, 1e-2);
   EXPECT_TRUE(MakeModel(Describe("bench_parallel.urdf"))->exact);

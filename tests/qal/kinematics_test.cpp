@@ -12,7 +12,7 @@ namespace {
 class Kinematics : public testing::TestWithParam<const char*> {
  protected:
   const ArmDescription description_ = Describe(GetParam());
-  const FittedModel fitted_ = MakeModel(description_).value();
+  const FittedModel fitted_ = *MakeModel(description_);
   const Model& model_ = fitted_.model;
   // Within a turn whatever the description's limits: joints are drawn from there.
   static ArmSettings Turning() {
@@ -101,7 +101,7 @@ double Folded(double angle) { return std::fabs(std::remainder(angle, kPi)); }
 // model angle 5, the forearm leaves the upper arm with model angle 3, and the wrist's centre is
 // x forward of axis 1. At random joints, and on the spot of each singularity.
 TEST_P(Kinematics, MeasuresHowFarItsSingularitiesAre) {
-  const closed_form::Body& body = BodyOf(fitted_.member);
+  const closed_form::Body& body = BodyOf(*fitted_.member);
   RandomJoints random(3);
   for (int i = 0; i < 400; ++i) {
     Joints joints = random();

@@ -92,7 +92,8 @@ TEST(Solvers, SideBySideAnswerAsTheLibrariesOfTheirArmsToTheLastBit) {
     EXPECT_EQ(library.family(), "libik.so");
   }
   EXPECT_EQ(pairs[0].first.family(), "spherical wrist");
-  EXPECT_EQ(pairs.back().first.family(), "three parallel axes");
+  EXPECT_EQ(pairs[6].first.family(), "three parallel axes");
+  EXPECT_EQ(pairs.back().first.family(), "offset wrist");
 }
 
 TEST(Solvers, StayOpenAsLongAsACopyLives) {
@@ -157,9 +158,11 @@ TEST(Solvers, AreRefusedWithTheReasonAndItsNumbers) {
     EXPECT_EQ(Text(error), Text(expected)) << path;
   }
   ::unsetenv("QAL_FOREIGN_FAULT");
-  ArmDescription skewed = Describe("reference.urdf");
-  skewed.joints[4].axis = {std::sqrt(0.5), std::sqrt(0.5), 0};
-  EXPECT_EQ(Text(Solver::ClosedForm(skewed).error()), Text({Reason::kNoClosedForm}));
+  ArmDescription arm = Describe("reference.urdf");
+  arm.joints[4].axis = {std::sqrt(0.5), std::sqrt(0.5), 0};
+  EXPECT_EQ(Text(Solver::ClosedForm(arm, Geometry::kNominal).error()), Text({Reason::kNoFamily}));
+  arm.joints[4].axis = arm.joints[5].axis;
+  EXPECT_EQ(Text(Solver::ClosedForm(arm).error()), Text({Reason::kSingularEverywhere}));
 }
 
 }  // namespace

@@ -125,7 +125,7 @@ TEST(GeneralArm, FindsWhatTheClosedFormFinds) {
     arm.joints[j].origin = FromRollPitchYaw({rolls[j], 0, 0});
     arm.joints[j].origin.position = positions[j];
   }
-  const auto closed_form = std::get<closed_form::SphericalWristArm>(MakeModel(arm).value());
+  const auto closed_form = std::get<closed_form::SphericalWristArm>(MakeModel(arm)->model);
   const GeneralArm solver =
       MakeGeneralArm(MakeChain(arm, MeetingOf(AxesOf(arm)[4], AxesOf(arm)[3]).point));
   Random random;

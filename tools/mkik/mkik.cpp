@@ -52,7 +52,7 @@ void Run(const Arguments& arguments) {
   }
   const qal::ArmDescription description = DescriptionIn(*file);
   const LoadedArm arm = ClosedFormArm(*file, arguments);
-  const qal::FittedModel fitted = MakeModel(description, GeometryOf(arguments)).value();
+  const qal::FittedModel fitted = *MakeModel(description, GeometryOf(arguments));
   Verification verification;
   try {
     verification = Verify(description, fitted);
@@ -79,8 +79,8 @@ std::string Version(const Arguments& arguments) {
 
 void Describe(CLI::App& app, Arguments& arguments) {
   app.description(
-      "Makes a closed-form solver library, libik.so, of an arm's description.\n"
-      "Exit status: 0 done; 1 no closed form, or no compiler works; 2 bad usage.");
+      "Makes a solver library, libik.so, of an arm's description.\n"
+      "Exit status: 0 done; 1 the arm can't be solved, or no compiler works; 2 bad usage.");
   app.footer(
       "What a file is shows in its content, whatever its name.\n"
       "Example: mkik arm.urdf -o libik.so && ikcheck libik.so --arm arm.urdf");

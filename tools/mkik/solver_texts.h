@@ -23,6 +23,11 @@ extern const char kOffsetWristText[];
 extern const char kChainText[];
 extern const char kNewtonText[];
 extern const char kPolishedText[];
+extern const char kComplexLanesText[];
+extern const char kPosePathText[];
+extern const char kPathStepText[];
+extern const char kPathTrackerText[];
+extern const char kGeneralText[];
 extern const char kEntryPointsText[];
 extern const char kExportsText[];
 

@@ -18,6 +18,7 @@ namespace {
 using closed_form::Body;
 using closed_form::Chain;
 using closed_form::Frame;
+using closed_form::GeneralArm;
 using closed_form::Link;
 using closed_form::OffsetWristArm;
 using closed_form::ParallelAxesArm;
@@ -82,6 +83,7 @@ std::string Text(const Chain& chain) {
 const char* TypeOf(const SphericalWristArm& /*arm*/) { return "SphericalWristArm"; }
 const char* TypeOf(const ParallelAxesArm& /*arm*/) { return "ParallelAxesArm"; }
 const char* TypeOf(const OffsetWristArm& /*arm*/) { return "OffsetWristArm"; }
+const char* TypeOf(const GeneralArm& /*arm*/) { return "GeneralArm"; }
 template <class Member>
 std::string TypeOf(const PolishedArm<Member>& arm) {
   return fmt::format("PolishedArm<qal::closed_form::{}>", TypeOf(arm.member));
@@ -112,6 +114,35 @@ std::string Text(const OffsetWristArm& arm) {
       Text(arm.body), Text(arm.lean), Text(arm.wrist_offset_y), Text(arm.wrist_offset_z));
 }
 
+std::string Text(const closed_form::Complex<double>& number) {
+  return fmt::format("{{{}, {}}}", Text(number.re), Text(number.im));
+}
+
+std::string Text(const closed_form::ComplexJoints& joints) {
+  std::string text;
+  for (const SinCos<closed_form::Complex<double>>& angle : joints.joint) {
+    text +=
+        fmt::format("{}{{{}, {}}}", text.empty() ? "" : ", ", Text(angle.sine), Text(angle.cosine));
+  }
+  return fmt::format("{{{{{}}}}}", text);
+}
+
+std::string Text(const GeneralArm& arm) {
+  const auto& [pose, count, solutions] = arm.start;
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    text += (i == 0 ? "" : ",\n       ") + Text(solutions[i]);
+  }
+  const double(&q)[4] = pose.quaternion;
+  return fmt::format(
+      "{{\n{}"
+      "    /*start*/ {{{{{{{}, {}, {}, {}}}, {}}},\n"
+      "      {},\n"
+      "      {{{}}}}}}}",
+      Text(arm.chain), Text(q[0]), Text(q[1]), Text(q[2]), Text(q[3]), Text(pose.position), count,
+      text);
+}
+
 template <class Member>
 std::string Text(const PolishedArm<Member>& arm) {
   return fmt::format(
@@ -131,6 +162,10 @@ std::vector<const char*> SolvingTexts(const ParallelAxesArm& /*arm*/) {
 std::vector<const char*> SolvingTexts(const OffsetWristArm& /*arm*/) {
   return {kOffsetWristArmText, kOffsetWristWaysText, kOffsetWristNodesText, kOffsetWristSearchText,
           kOffsetWristText};
+}
+std::vector<const char*> SolvingTexts(const GeneralArm& /*arm*/) {
+  return {kChainText,    kNewtonText,      kComplexLanesText, kPosePathText,
+          kPathStepText, kPathTrackerText, kGeneralText};
 }
 template <class Member>
 std::vector<const char*> SolvingTexts(const PolishedArm<Member>& arm) {
@@ -158,7 +193,7 @@ std::string InComment(const std::string& name) {
 
 std::string Heading(const ArmDescription& arm, const FittedModel& fitted) {
   std::string text = fmt::format(
-      "// Closed-form solver of the arm '{}', from '{}' to '{}': {}.\n"
+      "// Solver of the arm '{}', from '{}' to '{}': {}.\n"
       "// Written by mkik; change the arm's description and run it again. To build it elsewhere,\n"
       "// with an exports.map as this file's last lines have it:\n"
       "//   c++ -std=c++17 -O3 -ffp-contract=off -fno-math-errno -fvisibility=hidden -fPIC "

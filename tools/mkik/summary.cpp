@@ -55,21 +55,40 @@ const char* Meaning(const std::string& length) {
   return "axis 2 to the wrist's centre at the most";
 }
 
+// A joint's place in the model's own count of angles.
+struct ModelJoint {
+  double direction, zero_rad;
+};
+
+// A general arm's angles are counted as described.
+ModelJoint ModelJointOf(const FittedModel& fitted, size_t joint) {
+  if (!fitted.member) return {1, 0};
+  const closed_form::Body& body = BodyOf(*fitted.member);
+  return {body.direction[joint], body.zero[joint]};
+}
+
 std::string LimitText(const std::optional<double>& rad) {
   return rad ? fmt::format("{:.6g}", *rad) : "none";
 }
 
-// The family, how far off it the axes are, and which arm the solver is then of.
-std::string NearnessText(const FittedModel& fitted, const Verification& verification) {
+// The family, how far off it the axes are, which arm the solver is then of, and what it costs.
+std::string MethodText(const FittedModel& fitted, const ArmDescription& description,
+                       const Verification& verification) {
+  const std::string cost =
+      fmt::format("{:.2g} us a pose on this machine", verification.solve_s * 1e6);
+  if (!fitted.member) {
+    return fmt::format("  no family: {}\n  solved by continuation, {}\n",
+                       io::FamiliesMissedText(ExamineFamilies(description)), cost);
+  }
   const TipDifference& tip = verification.difference;
   const char* const solved = fitted.exact      ? "the same arm"
                              : fitted.polished ? "solved as described, each solution polished"
                                                : "solved as that member (--nominal)";
   return fmt::format(
       "  {}: axes within {} of the nearest member,\n"
-      "  its tip within {} of the described one; {}\n",
+      "  its tip within {} of the described one; {}, {}\n",
       FamilyName(fitted.family), io::DeviationText(fitted.deviation),
-      io::DeviationText(AxisDeviation{tip.angle_rad, tip.position_m}), solved);
+      io::DeviationText(AxisDeviation{tip.angle_rad, tip.position_m}), solved, cost);
 }
 
 std::string CheckText(const Verification& verification) {
@@ -90,44 +109,52 @@ std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& descript
   std::string text =
       io::ArmHeading(arm) + '\n' +
       io::OneLine(fmt::format("  from '{}' to '{}'", description.base, description.tip)) + '\n';
-  for (const auto& [name, metres] : LengthsOf(fitted.member)) {
-    text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
+  if (fitted.member) {
+    for (const auto& [name, metres] : LengthsOf(*fitted.member)) {
+      text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
+    }
   }
-  const closed_form::Body& body = BodyOf(fitted.member);
   text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
                       "lower_rad", "upper_rad");
   for (size_t j = 0; j < description.joints.size(); ++j) {
     const JointDescription& joint = description.joints[j];
-    text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, body.direction[j],
-                        body.zero[j], LimitText(joint.lower_rad), LimitText(joint.upper_rad));
+    const ModelJoint model = ModelJointOf(fitted, j);
+    text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, model.direction,
+                        model.zero_rad, LimitText(joint.lower_rad), LimitText(joint.upper_rad));
   }
-  return text + NearnessText(fitted, verification) + CheckText(verification);
+  return text + MethodText(fitted, description, verification) + CheckText(verification);
 }
 
 std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& description,
                         const FittedModel& fitted, const Verification& verification) {
   ordered_json json = {
       {"arm", io::ArmJson(arm)}, {"base", description.base}, {"tip", description.tip}};
-  for (const auto& [name, metres] : LengthsOf(fitted.member)) json["lengths_m"][name] = metres;
-  const closed_form::Body& body = BodyOf(fitted.member);
+  if (fitted.member) {
+    for (const auto& [name, metres] : LengthsOf(*fitted.member)) json["lengths_m"][name] = metres;
+  }
   for (size_t j = 0; j < description.joints.size(); ++j) {
     const JointDescription& joint = description.joints[j];
+    const ModelJoint model = ModelJointOf(fitted, j);
     json["joints"].push_back(
         {{"name", joint.name},
-         {"direction", body.direction[j]},
-         {"zero_rad", body.zero[j]},
+         {"direction", model.direction},
+         {"zero_rad", model.zero_rad},
          {"lower_rad", joint.lower_rad ? ordered_json(*joint.lower_rad) : nullptr},
          {"upper_rad", joint.upper_rad ? ordered_json(*joint.upper_rad) : nullptr}});
   }
-  json["nearest_member"] = {{"axis_angle_rad", fitted.deviation.angle_rad},
-                            {"axis_distance_m", fitted.deviation.distance_m},
-                            {"tip_angle_rad", verification.difference.angle_rad},
-                            {"tip_distance_m", verification.difference.position_m}};
-  json["geometry"] = fitted.exact || fitted.polished ? "described" : "nominal";
+  if (fitted.member) {
+    json["nearest_member"] = {{"axis_angle_rad", fitted.deviation.angle_rad},
+                              {"axis_distance_m", fitted.deviation.distance_m},
+                              {"tip_angle_rad", verification.difference.angle_rad},
+                              {"tip_distance_m", verification.difference.position_m}};
+  }
+  json["geometry"] = fitted.IsDescribed() ? "described" : "nominal";
+  json["method"] = fitted.polished ? "polished" : fitted.member ? "closed form" : "continuation";
   json["check"] = {{"joint_sets", verification.joint_sets},
                    {"missed", verification.missed},
                    {"forward", verification.forward},
-                   {"solutions", verification.solutions}};
+                   {"solutions", verification.solutions},
+                   {"solve_s", verification.solve_s}};
   // Names come from the file as they are; what is no UTF-8 in them is replaced.
   return json.dump(2, ' ', false, ordered_json::error_handler_t::replace) + '\n';
 }

@@ -12,12 +12,13 @@ struct Verification {
   double solutions;          ///< the solutions' tip frames from the target's
   int missed;                ///< joint sets that were not among the solutions of their pose
   TipDifference difference;  ///< of the family's nearest member from the described arm
+  double solve_s;            ///< time for a pose, on this machine
 };
 
 /// Checks a model, both ways, against the arm that it was made of; the nearest member in its place
 /// against itself.
 /// @throw Failure when a difference exceeds 1e-9, or the joints that a pose came from are not among
-///        its solutions: more than 10 times where solutions are polished, else once
+///        its solutions: more than 10 times of a polished or general arm, else once
 Verification Verify(const ArmDescription& arm, const FittedModel& fitted);
 
 }  // namespace qal::tools

@@ -42,8 +42,8 @@ struct JointModel {
 class QAL_API Arm {
  public:
   /// An arm from its description, through the closed form of its family. No compiler is needed.
-  /// @return kNoClosedForm; kLimits when a limit is no number, a lower one lies above the upper
-  /// one,
+  /// @return kSingularEverywhere; kLimits when a limit is no number, a lower one lies above the
+  /// upper one,
   ///         or another number is not above 0; kSetting when the base or the tool frame is no
   ///         frame. `detail` names the number or the frame
   static Result<Arm> FromDescription(const ArmDescription& description,

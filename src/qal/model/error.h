@@ -30,7 +30,8 @@ enum class Reason {
   kNotSixJoints,      ///< the solver is for `value` joints, `bound` are expected
   kFreeParameters,    ///< the solver has `value` free parameters, none is expected
   kSolverType,        ///< the solver's kind of target is `value`, `bound` (a full pose) is expected
-  kNoClosedForm,      ///< no family has the arm's axes; `ExamineFamilies` says what is off
+  kSingularEverywhere,  ///< the arm can't be solved: its tool lacks a way to move wherever it is
+  kNoFamily,            ///< no family is near, whose nearest member is wanted
   kLimits,  ///< limits of `joint` are not limits; `detail` names them, `value` is at fault
 
   // ---- Moves ----

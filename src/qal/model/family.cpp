@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "described_chain.h"
+#include "general_arm.h"
 #include "nearest_member.h"
 
 namespace qal {
@@ -100,9 +102,11 @@ const char* FamilyName(Family family) {
     case Family::kSphericalWrist:
       return "spherical wrist";
     case Family::kOffsetWrist:
+      return "offset wrist";
+    case Family::kGeneral:
       break;
   }
-  return "offset wrist";
+  return "no family";
 }
 
 const AxisConditions& ConditionsOf(Family family) {
@@ -121,9 +125,12 @@ const AxisConditions& ConditionsOf(Family family) {
     case Family::kSphericalWrist:
       return kSphericalWrist;
     case Family::kOffsetWrist:
+      return kOffsetWrist;
+    case Family::kGeneral:
       break;
   }
-  return kOffsetWrist;
+  static const AxisConditions kNone;
+  return kNone;
 }
 
 const FamilyFit* FamilyReport::Fitting() const {
@@ -141,7 +148,9 @@ FamilyReport ExamineFamilies(const ArmDescription& arm) {
   }
   for (size_t j = 0; j + 1 < axes.size(); ++j) {
     report.axis_angles_rad[j] = AngleBetween(axes[j].direction, axes[j + 1].direction);
+    report.axis_distances_m[j] = DistanceBetween(axes[j], axes[j + 1]);
   }
+  report.singular_everywhere = IsSingularEverywhere(MakeChain(arm, axes[4].point));
   return report;
 }
 

@@ -9,14 +9,15 @@
 
 namespace qal {
 
-/// What arms with a closed form have in common; see docs/your-arm.md.
+/// What arms that are solved in the same way have in common; see docs/your-arm.md.
 enum class Family {
   kThreeParallelAxes,
   kSphericalWrist,
   kOffsetWrist,
+  kGeneral,  ///< none of these: any six axes that aren't singular everywhere
 };
 
-/// "three parallel axes", "spherical wrist", "offset wrist"
+/// "three parallel axes", "spherical wrist", "offset wrist", "no family"
 QAL_API const char* FamilyName(Family family);
 
 /// How far an arm's axes may be from those of a family's nearest member.
@@ -55,11 +56,15 @@ struct FamilyFit {
   AxisDeviation nearest;  ///< from the nearest member, where the arm is within tolerance
 };
 
-/// Which closed forms an arm has, and what keeps it from the others.
+/// Which families an arm is near, and what keeps it from the others.
 struct FamilyReport {
-  std::vector<FamilyFit> fits;  ///< all families, the quickest closed form first
+  std::vector<FamilyFit> fits;  ///< all families but the general one, the quickest first
   /// Between axis j and the next [rad], 0 to pi / 2.
   std::array<double, 5> axis_angles_rad;
+  std::array<double, 5> axis_distances_m;  ///< between axis j and the next, as lines
+  /// There is a way of the tool that no joints make, wherever they are: a pose has no solution or
+  /// infinitely many, and the arm can't be solved.
+  bool singular_everywhere;
 
   /// The first family that the arm is within tolerance of; null when there is none.
   QAL_API const FamilyFit* Fitting() const;

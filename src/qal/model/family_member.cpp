@@ -187,6 +187,7 @@ Member MakeMember(Family family, const ArmDescription& arm, const Axes& axes) {
     case Family::kSphericalWrist:
       return MakeSphericalWrist(arm, axes);
     case Family::kOffsetWrist:
+    case Family::kGeneral:
       break;
   }
   return MakeOffsetWrist(arm, axes);

@@ -15,8 +15,8 @@ namespace qal {
 using Member = std::variant<closed_form::SphericalWristArm, closed_form::ParallelAxesArm,
                             closed_form::OffsetWristArm>;
 
-/// The member of a family that has these axes. Lengths and angles within 1e-13 of a plain number
-/// become that number.
+/// The member of a family, not the general one, that has these axes. Lengths and angles within
+/// 1e-13 of a plain number become that number.
 /// @param axes meet the family's conditions within rounding; with all joints at zero, as the tip
 ///             of `arm`, which is taken over
 Member MakeMember(Family family, const ArmDescription& arm, const Axes& axes);

@@ -49,6 +49,11 @@ inline double DistanceFrom(const Line& line, const Vector3& point) {
   return Length(Cross(point - line.point, line.direction));
 }
 
+inline double DistanceBetween(const Line& a, const Line& b) {
+  const bool parallel = AngleBetween(a.direction, b.direction) < 1e-9;
+  return parallel ? DistanceFrom(a, b.point) : MeetingOf(a, b).distance;
+}
+
 }  // namespace qal
 
 #endif  // QAL_MODEL_LINES_H_

@@ -11,6 +11,7 @@ namespace {
 using closed_form::Body;
 using closed_form::Chain;
 using closed_form::Frame;
+using closed_form::GeneralArm;
 using closed_form::Link;
 using closed_form::Matrix;
 using closed_form::OffsetWristArm;
@@ -79,6 +80,8 @@ class Hash {
     }
     Add(chain.tool);
   }
+  // What is solved at the start follows from the chain.
+  void Add(const GeneralArm& arm) { Add(arm.chain); }
   template <class Member>
   void Add(const PolishedArm<Member>& arm) {
     Add(arm.member);

@@ -32,8 +32,8 @@ Result<Solver> Solver::Load(const std::string& path) {
 }
 
 Result<Solver> Solver::ClosedForm(const ArmDescription& description, Geometry geometry) {
-  const std::optional<FittedModel> fitted = MakeModel(description, geometry);
-  if (!fitted) return Error{Reason::kNoClosedForm};
+  const Result<FittedModel> fitted = MakeModel(description, geometry);
+  if (!fitted) return fitted.error();
   return std::visit(
       [&](const auto& arm) {
         using Functions = ClosedFormSolver<std::decay_t<decltype(arm)>>;

@@ -12,7 +12,7 @@ namespace qal {
 
 class SolverFunctions;
 
-/// Which arm a closed form is of, where an arm is only near a family.
+/// Which arm a solver is of, where an arm is only near a family.
 enum class Geometry {
   kDescribed,  ///< the arm as it is described, to the last digit
   kNominal,    ///< the family's member that is nearest to it
@@ -32,18 +32,20 @@ class QAL_API Solver {
   ///         kSolverThrows
   static Result<Solver> Load(const std::string& path);
 
-  /// The closed form of the family that the arm's axes belong to or are near (`FamilyReport`). Near
+  /// The solver of the family that the arm's axes belong to or are near (`FamilyReport`). Near
   /// a family each solution of the nearest member is made exact on the described arm, by Newton's
   /// method to 1e-13; solutions that only one of the two has are found or left out as the described
-  /// arm has it, but within 1e-10 of the rim of the workspace. No compiler is needed.
-  /// @return kNoClosedForm when there is none
+  /// arm has it, but within 1e-10 of the rim of the workspace. Any other arm has its poses solved
+  /// by continuation, from one whose solutions are found here, in some 10 ms. No compiler is
+  /// needed.
+  /// @return kSingularEverywhere; kNoFamily where the nominal geometry is wanted
   static Result<Solver> ClosedForm(const ArmDescription& description,
                                    Geometry geometry = Geometry::kDescribed);
 
   /// The reference arm's.
   static Solver Reference();
 
-  /// The kind of arm: "spherical wrist", "three parallel axes"; "libik.so" for a loaded one.
+  /// The kind of arm, as `FamilyName` has it; "libik.so" for a loaded one.
   const std::string& family() const;
   /// What identifies the geometry; empty where a loaded solver has no `GetKinematicsHash`.
   const std::string& hash() const;
