@@ -182,14 +182,13 @@ TEST_F(ArmFiles, AreNeverExchangedForAnotherArm) {
   EXPECT_EQ(ArmHeading(ReadArm(QAL_REFERENCE_SOLVER)),
             "libik.so from " QAL_REFERENCE_SOLVER ", solver " QAL_REFERENCE_SOLVER
             ", hash qal-reference-arm-1");
-  // An arm that no closed form has: told at once, with what keeps it out.
+  // An arm that can't be solved: told at once, with the reason.
   std::string skew = FileContent(kArms + "reference.urdf");
-  skew.replace(skew.rfind("<axis xyz=\"0 1 0\"/>"), 19, "<axis xyz=\"1 1 0\"/>");
+  skew.replace(skew.rfind("<axis xyz=\"0 1 0\"/>"), 19, "<axis xyz=\"1 0 0\"/>");
   Written("skew", skew);
-  EXPECT_EQ(Refusal<Failure>([] { ReadArm("skew"); })
-                .find("skew: no closed form for this arm. Not a spherical wrist: axes 4 and 5 are "
-                      "45 degrees"),
-            0u);
+  EXPECT_EQ(
+      Refusal<Failure>([] { ReadArm("skew"); }).find("skew: check which six joints are the arm's"),
+      0u);
 }
 
 }  // namespace

@@ -115,7 +115,7 @@ TEST_F(Family, IsMissedByTheAxesThatKeepTheArmOut) {
 TEST_F(Family, IsOutOfTheQuestionForAnArmThatIsSingularEverywhere) {
   const Change changes[] = {
       {"reference.urdf", "joint_5", "0 1 0", "1 0 0", "check which six joints are the arm's: with these its tool lacks a way to move wherever it is, and its poses have no solution or infinitely many. Axes 4 and 5 are one line. Axes 5 and 6 are one line. Angles between axes: 1-2 90, 2-3 0, 3-4 90, 4-5 0, 5-6 0 degrees."},
-      {"bench_parallel.urdf", "\"joint_5\" type", "0 0 1", "0 1 0", "many. Axes 2 to 5 are parallel. Angles"},
+      {"bench_parallel.urdf", "\"joint_5\" type", "0 0 1", "0 1 0", "many. Axes 2 to 5 are parallel. Axes 4 and 5 are one line. Angles"},
   };
   for (const Change& change : changes) {
     const FamilyReport report = ExamineFamilies(ReadChanged(change));

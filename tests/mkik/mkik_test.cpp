@@ -79,8 +79,8 @@ TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
       {kMkik + kArms + "carrying_parallel.toml --tip tool1", 2,
        "--base and --tip are for URDFs; a table has no links"},
       {"CXX=no-compiler " + kMkik + reference + " -o libik.so", 1,
-       "cannot run the compiler 'no-compiler': No such file or directory; set CXX, or write the "
-       "source with --source and build it where a compiler is"},
+       "cannot run the compiler 'no-compiler': No such file or directory; set CXX, or build the "
+       "source that --source writes where a compiler is"},
       {"CXX=false " + kMkik + reference + " -o libik.so", 1,
        "the compiler 'false' failed (status 1)"},
   };

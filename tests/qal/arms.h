@@ -16,9 +16,10 @@ namespace qal {
 
 /// The arms that come with the library.
 constexpr const char* kArmFiles[] = {
-    "reference.urdf",         "bench_spherical.urdf",        "foundry_spherical.urdf",
-    "ceiling_spherical.urdf", "welding_ortho_parallel.json", "bench_parallel.urdf",
-    "service_parallel.urdf",  "carrying_parallel.toml",      "laboratory_offset.urdf"};
+    "reference.urdf",           "bench_spherical.urdf",        "foundry_spherical.urdf",
+    "ceiling_spherical.urdf",   "welding_ortho_parallel.json", "bench_parallel.urdf",
+    "service_parallel.urdf",    "carrying_parallel.toml",      "laboratory_offset.urdf",
+    "calibrated_parallel.toml", "painting_oblique.toml"};
 
 inline ArmDescription Describe(const std::string& file) {
   return io::ReadDescription(QAL_ARMS_DIR "/" + file, {});

@@ -101,6 +101,11 @@ double Folded(double angle) { return std::fabs(std::remainder(angle, kPi)); }
 // model angle 5, the forearm leaves the upper arm with model angle 3, and the wrist's centre is
 // x forward of axis 1. At random joints, and on the spot of each singularity.
 TEST_P(Kinematics, MeasuresHowFarItsSingularitiesAre) {
+  if (!fitted_.exact || fitted_.family == Family::kOffsetWrist) {
+    const bool has_them = fitted_.family == Family::kThreeParallelAxes;
+    EXPECT_EQ(std::isnan(DistanceToSingularities(arm_, {}).value().wrist_rad), !has_them);
+    return;
+  }
   const closed_form::Body& body = BodyOf(*fitted_.member);
   RandomJoints random(3);
   for (int i = 0; i < 400; ++i) {

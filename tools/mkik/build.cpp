@@ -55,8 +55,8 @@ int Run(const std::vector<std::string>& command) {
       ::posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ);
   if (error != 0) {
     throw Failure(
-        fmt::format("cannot run the compiler '{}': {}; set CXX, or write the source with "
-                    "--source and build it where a compiler is",
+        fmt::format("cannot run the compiler '{}': {}; set CXX, or build the source that --source "
+                    "writes where a compiler is",
                     command[0], std::strerror(error)));
   }
   int status = 0;

@@ -59,7 +59,8 @@ struct Singularities {
   double smallest_singular_value;  ///< of the Jacobian in metres and radians
 };
 
-/// The first three are those of arms whose axes 2 and 3 are parallel; the last holds for any arm.
+/// The first three are those of arms with a spherical wrist or three parallel axes, or near them
+/// (`Family`), where they are as near; for others they are NaN. The last holds for any arm.
 QAL_API Result<Singularities> DistanceToSingularities(const Arm& arm, const Joints& joints);
 
 }  // namespace qal

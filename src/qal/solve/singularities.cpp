@@ -2,6 +2,7 @@
 #include <cmath>
 #include <limits>
 
+#include "../model/family.h"
 #include "../model/lines.h"
 #include "kinematics.h"
 #include "solver_calls.h"
@@ -10,9 +11,9 @@ namespace qal {
 
 namespace {
 
-// Axes further from parallel than this are not: far above rounding, and above what numbers of a few
-// digits leave, far below what an arm's drawing means.
-constexpr double kParallelRad = 1e-5;
+// Two axes that may each be as far from the nearest member of a family as that takes.
+constexpr double kParallelRad = 2 * kFamilyAngleToleranceRad;
+constexpr double kMeetingM = 2 * kFamilyDistanceToleranceM;
 
 // One-sided Jacobi: columns are rotated in pairs until all are at right angles; their lengths are
 // then the singular values, the small ones to as many digits as the large. M. R. Hestenes,
@@ -89,6 +90,7 @@ Result<Singularities> DistanceToSingularities(const Arm& arm, const Joints& join
   // third parallel axis.
   const Vector3 centre = MeetingOf(axis[4], axis[5]).point;
   const bool three_parallel = Parallel(axis[2], axis[3]);
+  if (!three_parallel && !(DistanceFrom(axis[3], centre) <= kMeetingM)) return result;
   // The links as axis 2 sees them: without what goes along it.
   const auto across = [&](const Vector3& v) {
     return v - Dot(v, axis[1].direction) * axis[1].direction;
