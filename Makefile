@@ -14,8 +14,8 @@ DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60
 
-.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check build-deps test-deps \
-        bench-deps clean
+.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check arm-table build-deps \
+        test-deps bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -71,6 +71,13 @@ bench: bench-deps
 bench-check: bench-deps
 	cmake --preset bench
 	cmake --build --preset bench --target bench-check
+
+## Solves poses of every URDF in the folder ARMS: the tables of docs/your-arm.md.
+arm-table: bench-deps
+	@test -d "$(ARMS)" || { echo "ARMS='$(ARMS)' is no folder; say ARMS=FOLDER" >&2; exit 2; }
+	@packaging/quietly "Configuring build/bench" cmake --preset bench
+	@packaging/quietly "Building" cmake --build --preset bench --target qal_arm_table
+	@build/bench/bin/qal_arm_table "$(ARMS)"/*.urdf
 
 ## Searches for inputs that break something, with each fuzz harness for SECONDS.
 fuzz: test-deps
