@@ -21,6 +21,7 @@ Cases AllCases(const Workload& work) {
   Cases cases;
   AddKinematics(work, cases);
   AddTrajectories(work, cases);
+  AddArms(cases);
   AddScaling(cases);
   AddPeer(work, cases);
   return cases;

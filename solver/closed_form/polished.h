@@ -61,15 +61,28 @@ PolishedPair PolishPair(const Chain& chain, const Frame& within, const double* a
   return pair;
 }
 
-/// The largest difference of two joints sets, the short way round [rad].
+/// The difference of two angles, the short way round [rad].
+inline double AngleDistance(double a, double b) {
+  const double off = std::fabs(a - b);
+  return off > kPi ? std::fabs(2 * kPi - off) : off;
+}
+
+/// The largest difference of two joint sets [rad].
 inline double JointDistance(const double* a, const double* b) {
   double largest = 0;
   for (int j = 0; j < 6; ++j) {
-    const double off = std::fabs(a[j] - b[j]);
-    const double around = off > kPi ? std::fabs(2 * kPi - off) : off;
+    const double around = AngleDistance(a[j], b[j]);
     largest = around > largest ? around : largest;
   }
   return largest;
+}
+
+/// Whether two solutions are one; of most the first joints tell.
+inline bool AreSame(const Joints& a, const Joints& b) {
+  for (size_t j = 0; j < 6; ++j) {
+    if (AngleDistance(a[j], b[j]) > kSameRad) return false;
+  }
+  return true;
 }
 
 /// Where solutions on the other side of a fold would be. Near it, along the direction that hardly
@@ -203,9 +216,7 @@ class PolishedSearch {
       Joints solution;
       for (size_t j = 0; j < 6; ++j) solution[j] = joints[j][lane];
       bool fresh = true;
-      for (const Joints& other : found_) {
-        fresh = fresh && JointDistance(solution.data(), other.data()) > kSameRad;
-      }
+      for (const Joints& other : found_) fresh = fresh && !AreSame(solution, other);
       if (fresh) found_.Add(solution);
     }
     return pair.doubtful;
