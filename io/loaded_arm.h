@@ -19,9 +19,9 @@ struct LoadedArm {
 };
 
 /// The arm that a file of an arm makes.
-/// @param geometry of a closed form
+/// @param geometry of the solver made of the description
 /// @throw UsageError when its numbers make no arm or its solver is none
-/// @throw Failure    "FILE: ..." when no closed form has the arm's axes and no solver is named
+/// @throw Failure    "FILE: ..." when the arm is singular everywhere and no solver is named
 LoadedArm MakeArm(const ArmFile& file, Geometry geometry = Geometry::kDescribed);
 
 /// The arm of a file: a URDF, a table, an arm file or a solver library, whatever its name.

@@ -105,7 +105,7 @@ inline void AddReal(const Chain& chain, const Frame& target, const PathEnd& end,
                     Solutions& solutions) {
   constexpr double kMostImaginary = 1e-4;  // at a double solution: the root of rounding, and more
   constexpr double kMostDifference = 5e-11;
-  constexpr double kSameRad = 1e-6;
+  constexpr double kTwiceRad = 1e-6;
   const auto imaginary = [&](size_t j) {
     return std::fabs(end.joints.joint[j].sine.im) + std::fabs(end.joints.joint[j].cosine.im);
   };
@@ -128,7 +128,7 @@ inline void AddReal(const Chain& chain, const Frame& target, const PathEnd& end,
       const double off = std::fabs(known[j] - joints[j]);
       apart = std::max(apart, std::min(off, 2 * kPi - off));
     }
-    if (apart <= kSameRad) return;
+    if (apart <= kTwiceRad) return;
   }
   // Of infinitely many, at a singularity, some are kept.
   if (solutions.Count() < kMostSolutions) solutions.Add(joints);

@@ -163,7 +163,7 @@ class OffsetWristSolver {
   const OffsetWristArm& arm_;
   const WristCircle circle_;
   bool last_resort_ = false;
-  Candidate taken_[Solutions::kMost];
+  Candidate taken_[Solutions::kMost] = {};
   Solutions solutions_;
 };
 

@@ -113,6 +113,7 @@ class WaySearch {
     return a.sine * b.sine + a.cosine * b.cosine >= cosine;
   }
 
+  // NOLINTNEXTLINE(misc-no-recursion): no deeper than kMostHalvings
   void Examine(const Node& a, const Node& b, int halvings) {
     constexpr double kCosine = 0.9;
     const bool smooth = Turn(a, b) <= kMostTurn &&
@@ -187,6 +188,7 @@ class WaySearch {
 
   // Takes the roots between two nodes one by one: cuts at the extrema that are near zero or beyond
   // it, until there is no root, or one.
+  // NOLINTNEXTLINE(misc-no-recursion): no deeper than twice kMostHalvings
   void Isolate(int sign, const Node& a, const Node& b, int halvings) {
     const double width = b.at - a.at;
     const Jet at_a = a.Excess(sign);

@@ -41,7 +41,7 @@ struct JointModel {
 /// follows from described ones counts as described.
 class QAL_API Arm {
  public:
-  /// An arm from its description, through the closed form of its family. No compiler is needed.
+  /// An arm from its description, by `Solver::ClosedForm`. No compiler is needed.
   /// @return kSingularEverywhere; kLimits when a limit is no number, a lower one lies above the
   /// upper one,
   ///         or another number is not above 0; kSetting when the base or the tool frame is no

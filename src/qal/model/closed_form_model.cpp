@@ -14,7 +14,6 @@ namespace {
 
 using closed_form::Chain;
 using closed_form::PolishedArm;
-using closed_form::SinCos;
 
 // Where member and described arm differ by less nothing is left to polish.
 constexpr double kExact = 1e-12;
