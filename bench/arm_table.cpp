@@ -71,8 +71,7 @@ void CountOne(const ArmDescription& arm, const Model& model, const Joints& joint
   constexpr double kJointToleranceRad = 1e-5;
   const Frame target = ToFrame(TipFrame(arm, joints));
   const auto start = std::chrono::steady_clock::now();
-  const closed_form::Solutions solutions =
-      std::visit([&](const auto& a) { return Solve(a, target); }, model);
+  const closed_form::Solutions solutions = Solve(model, target);
   const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
   counts.solve_s += spent.count();
   double nearest = 2 * kPi;

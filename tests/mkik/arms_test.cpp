@@ -17,13 +17,9 @@ using closed_form::Solutions;
 
 class EveryArm : public testing::TestWithParam<const char*> {
  protected:
-  Frame Forward(const Joints& q) const {
-    return std::visit([&](const auto& a) { return closed_form::Forward(a, q.data()); }, model_);
-  }
+  Frame Forward(const Joints& q) const { return qal::Forward(fitted_.model, q); }
 
-  Solutions Solve(const Frame& target) const {
-    return std::visit([&](const auto& a) { return closed_form::Solve(a, target); }, model_);
-  }
+  Solutions Solve(const Frame& target) const { return qal::Solve(fitted_.model, target); }
 
   // At least one solution; each reaches the target, lies in (-pi, pi] and stands once.
   void ExpectSound(const Solutions& solutions, const Frame& target, double tolerance) const {
@@ -40,7 +36,6 @@ class EveryArm : public testing::TestWithParam<const char*> {
   RandomJoints random_{2.967059678};
   const ArmDescription arm_ = Describe(GetParam());
   const FittedModel fitted_ = *MakeModel(arm_);
-  const Model& model_ = fitted_.model;
 };
 
 // Wrist (model angle 5) and elbow (model angle 3), alone and together, on the spot and 1e-16 to

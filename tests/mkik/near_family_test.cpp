@@ -45,8 +45,7 @@ TEST_P(NearArm, IsSolvedAsItIsDescribed) {
     const Joints joints = random();
     SCOPED_TRACE(testing::PrintToString(joints));
     const Frame target = ToFrame(TipFrame(arm_, joints));
-    const closed_form::Solutions solutions =
-        std::visit([&](const auto& a) { return Solve(a, target); }, fitted_.model);
+    const closed_form::Solutions solutions = Solve(fitted_.model, target);
     double nearest = 2 * kPi;
     for (const Joints& solution : solutions) {
       ASSERT_LE(FrameDifference(ToFrame(TipFrame(arm_, solution)), target), 1e-12);

@@ -13,7 +13,6 @@ class Kinematics : public testing::TestWithParam<const char*> {
  protected:
   const ArmDescription description_ = Describe(GetParam());
   const FittedModel fitted_ = *MakeModel(description_);
-  const Model& model_ = fitted_.model;
   // Within a turn whatever the description's limits: joints are drawn from there.
   static ArmSettings Turning() {
     ArmSettings settings;

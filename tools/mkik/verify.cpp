@@ -65,16 +65,13 @@ Verification Verify(const ArmDescription& arm, const FittedModel& fitted) {
   for (int i = 0; i < result.joint_sets; ++i) {
     Joints joints;
     for (double& joint : joints) joint = range(engine);
-    const auto forward = [&](const Joints& q) {
-      return std::visit([&](const auto& a) { return Forward(a, q.data()); }, fitted.model);
-    };
+    const auto forward = [&](const Joints& q) { return Forward(fitted.model, q); };
     const Frame target = fitted.IsDescribed() ? ToFrame(TipFrame(arm, joints)) : forward(joints);
     result.forward = Largest(result.forward, Difference(forward(joints), target));
     ExpectWithinTolerance(result.forward, "its pose differs from the described arm's", joints);
 
     const auto start = std::chrono::steady_clock::now();
-    const closed_form::Solutions solutions =
-        std::visit([&](const auto& a) { return Solve(a, target); }, fitted.model);
+    const closed_form::Solutions solutions = Solve(fitted.model, target);
     const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
     result.solve_s += spent.count() / result.joint_sets;
     double nearest = 2 * kPi;

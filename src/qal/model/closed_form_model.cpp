@@ -107,6 +107,14 @@ Result<FittedModel> MakeModel(const ArmDescription& arm, Geometry geometry) {
       nearest);
 }
 
+closed_form::Solutions Solve(const Model& model, const Frame& target) {
+  return std::visit([&](const auto& arm) { return Solve(arm, target); }, model);
+}
+
+Frame Forward(const Model& model, const Joints& joints) {
+  return std::visit([&](const auto& arm) { return Forward(arm, joints.data()); }, model);
+}
+
 TipDifference DifferenceOf(const Member& member, const ArmDescription& arm, int joint_sets) {
   return std::visit([&](const auto& a) { return Difference(a, arm, joint_sets); }, member);
 }

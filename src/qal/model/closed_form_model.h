@@ -46,6 +46,10 @@ struct FittedModel {
 /// @return kSingularEverywhere; kNoFamily where the nominal geometry is wanted
 Result<FittedModel> MakeModel(const ArmDescription& arm, Geometry geometry = Geometry::kDescribed);
 
+/// As the solving code does; compiled once, for it is large.
+closed_form::Solutions Solve(const Model& model, const Frame& target);
+Frame Forward(const Model& model, const Joints& joints);
+
 /// Of a member's tip from the described one, over `joint_sets` seeded random ones within +-pi.
 TipDifference DifferenceOf(const Member& member, const ArmDescription& arm, int joint_sets);
 
