@@ -61,7 +61,8 @@ int main(int argc, char** argv) {
   try {
     Run(qal::io::ReadArm(argv[1]));
     return 0;
-  } catch (const std::exception& error) {  // no such file, an arm that no solver fits, a pose out of reach
+  } catch (const std::exception&
+               error) {  // no such file, an arm that no solver fits, a pose out of reach
     std::fprintf(stderr, "%s\n", error.what());
     return 1;
   }
