@@ -4,9 +4,6 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
-#include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -15,10 +12,9 @@
 #include <vector>
 
 #include "../io/arm_file.h"
-#include "../src/qal/model/chain.h"
-#include "../src/qal/model/closed_form_model.h"
 #include "../src/qal/model/frames.h"
 #include "../tools/common/run.h"
+#include "../tools/mkik/verify.h"
 
 namespace {
 
@@ -41,59 +37,19 @@ struct Methods {
   int refused = 0;
 };
 
-// NaN is larger than any.
-double Largest(double a, double b) { return b <= a ? a : b; }
-
-// In metres, or as a matrix element.
-double Difference(const Frame& a, const Frame& b) {
-  double largest = 0;
-  for (int i = 0; i < 3; ++i) {
-    largest = Largest(largest, std::fabs(a.position[i] - b.position[i]));
-    for (int j = 0; j < 3; ++j) {
-      largest = Largest(largest, std::fabs(a.rotation[i][j] - b.rotation[i][j]));
-    }
-  }
-  return largest;
-}
-
-// The short way round.
-double Difference(const Joints& a, const Joints& b) {
-  double largest = 0;
-  for (size_t j = 0; j < a.size(); ++j) {
-    largest = Largest(largest, std::fabs(std::remainder(a[j] - b[j], 2 * kPi)));
-  }
-  return largest;
-}
-
-void CountOne(const ArmDescription& arm, const Model& model, const Joints& joints, Counts& counts) {
-  constexpr double kWrong = 1e-10;
-  // A pose's rounding, 1e-16, moves a joint beside a singularity by up to its root.
-  constexpr double kJointToleranceRad = 1e-5;
-  const Frame target = ToFrame(TipFrame(arm, joints));
-  const auto start = std::chrono::steady_clock::now();
-  const closed_form::Solutions solutions = Solve(model, target);
-  const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
-  counts.solve_s += spent.count();
-  double nearest = 2 * kPi;
-  for (const Joints& solution : solutions) {
-    const double error = Difference(ToFrame(TipFrame(arm, solution)), target);
-    counts.worst = Largest(counts.worst, error);
-    if (!(error <= kWrong)) ++counts.wrong;
-    nearest = std::min(nearest, Difference(solution, joints));
-  }
-  ++counts.joint_sets;
-  if (solutions.Count() > 0) ++counts.solved;
-  if (nearest > kJointToleranceRad) ++counts.missed;
-}
-
-Counts Count(const ArmDescription& arm, const Model& model, int joint_sets) {
+Counts Count(const ArmDescription& arm, const FittedModel& fitted, int joint_sets) {
   std::mt19937 engine(1);
   std::uniform_real_distribution<double> range(-kPi, kPi);
   Counts counts;
-  for (int i = 0; i < joint_sets; ++i) {
+  for (counts.joint_sets = 0; counts.joint_sets < joint_sets; ++counts.joint_sets) {
     Joints joints;
     for (double& joint : joints) joint = range(engine);
-    CountOne(arm, model, joints, counts);
+    const tools::PoseCheck check = tools::CheckPose(arm, fitted, joints);
+    counts.solved += check.solutions > 0 ? 1 : 0;
+    counts.missed += check.found ? 0 : 1;
+    counts.wrong += check.wrong;
+    counts.worst = Larger(counts.worst, check.worst);
+    counts.solve_s += check.solve_s;
   }
   return counts;
 }
@@ -106,7 +62,7 @@ std::string Row(const ArmDescription& arm, int joint_sets, std::map<Family, Meth
   }
   // Hundreds of times slower than a closed form.
   const bool general = !fitted->member;
-  const Counts counts = Count(arm, fitted->model, general ? joint_sets / 10 : joint_sets);
+  const Counts counts = Count(arm, *fitted, general ? joint_sets / 10 : joint_sets);
   Methods& methods = families[fitted->family];
   ++(general ? methods.continuation : fitted->polished ? methods.polished : methods.exact);
   return fmt::format("{}{} | {} | {} | {} | {} | {:.1e} | {:.0f} |",

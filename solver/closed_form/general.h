@@ -122,16 +122,8 @@ inline void AddReal(const Chain& chain, const Frame& target, const PathEnd& end,
   }
   const Frame reached = WithinChain(chain, Forward(chain, joints.data()));
   if (!AreWithin(kMostDifference, reached, target)) return;
-  for (const Joints& known : solutions) {
-    double apart = 0;
-    for (size_t j = 0; j < 6; ++j) {
-      const double off = std::fabs(known[j] - joints[j]);
-      apart = std::max(apart, std::min(off, 2 * kPi - off));
-    }
-    if (apart <= kTwiceRad) return;
-  }
-  // Of infinitely many, at a singularity, some are kept.
-  if (solutions.Count() < kMostSolutions) solutions.Add(joints);
+  // Of infinitely many, at a singularity, those are kept that there is room for.
+  if (!solutions.Has(joints, kTwiceRad)) solutions.Add(joints);
 }
 
 /// What Newton steps from the real part of a path's end come to. At a singularity joints that don't

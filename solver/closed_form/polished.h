@@ -61,12 +61,6 @@ PolishedPair PolishPair(const Chain& chain, const Frame& within, const double* a
   return pair;
 }
 
-/// The difference of two angles, the short way round [rad].
-inline double AngleDistance(double a, double b) {
-  const double off = std::fabs(a - b);
-  return off > kPi ? std::fabs(2 * kPi - off) : off;
-}
-
 /// The largest difference of two joint sets [rad].
 inline double JointDistance(const double* a, const double* b) {
   double largest = 0;
@@ -75,14 +69,6 @@ inline double JointDistance(const double* a, const double* b) {
     largest = around > largest ? around : largest;
   }
   return largest;
-}
-
-/// Whether two solutions are one; of most the first joints tell.
-inline bool AreSame(const Joints& a, const Joints& b) {
-  for (size_t j = 0; j < 6; ++j) {
-    if (AngleDistance(a[j], b[j]) > kSameRad) return false;
-  }
-  return true;
 }
 
 /// Where solutions on the other side of a fold would be. Near it, along the direction that hardly
@@ -215,9 +201,7 @@ class PolishedSearch {
       if (pair.reached[lane] == 0) continue;
       Joints solution;
       for (size_t j = 0; j < 6; ++j) solution[j] = joints[j][lane];
-      bool fresh = true;
-      for (const Joints& other : found_) fresh = fresh && !AreSame(solution, other);
-      if (fresh) found_.Add(solution);
+      if (!found_.Has(solution, kSameRad)) found_.Add(solution);
     }
     return pair.doubtful;
   }

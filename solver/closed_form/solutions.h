@@ -16,6 +16,12 @@ struct Branch {
 
 using Joints = std::array<double, 6>;
 
+/// The difference of two angles, the short way round [rad].
+inline double AngleDistance(double a, double b) {
+  const double off = std::fabs(a - b);
+  return off > kPi ? std::fabs(2 * kPi - off) : off;
+}
+
 /// Up to sixteen solutions, as many as six joints may have: joints [rad], each in (-pi, pi].
 class Solutions {
  public:
@@ -50,6 +56,16 @@ class Solutions {
       joints_[count_][j] = WrapAngle(body.direction[j] * (angles[j] - body.zero[j]) * kOne)[0];
     }
     ++count_;
+  }
+
+  /// Whether one of them is within `tolerance` [rad] of `joints`; of most the first joints tell.
+  bool Has(const Joints& joints, double tolerance) const {
+    for (const Joints& known : *this) {
+      size_t j = 0;
+      while (j < 6 && AngleDistance(known[j], joints[j]) <= tolerance) ++j;
+      if (j == 6) return true;
+    }
+    return false;
   }
 
   size_t Count() const { return count_; }

@@ -8,7 +8,6 @@
 #include "../../src/qal/model/frames.h"
 #include "../../src/qal/model/general_arm.h"
 #include "../solver/urdf_chain.h"
-#include "frame_difference.h"
 
 namespace qal {
 namespace {
@@ -25,7 +24,7 @@ class EveryArm : public testing::TestWithParam<const char*> {
   void ExpectSound(const Solutions& solutions, const Frame& target, double tolerance) const {
     ASSERT_GT(solutions.Count(), 0u);
     for (const Joints& solution : solutions) {
-      ASSERT_LE(FrameDifference(Forward(solution), target), tolerance);
+      ASSERT_LE(LargestDifference(Forward(solution), target), tolerance);
       for (const double joint : solution) ASSERT_TRUE(joint > -kPi && joint <= kPi);
       for (const Joints* other = solutions.begin(); other != &solution; ++other) {
         ASSERT_GT(LargestDifference(solution, *other), 1e-8);
@@ -97,7 +96,7 @@ TEST_P(EveryArm, HasTheForwardKinematicsOfAnIndependentLibrary) {
     Frame frame;
     std::copy(expected.p.data, expected.p.data + 3, frame.position.element);
     std::copy(expected.M.data, expected.M.data + 9, frame.rotation.row[0].element);
-    ASSERT_LE(FrameDifference(Forward(joints), frame), 1e-12);
+    ASSERT_LE(LargestDifference(Forward(joints), frame), 1e-12);
   }
 }
 
@@ -113,7 +112,7 @@ TEST(Solve, AnswersThePoseInTheArmsOwnOrigin) {
     const Solutions solutions = closed_form::Solve(arm, kIdentity);
     EXPECT_GT(solutions.Count(), 0u);
     for (const Joints& solution : solutions) {
-      EXPECT_LE(FrameDifference(Forward(arm, solution.data()), kIdentity), 1e-15);
+      EXPECT_LE(LargestDifference(Forward(arm, solution.data()), kIdentity), 1e-15);
     }
   };
   expect_reached(spherical);

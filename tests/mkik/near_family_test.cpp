@@ -2,7 +2,6 @@
 #include "../../src/qal/model/frames.h"
 #include "../../src/qal/model/nearest_member.h"
 #include "../qal/arms.h"
-#include "frame_difference.h"
 
 namespace qal {
 namespace {
@@ -48,7 +47,7 @@ TEST_P(NearArm, IsSolvedAsItIsDescribed) {
     const closed_form::Solutions solutions = Solve(fitted_.model, target);
     double nearest = 2 * kPi;
     for (const Joints& solution : solutions) {
-      ASSERT_LE(FrameDifference(ToFrame(TipFrame(arm_, solution)), target), 1e-12);
+      ASSERT_LE(LargestDifference(ToFrame(TipFrame(arm_, solution)), target), 1e-12);
       for (const double joint : solution) ASSERT_TRUE(joint > -kPi && joint <= kPi);
       for (const Joints* other = solutions.begin(); other != &solution; ++other) {
         ASSERT_GT(LargestDifference(solution, *other), 1e-6);

@@ -6,7 +6,6 @@
 
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
-#include "frame_difference.h"
 
 namespace qal {
 namespace {
@@ -70,7 +69,7 @@ TEST(OffsetWrist, FindsTheJointsThatAPoseCameFrom) {
       const Frame target = Forward(arm, joints.data());
       double nearest = kPi;
       for (const Joints& solution : Solve(arm, target)) {
-        ASSERT_LE(FrameDifference(Forward(arm, solution.data()), target), 1e-10);
+        ASSERT_LE(LargestDifference(Forward(arm, solution.data()), target), 1e-10);
         double off = 0;
         for (size_t j = 0; j < 6; ++j) off = std::max(off, AngleOff(solution[j], joints[j]));
         nearest = std::min(nearest, off);

@@ -3,9 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
-#include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <random>
 
 #include "../../io/error.h"
@@ -19,30 +17,8 @@ using namespace io;
 namespace {
 
 constexpr double kTolerance = 1e-9;
-// Near a singularity the joints may differ while the pose is the same: a pose's rounding, 1e-16,
-// moves a joint by up to its root.
-constexpr double kJointToleranceRad = 1e-5;
 // Of a polished or general arm's; one in a thousand.
 constexpr int kMostMissed = 10;
-
-double Largest(double a, double b) { return b <= a ? a : b; }  // NaN is larger than any
-
-double Difference(const Frame& a, const Frame& b) {
-  double largest = 0;
-  for (int i = 0; i < 3; ++i) {
-    largest = Largest(largest, std::fabs(a.position[i] - b.position[i]));
-    for (int j = 0; j < 3; ++j) {
-      largest = Largest(largest, std::fabs(a.rotation[i][j] - b.rotation[i][j]));
-    }
-  }
-  return largest;
-}
-
-double Difference(const Joints& a, const Joints& b) {
-  double largest = 0;
-  for (size_t j = 0; j < a.size(); ++j) largest = Largest(largest, std::fabs(a[j] - b[j]));
-  return largest;
-}
 
 void ExpectWithinTolerance(double difference, const char* what, const Joints& joints) {
   if (difference <= kTolerance) return;
@@ -53,6 +29,30 @@ void ExpectWithinTolerance(double difference, const char* what, const Joints& jo
 }
 
 }  // namespace
+
+PoseCheck CheckPose(const ArmDescription& arm, const FittedModel& fitted, const Joints& joints) {
+  constexpr double kWrong = 1e-10;
+  // Near a singularity the joints may differ while the pose is the same: a pose's rounding, 1e-16,
+  // moves a joint by up to its root.
+  constexpr double kSameJointsRad = 1e-5;
+  const auto forward = [&](const Joints& q) {
+    return fitted.IsDescribed() ? ToFrame(TipFrame(arm, q)) : Forward(fitted.model, q);
+  };
+  const Frame target = forward(joints);
+  PoseCheck check;
+  check.forward = LargestDifference(Forward(fitted.model, joints), target);
+  const auto start = std::chrono::steady_clock::now();
+  const closed_form::Solutions solutions = Solve(fitted.model, target);
+  check.solve_s = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  for (const Joints& solution : solutions) {
+    const double error = LargestDifference(forward(solution), target);
+    check.worst = Larger(check.worst, error);
+    if (!(error <= kWrong)) ++check.wrong;
+  }
+  check.solutions = static_cast<int>(solutions.Count());
+  check.found = solutions.Has(joints, kSameJointsRad);
+  return check;
+}
 
 Verification Verify(const ArmDescription& arm, const FittedModel& fitted) {
   constexpr double kRangeRad = 2.967;
@@ -65,29 +65,20 @@ Verification Verify(const ArmDescription& arm, const FittedModel& fitted) {
   for (int i = 0; i < result.joint_sets; ++i) {
     Joints joints;
     for (double& joint : joints) joint = range(engine);
-    const auto forward = [&](const Joints& q) { return Forward(fitted.model, q); };
-    const Frame target = fitted.IsDescribed() ? ToFrame(TipFrame(arm, joints)) : forward(joints);
-    result.forward = Largest(result.forward, Difference(forward(joints), target));
+    const PoseCheck check = CheckPose(arm, fitted, joints);
+    result.forward = Larger(result.forward, check.forward);
     ExpectWithinTolerance(result.forward, "its pose differs from the described arm's", joints);
-
-    const auto start = std::chrono::steady_clock::now();
-    const closed_form::Solutions solutions = Solve(fitted.model, target);
-    const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
-    result.solve_s += spent.count() / result.joint_sets;
-    double nearest = 2 * kPi;
-    for (const Joints& solution : solutions) {
-      result.solutions = Largest(result.solutions, Difference(forward(solution), target));
-      nearest = std::min(nearest, Difference(solution, joints));
-    }
+    result.solutions = Larger(result.solutions, check.worst);
     ExpectWithinTolerance(result.solutions, "a solution misses the pose", joints);
-    if (nearest <= kJointToleranceRad) continue;
+    result.solve_s += check.solve_s / result.joint_sets;
+    if (check.found) continue;
     // A singularity that described and nominal arm have in different places may hide a solution.
     const bool may_miss = fitted.polished || !fitted.member;
     if (++result.missed > (may_miss ? kMostMissed : 0)) {
       throw Failure(
           fmt::format("the model fails its check: joints {:.9g} rad are not among the {} "
                       "solutions of their pose",
-                      fmt::join(joints, " "), solutions.Count()));
+                      fmt::join(joints, " "), check.solutions));
     }
   }
   if (fitted.member) result.difference = DifferenceOf(*fitted.member, arm, kJointSets);

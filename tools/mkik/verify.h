@@ -5,6 +5,19 @@
 
 namespace qal::tools {
 
+/// What a model answers for the pose of some joints. Errors in metres or as a matrix element.
+struct PoseCheck {
+  int solutions = 0;
+  bool found = false;  ///< the joints are among them, the short way round
+  int wrong = 0;       ///< solutions that are off the pose by more than 1e-10
+  double forward = 0;  ///< the model's forward kinematics from the pose
+  double worst = 0;    ///< the solutions' poses from it
+  double solve_s = 0;  ///< time to solve it
+};
+
+/// @param fitted judged by the arm as it is described; the nearest member in its place, by itself
+PoseCheck CheckPose(const ArmDescription& arm, const FittedModel& fitted, const Joints& joints);
+
 /// How far a model was from its arm at the most, in metres or as a matrix element.
 struct Verification {
   int joint_sets;            ///< random ones, within +-170 degrees

@@ -50,6 +50,21 @@ inline Frame Inverse(const Frame& frame) {
 
 inline double Length(const Vector3& v) { return std::hypot(v[0], v[1], v[2]); }
 
+/// Of two numbers; NaN is larger than any.
+inline double Larger(double a, double b) { return b <= a ? a : b; }
+
+/// The largest difference of two frames, in metres or as a matrix element.
+inline double LargestDifference(const Frame& a, const Frame& b) {
+  double largest = 0;
+  for (int i = 0; i < 3; ++i) {
+    largest = Larger(largest, std::fabs(a.position[i] - b.position[i]));
+    for (int j = 0; j < 3; ++j) {
+      largest = Larger(largest, std::fabs(a.rotation[i][j] - b.rotation[i][j]));
+    }
+  }
+  return largest;
+}
+
 /// The rotation by an angle [rad] about a unit axis.
 Matrix3 RotationMatrix(const Vector3& axis, double angle);
 

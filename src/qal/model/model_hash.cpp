@@ -8,18 +8,7 @@ namespace qal {
 
 namespace {
 
-using closed_form::Body;
-using closed_form::Chain;
-using closed_form::Frame;
-using closed_form::GeneralArm;
-using closed_form::Link;
-using closed_form::Matrix;
-using closed_form::OffsetWristArm;
-using closed_form::ParallelAxesArm;
-using closed_form::PolishedArm;
-using closed_form::SinCos;
-using closed_form::SphericalWristArm;
-using closed_form::Vector;
+using namespace closed_form;
 
 // FNV-1a over the bits of numbers, so that the same geometry has the same text on every machine.
 class Hash {
