@@ -82,12 +82,12 @@ void CheckFilled(const Frame& /*before*/, const Frame& after) {
 
 RoadPoint DrawPoint(ByteInput& in) {
   RoadPoint point;
-  point.position = Pos(in.Number(), in.Number(), in.Number());
+  point.position = Pos{in.Number(), in.Number(), in.Number()};
   const auto kind = in.Take<uint8_t>();
   for (int j = 0; j < (kind % 8 < 4 ? 3 : 6); ++j) point.jointpos[j] = in.Number();
   point.ik_flag = kind % 2 == 1;
   point.orientation = Ori(1, 0, 0, 0);
-  if (kind >= 200) point.orientation = Ori(in.Number(), in.Number(), in.Number(), in.Number());
+  if (kind >= 200) point.orientation = Ori{in.Number(), in.Number(), in.Number(), in.Number()};
   if (kind % 4 >= 2) (void)Ikfunc::ArmFk(point);
   return point;
 }
@@ -107,7 +107,7 @@ void Draw(ByteInput& in, Frame& frame) {
   if (kind < 64) return;
   // A short way: a few centimetres or millimetres on an axis, and in rad in a joint.
   const auto little = [&] { return (kind < 100 ? 0.02 : 0.002) * in.Number(); };
-  frame.e.position = frame.s.position + Pos(little(), little(), little());
+  frame.e.position = frame.s.position + Pos{little(), little(), little()};
   for (double& joint : frame.e.jointpos) joint += little();
   if (kind >= 200) std::copy(frame.e.jointpos, frame.e.jointpos + 6, frame.joints);
 }
