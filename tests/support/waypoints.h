@@ -59,7 +59,7 @@ inline Ori Product(const Ori& a, const Ori& b) {
 }
 
 /// The rotation about x, y or z.
-inline Ori Turn(double angle_rad, int axis) {
+inline Ori Turn(double angle_rad, size_t axis) {
   std::array<double, 3> part = {};
   part[axis] = std::sin(angle_rad / 2);
   return Ori(std::cos(angle_rad / 2), part[0], part[1], part[2]);

@@ -29,8 +29,9 @@ TEST(Scalars, CompareWithinATolerance) {
       Numbers numbers = {};
       numbers[i] = part * (i < 3 ? 0.25 : i < 7 ? 0.125 : 0.5);
       const RoadPoint zero;
-      EXPECT_EQ(Ikfunc::PositionCompare(From(numbers), zero, 0.25f, 0.125f), i > 6 || same) << i;
-      EXPECT_EQ(Ikfunc::JointCompare(zero, From(numbers), 0.5f), i < 7 || same) << i;
+      EXPECT_EQ(Ikfunc::PositionCompare(From(numbers), zero, 0.25f, 0.125f), i > 6 || same != 0)
+          << i;
+      EXPECT_EQ(Ikfunc::JointCompare(zero, From(numbers), 0.5f), i < 7 || same != 0) << i;
     }
   }
   for (const auto& [difference, same] :  // in double precision

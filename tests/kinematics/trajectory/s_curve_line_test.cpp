@@ -53,8 +53,8 @@ TEST_F(SCurveLine, AppendsItsFirstPhaseAndTurnsTheLongWayToo) {
   EXPECT_EQ(Plan(0.01, 1.0f, 10.0f), Outcome<int>(1, "", kNotice));
   ASSERT_EQ(road_.size(), 16u);
   EXPECT_EQ(road_[0].position.x, 7.0);
-  for (int i = 1; i <= 15; ++i) {
-    const double t = 5 * i / 1000.0;
+  for (size_t i = 1; i <= 15; ++i) {
+    const double t = 5 * static_cast<double>(i) / 1000.0;
     const double x = 10.0 * t * t * t / 6;
     EXPECT_DOUBLE_EQ(road_[i].position.x, x + 0.1);
     const RoadPoint sample = Waypoint(Pos(x + 0.1, 0.2, 0.3), {}, Turn(3 - 6 * x / 0.01, 2));
@@ -109,7 +109,7 @@ TEST_F(SCurveLine, StopsAtAJointStepAboveTwiceTheMotorSpeed) {
 }
 
 TEST_F(SCurveLine, NeedsBothEndPointsInReachButHoldsTheJointsOnTheWay) {
-  for (const size_t answered : {0, 1}) {
+  for (const size_t answered : {size_t{0}, size_t{1}}) {
     FindNothing(answered, 3);
     EXPECT_EQ(Plan(0.01, 1.0f, 10.0f),
               Outcome<int>(-1, "ARM IK is error\n", kUnsolved + "s_point and e_point Ik error!\n"));
