@@ -14,8 +14,8 @@ DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60
 
-.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check arm-table build-deps \
-        test-deps bench-deps clean
+.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check arm-table sbom abi \
+        build-deps test-deps bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -32,8 +32,8 @@ demo: build-deps
 	@echo "  build/release/bin/qal verify out/pick_and_place.csv --max-motor-rpm 1000"
 	@echo "  build/release/bin/mkik arms/foundry_spherical.urdf -o out/libik.so"
 
-## Builds and runs every test, plain and under the address and undefined-behaviour sanitizers, static
-## analysis with them.
+## Builds and runs every test: by clang, under the address and undefined-behaviour sanitizers; and by
+## g++, static analysis with them.
 test: test-deps
 	cmake --preset asan
 	cmake --build --preset asan
@@ -81,7 +81,6 @@ arm-table: bench-deps
 
 ## Searches for inputs that break something, with each fuzz harness for SECONDS.
 fuzz: test-deps
-	packaging/install-deps libclang-rt-14-dev
 	cmake --preset fuzz
 	cmake --build --preset fuzz
 	tests/fuzz/run $(SECONDS)
@@ -91,6 +90,25 @@ tsan: test-deps
 	cmake --preset tsan
 	cmake --build --preset tsan
 	QAL_THREAD_SECONDS=$(SECONDS) ctest --preset tsan
+
+## What a release build contains, in the form of SPDX.
+sbom: build-deps
+	@packaging/install-deps python3 binutils
+	@packaging/quietly "Configuring build/release" cmake --preset release
+	@packaging/quietly "Building, for some minutes" cmake --build --preset release
+	@mkdir -p out
+	@packaging/sbom build/release "$$(sed -n 's/^project(.*VERSION \([0-9.]*\).*/\1/p' CMakeLists.txt)" \
+	  out/QAL_kinematics.spdx.json
+
+## The binary interface of each library, for abidiff.
+abi: test-deps
+	@packaging/install-deps abigail-tools
+	cmake --preset dev
+	cmake --build --preset dev --target QAL_kinematics --target qal_shared --target ik
+	@mkdir -p out
+	for name in QAL_kinematics qal ik; do \
+	  abidw --out-file out/lib$$name.abi build/dev/lib/lib$$name.so || exit 1; \
+	done
 
 ## Runs the library's and the solver's tests under valgrind.
 valgrind: test-deps
@@ -106,6 +124,7 @@ build-deps:
 
 test-deps:
 	@packaging/install-deps $(BUILD_DEPS) $(TEST_DEPS)
+	@packaging/install-deps libclang-rt-$$(clang -dumpversion | cut -d. -f1)-dev
 
 bench-deps:
 	@packaging/install-deps $(BUILD_DEPS) $(BENCH_DEPS)

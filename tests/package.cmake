@@ -33,5 +33,13 @@ qal_test_consumer(AddSubdirectory -DQAL_SOURCE_DIR=${PROJECT_SOURCE_DIR}
 add_test(NAME Package.WorksByPkgConfig
          COMMAND ${consumer}/with_pkg_config.sh ${prefix} ${consumer}/consumer.cpp
                  ${CMAKE_CURRENT_BINARY_DIR}/package/with_pkg_config)
+if(QAL_BUILD_TOOLS)
+  add_test(NAME Package.ToolsWork COMMAND ${consumer}/tools.sh ${prefix}
+                                          ${CMAKE_CURRENT_BINARY_DIR}/package/tools)
+  set_tests_properties(Package.ToolsWork PROPERTIES FIXTURES_REQUIRED installed_tree)
+  add_test(NAME Package.KnowsWhatItContains
+           COMMAND ${consumer}/sbom.sh ${PROJECT_SOURCE_DIR}/packaging/sbom ${PROJECT_BINARY_DIR}
+                   ${CMAKE_CURRENT_BINARY_DIR}/package/sbom.json)
+endif()
 set_tests_properties(Package.WorksByFindPackage Package.WorksByPkgConfig
                      PROPERTIES FIXTURES_REQUIRED installed_tree)
