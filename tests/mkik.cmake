@@ -6,6 +6,8 @@ qal_test_program(
           mkik/offset_wrist_test.cpp
   LIBRARIES qal_mkik kdl_parser::kdl_parser
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms" QAL_MKIK="$<TARGET_FILE:mkik>"
+              QAL_AARCH64_CXX="${QAL_AARCH64_CXX}" QAL_AARCH64_EMULATOR="${QAL_AARCH64_EMULATOR}"
+              QAL_SOLVER_BITS="${CMAKE_CURRENT_SOURCE_DIR}/mkik/solver_bits.cpp"
   NEEDS mkik)
 
 # What docs/your-arm.md says is what happens.

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <filesystem>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -12,19 +14,9 @@
 namespace qal::tools {
 
 using namespace io;
+using namespace closed_form;
 
 namespace {
-
-using closed_form::Body;
-using closed_form::Chain;
-using closed_form::Frame;
-using closed_form::GeneralArm;
-using closed_form::Link;
-using closed_form::OffsetWristArm;
-using closed_form::ParallelAxesArm;
-using closed_form::PolishedArm;
-using closed_form::SinCos;
-using closed_form::SphericalWristArm;
 
 std::string Text(double value) { return FormatNumber(value); }
 
@@ -34,11 +26,11 @@ std::string Text(const double (&values)[6]) {
   return "{" + text + "}";
 }
 
-std::string Text(const closed_form::Vector<double>& v) {
+std::string Text(const Vector<double>& v) {
   return fmt::format("{{{{{}, {}, {}}}}}", Text(v[0]), Text(v[1]), Text(v[2]));
 }
 
-std::string Text(const closed_form::Matrix<double>& m) {
+std::string Text(const Matrix<double>& m) {
   return fmt::format("{{{{{}, {}, {}}}}}", Text(m[0]), Text(m[1]), Text(m[2]));
 }
 
@@ -80,13 +72,24 @@ std::string Text(const Chain& chain) {
       Text(chain.base), links, Text(chain.tool));
 }
 
-const char* TypeOf(const SphericalWristArm& /*arm*/) { return "SphericalWristArm"; }
-const char* TypeOf(const ParallelAxesArm& /*arm*/) { return "ParallelAxesArm"; }
-const char* TypeOf(const OffsetWristArm& /*arm*/) { return "OffsetWristArm"; }
-const char* TypeOf(const GeneralArm& /*arm*/) { return "GeneralArm"; }
+// An arm's type, and the files that solve it.
+struct SolvingCode {
+  std::string type;
+  std::vector<const char*> files;
+};
+
+SolvingCode CodeOf(const SphericalWristArm& /*arm*/) {
+  return {"SphericalWristArm", {"spherical_wrist.h"}};
+}
+SolvingCode CodeOf(const ParallelAxesArm& /*arm*/) {
+  return {"ParallelAxesArm", {"parallel_axes.h"}};
+}
+SolvingCode CodeOf(const OffsetWristArm& /*arm*/) { return {"OffsetWristArm", {"offset_wrist.h"}}; }
+SolvingCode CodeOf(const GeneralArm& /*arm*/) { return {"GeneralArm", {"general.h"}}; }
 template <class Member>
-std::string TypeOf(const PolishedArm<Member>& arm) {
-  return fmt::format("PolishedArm<qal::closed_form::{}>", TypeOf(arm.member));
+SolvingCode CodeOf(const PolishedArm<Member>& arm) {
+  const auto [type, files] = CodeOf(arm.member);
+  return {fmt::format("PolishedArm<qal::closed_form::{}>", type), {"polished.h", files[0]}};
 }
 
 std::string Text(const SphericalWristArm& arm) {
@@ -114,13 +117,13 @@ std::string Text(const OffsetWristArm& arm) {
       Text(arm.body), Text(arm.lean), Text(arm.wrist_offset_y), Text(arm.wrist_offset_z));
 }
 
-std::string Text(const closed_form::Complex<double>& number) {
+std::string Text(const Complex<double>& number) {
   return fmt::format("{{{}, {}}}", Text(number.re), Text(number.im));
 }
 
-std::string Text(const closed_form::ComplexJoints& joints) {
+std::string Text(const ComplexJoints& joints) {
   std::string text;
-  for (const SinCos<closed_form::Complex<double>>& angle : joints.joint) {
+  for (const SinCos<Complex<double>>& angle : joints.joint) {
     text +=
         fmt::format("{}{{{}, {}}}", text.empty() ? "" : ", ", Text(angle.sine), Text(angle.cosine));
   }
@@ -152,37 +155,39 @@ std::string Text(const PolishedArm<Member>& arm) {
       Text(arm.member), Text(arm.chain), Text(arm.apart_m), Text(arm.apart));
 }
 
-// The solving code of an arm's type, in the order of the files' includes.
-std::vector<const char*> SolvingTexts(const SphericalWristArm& /*arm*/) {
-  return {kElbowText, kWristText, kSphericalWristText};
-}
-std::vector<const char*> SolvingTexts(const ParallelAxesArm& /*arm*/) {
-  return {kElbowText, kWristText, kParallelAxesText};
-}
-std::vector<const char*> SolvingTexts(const OffsetWristArm& /*arm*/) {
-  return {kOffsetWristArmText, kOffsetWristWaysText, kOffsetWristNodesText, kOffsetWristSearchText,
-          kOffsetWristText};
-}
-std::vector<const char*> SolvingTexts(const GeneralArm& /*arm*/) {
-  return {kChainText,    kNewtonText,      kComplexLanesText, kPosePathText,
-          kPathStepText, kPathTrackerText, kGeneralText};
-}
-template <class Member>
-std::vector<const char*> SolvingTexts(const PolishedArm<Member>& arm) {
-  std::vector<const char*> texts = {kChainText, kNewtonText, kPolishedText};
-  for (const char* text : SolvingTexts(arm.member)) texts.push_back(text);
-  return texts;
-}
-
-// A file that is part of another one: without includes of the files that stand before it.
-std::string Inlined(const std::string& text) {
-  std::istringstream lines(text);
-  std::string result;
+// A file of the solving code, with others in place of its includes of them, unless they stand
+// before it. NOLINTNEXTLINE(misc-no-recursion): as deep as the files include each other
+std::string Inlined(const std::string& name, std::set<std::string>& before) {
+  if (!before.insert(name).second) return "";
+  const std::string include = "#include \"";
+  std::istringstream lines(SolverText(name));
+  std::string result = "\n";
   for (std::string line; std::getline(lines, line);) {
-    if (line.rfind("#include \"", 0) != 0) result += line + '\n';
+    if (line.rfind(include, 0) != 0) {
+      result += line + '\n';
+      continue;
+    }
+    const std::filesystem::path named =
+        line.substr(include.size(), line.rfind('"') - include.size());
+    result += Inlined(named.filename().string(), before);
   }
   return result;
 }
+
+// Compilers round a product and its sum once where the processor can, unless told not to; g++ 12
+// even then where it finds sums and differences side by side, as its superword-level vectorizer
+// does.
+constexpr char kSameBits[] = R"(
+// The same bits on every processor, whatever the compiler's options.
+#if defined(__FAST_MATH__) || __FLT_EVAL_METHOD__ == 2
+#error "needs IEEE arithmetic in double precision: compile without -ffast-math, -Ofast and x87"
+#endif
+#ifdef __clang__
+#pragma STDC FP_CONTRACT OFF
+#else
+#pragma GCC optimize("fp-contract=off", "no-tree-slp-vectorize")
+#endif
+)";
 
 // Names come from anywhere: they must not end the comment.
 std::string InComment(const std::string& name) {
@@ -196,8 +201,7 @@ std::string Heading(const ArmDescription& arm, const FittedModel& fitted) {
       "// Solver of the arm '{}', from '{}' to '{}': {}.\n"
       "// Written by mkik; change the arm's description and run it again. To build it elsewhere,\n"
       "// with an exports.map as this file's last lines have it:\n"
-      "//   c++ -std=c++17 -O3 -ffp-contract=off -fno-math-errno -fvisibility=hidden -fPIC "
-      "-shared\n"
+      "//   c++ -std=c++17 -O3 -fno-math-errno -fvisibility=hidden -fPIC -shared\n"
       "//     -Wl,--version-script=exports.map -Wl,-soname,libik.so -o libik.so this_file.cpp\n"
       "//\n"
       "// Joints as described [rad]. The solver doesn't look at limits: it lists every solution "
@@ -217,27 +221,28 @@ std::string Heading(const ArmDescription& arm, const FittedModel& fitted) {
 
 }  // namespace
 
-std::string SolverExports() { return kExportsText; }
+std::string SolverExports() { return SolverText("exports.map"); }
 
 std::string SolverSource(const ArmDescription& arm, const FittedModel& fitted) {
-  std::string source = Heading(arm, fitted);
-  std::vector<const char*> texts = {kIkfastText,   kAnglesText,    kGeometryText, kBodyText,
-                                    kShoulderText, kSolutionsText, kSolveText};
+  std::string source = Heading(arm, fitted) + kSameBits;
+  std::set<std::string> there;
+  source += Inlined("ikfast.h", there);
   std::string constant;
   std::visit(
       [&](const auto& a) {
-        for (const char* text : SolvingTexts(a)) texts.push_back(text);
-        constant = fmt::format("constexpr qal::closed_form::{} kArm = {};\n", TypeOf(a), Text(a));
+        const auto [type, files] = CodeOf(a);
+        for (const char* file : files) source += Inlined(file, there);
+        constant = fmt::format("constexpr qal::closed_form::{} kArm = {};\n", type, Text(a));
       },
       fitted.model);
-  for (const char* text : texts) source += '\n' + Inlined(text);
   source += fmt::format(
       "\nnamespace {{\n\n{}\nconstexpr char kGeometryHash[] = \"{}\";\n\n"
-      "}}  // namespace\n\n{}\n/* exports.map:\n{}*/\n",
-      constant, HashOf(fitted.model), Inlined(kEntryPointsText),
-      // The map's own comment would end this one.
-      SolverExports().substr(SolverExports().find('{')));
-  return source;
+      "}}  // namespace\n",
+      constant, HashOf(fitted.model));
+  source += Inlined("entry_points.inc", there);
+  // The map's own comment would end this one.
+  const std::string exports = SolverExports();
+  return source + "\n/* exports.map:\n" + exports.substr(exports.find('{')) + "*/\n";
 }
 
 }  // namespace qal::tools
