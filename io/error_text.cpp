@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "../solver/closed_form/angles.h"
+#include "messages.h"
 
 namespace qal::io {
 
@@ -202,7 +203,7 @@ std::string Words::OfMove() const {
 std::string ErrorText(const Error& error, const TextUnits& units) {
   const Words words(error, units);
   for (auto of : {&Words::OfRequest, &Words::OfSolving, &Words::OfArm, &Words::OfMove}) {
-    if (std::string text = (words.*of)(); !text.empty()) return text;
+    if (std::string text = (words.*of)(); !text.empty()) return OneLine(text);
   }
   return "no reason is given";
 }

@@ -21,6 +21,8 @@ namespace {
 // An hour of motion with every column, 606 bytes each cycle, is 0.8 of this.
 constexpr size_t kLargestFileBytes = size_t{1} << 29;
 
+constexpr mode_t kAnyWrite = 0222;
+
 [[noreturn]] void Fail(std::string_view action, const std::string& path, int error) {
   throw UsageError(
       fmt::format("cannot {} {}: {}", action, path, std::system_category().message(error)));
@@ -49,6 +51,17 @@ int WriteAndClose(int descriptor, std::string_view content) {
   if (error == 0 && ::fsync(descriptor) != 0 && errno != EINVAL) error = errno;
   if (::close(descriptor) != 0 && error == 0) return errno;
   return error;
+}
+
+// What a path leads to, there or not: not a link is to be replaced, but what it names.
+std::filesystem::path FollowLinks(const std::string& path) {
+  constexpr int kMostLinks = 40;  // as many as the system follows
+  std::error_code none;
+  std::filesystem::path target = path;
+  for (int i = 0; i < kMostLinks && std::filesystem::is_symlink(target, none); ++i) {
+    target = target.parent_path() / std::filesystem::read_symlink(target, none);
+  }
+  return target;
 }
 
 }  // namespace
@@ -93,19 +106,32 @@ std::string ReadFile(const std::string& path) {
   return content;
 }
 
+bool SameFile(const std::string& one, const std::string& other) {
+  namespace fs = std::filesystem;
+  const fs::path a = FollowLinks(one == "-" ? "/dev/stdin" : one);
+  const fs::path b = FollowLinks(other == "-" ? "/dev/stdin" : other);
+  std::error_code none;  // what can't be looked at is not there
+  if (fs::exists(a, none)) return fs::is_regular_file(a, none) && fs::equivalent(a, b, none);
+  return fs::weakly_canonical(fs::absolute(a), none) == fs::weakly_canonical(fs::absolute(b), none);
+}
+
 void WriteFile(const std::string& path, std::string_view content) {
   struct stat status;
   const bool exists = ::stat(path.c_str(), &status) == 0;
+  if (!exists && errno != ENOENT) Fail("write", path, errno);
   if (exists && !S_ISREG(status.st_mode)) {
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
     if (descriptor < 0) Fail("write", path, errno);
     if (const int error = WriteAndClose(descriptor, content)) Fail("write", path, error);
     return;
   }
-  // Through links: not the link is replaced, but what it leads to.
-  std::error_code unresolved;
-  const std::filesystem::path resolved = std::filesystem::canonical(path, unresolved);
-  const std::string target = unresolved ? path : resolved.string();
+  // A rename asks for the folder's permission alone.
+  if (exists && ((status.st_mode & kAnyWrite) == 0 ||
+                 (::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0 && errno == EACCES))) {
+    throw UsageError(fmt::format(
+        "cannot write {}: no write permission; chmod +w, or choose another name", path));
+  }
+  const std::string target = FollowLinks(path).string();
   // Stopped in between, the temporary file would stay.
   const HeldSignals held;
   std::string temporary = target + ".XXXXXX";
@@ -114,7 +140,7 @@ void WriteFile(const std::string& path, std::string_view content) {
   // As an ordinary new file would be, or as the one it replaces: mkostemp gives 0600.
   const mode_t mask = ::umask(0);
   (void)::umask(mask);
-  (void)::fchmod(descriptor, exists ? status.st_mode & 07777 : 0666 & ~mask);
+  (void)::fchmod(descriptor, exists ? status.st_mode & 0777 : 0666 & ~mask);
   int error = WriteAndClose(descriptor, content);
   if (error == 0 && ::rename(temporary.c_str(), target.c_str()) != 0) error = errno;
   if (error != 0) {

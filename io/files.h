@@ -18,11 +18,17 @@ std::string NameOf(const std::string& path);
 ///        is none of ours
 std::string ReadFile(const std::string& path);
 
+/// Whether two paths, or - for standard input, lead to one file, by whatever names and links; of
+/// two that aren't there, whether they will. A device or a pipe is no file that could be lost.
+bool SameFile(const std::string& one, const std::string& other);
+
 /// Writes a file as a whole: next to it first, then renamed, so that a failure leaves what stood
 /// there before and nothing half written; a stop (Ctrl-C) waits until that is done. A link stays,
-/// and what it leads to is replaced. What is no regular file (a device, a pipe) is written in
-/// place.
-/// @throw UsageError "cannot write PATH: REASON"
+/// and what it names is replaced, or made where it isn't there. The new file has the permissions of
+/// the old, but no set-user-ID, set-group-ID and sticky bit, and belongs to who writes it; other
+/// hard links keep the old one. What is no regular file (a device, a pipe) is written in place.
+/// @throw UsageError "cannot write PATH: REASON"; a file without write permission is left alone, by
+///        root as well where nobody has it
 void WriteFile(const std::string& path, std::string_view content);
 
 /// From here on standard output is for `WriteStandardOutput` alone: what else writes there, such as

@@ -77,9 +77,10 @@ std::optional<ArmFile> ResolveArmFile(const std::optional<std::string>& option,
 
 std::string ArmHeading(const LoadedArm& loaded) {
   const Solver& solver = loaded.arm.solver();
-  const std::string hash = solver.hash().empty() ? "no hash" : "hash " + solver.hash();
-  const std::string whence =
-      loaded.file.empty() ? "reference arm (built in)" : loaded.arm.name() + " from " + loaded.file;
+  const std::string hash = solver.hash().empty() ? "no hash" : "hash " + NameText(solver.hash());
+  const std::string whence = loaded.file.empty()
+                                 ? "reference arm (built in)"
+                                 : NameText(loaded.arm.name()) + " from " + loaded.file;
   const std::string by = solver.path().empty() ? solver.family() : "solver " + solver.path();
   return OneLine(fmt::format("{}, {}, {}", whence, by, hash));
 }

@@ -9,8 +9,14 @@ namespace qal::io {
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
 
-/// The text as one line to show: control characters, line ends among them, become blanks.
-std::string OneLine(std::string text);
+/// The text as one line to show: control characters, line ends among them, become blanks; nothing
+/// else changes, as names may be in any language.
+/// @param most bytes to show; "..." stands for what is beyond
+std::string OneLine(std::string text, size_t most = 4096);
+
+/// The name of an arm, a link or a joint as texts show it, whatever a file has put there: one line,
+/// up to 60 bytes.
+std::string NameText(const std::string& name);
 
 /// Names in quotes, for a message; of many the first eight and how many more there are.
 std::string NamesText(const std::vector<std::string>& names);

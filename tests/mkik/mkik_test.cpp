@@ -81,6 +81,14 @@ TEST_F(Mkik, SaysWhatItFoundInTheArmThatItIsGiven) {
   EXPECT_EQ(Files(), "cell.toml\n");
 }
 
+TEST_F(Mkik, ShowsNamesWithoutWhatWouldMoveTheCursor) {
+  const ToolRun run =
+      Shell("sed -e 's/J2/axis\\\\n\\\\u001b[2J/; s/J3/" + std::string(300, 'x') + "/' " +
+            kArms + "carrying_parallel.toml > arm.toml; " + kMkik + "arm.toml");
+  EXPECT_NE(run.out.find("\n  axis  [2J  "), std::string::npos) << run.out << run.err;
+  EXPECT_EQ(run.out.find(std::string(100, 'x')), std::string::npos);
+}
+
 TEST_F(Mkik, TellsItsFailuresInOneLineAndLeavesNothing) {
   std::ofstream("skew.urdf") << "<robot name='x'><link name='a&#27;&#10;b'/></robot>";
   const std::string reference = kArms + "reference.urdf";

@@ -3,11 +3,13 @@
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <set>
 #include <sstream>
 #include <vector>
 
+#include "../../io/messages.h"
 #include "../../io/numbers.h"
 #include "solver_texts.h"
 
@@ -191,8 +193,8 @@ constexpr char kSameBits[] = R"(
 
 // Names come from anywhere: they must not end the comment.
 std::string InComment(const std::string& name) {
-  std::string text;
-  for (const char c : name) text += c < ' ' || c == '\\' ? '?' : c;
+  std::string text = NameText(name);
+  std::replace(text.begin(), text.end(), '\\', '?');
   return text;
 }
 

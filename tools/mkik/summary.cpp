@@ -106,9 +106,9 @@ std::string CheckText(const Verification& verification) {
 
 std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& description,
                         const FittedModel& fitted, const Verification& verification) {
-  std::string text =
-      io::ArmHeading(arm) + '\n' +
-      io::OneLine(fmt::format("  from '{}' to '{}'", description.base, description.tip)) + '\n';
+  std::string text = io::ArmHeading(arm) + '\n' +
+                     fmt::format("  from '{}' to '{}'\n", io::NameText(description.base),
+                                 io::NameText(description.tip));
   if (fitted.member) {
     for (const auto& [name, metres] : LengthsOf(*fitted.member)) {
       text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
@@ -119,8 +119,9 @@ std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& descript
   for (size_t j = 0; j < description.joints.size(); ++j) {
     const JointDescription& joint = description.joints[j];
     const ModelJoint model = ModelJointOf(fitted, j);
-    text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", joint.name, model.direction,
-                        model.zero_rad, LimitText(joint.lower_rad), LimitText(joint.upper_rad));
+    text += fmt::format("  {:<16}{:>10}{:>12.6f}{:>12}{:>12}\n", io::NameText(joint.name),
+                        model.direction, model.zero_rad, LimitText(joint.lower_rad),
+                        LimitText(joint.upper_rad));
   }
   return text + MethodText(fitted, description, verification) + CheckText(verification);
 }

@@ -7,6 +7,7 @@
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "../../io/finite_differences.h"
+#include "../../io/messages.h"
 #include "../../io/metrics.h"
 #include "commands.h"
 #include "number_option.h"
@@ -77,8 +78,8 @@ std::string Title(MetricIndex metric, size_t entry) {
 
 std::string Heading(const Findings& findings, const std::string& name) {
   const Trajectory& samples = findings.trajectory.samples;
-  std::string text = fmt::format("{}: {} samples, {:.9g} s to {:.9g} s", name, samples.size(),
-                                 samples.front().time_s, samples.back().time_s);
+  std::string text = fmt::format("{}: {} samples, {:.9g} s to {:.9g} s", OneLine(name),
+                                 samples.size(), samples.front().time_s, samples.back().time_s);
   // Below it, a difference of two intervals is their rounding.
   constexpr double kSameDurationS = 1e-9;
   if (findings.longest_s - findings.shortest_s > kSameDurationS) {
