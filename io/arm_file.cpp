@@ -64,13 +64,14 @@ ArmFile FromDocument(const Document& document, const std::string& path,
   }
   file.settings = ReadArmSettings(fields);
   if (fields.Has("description")) file.description = DescriptionOf(fields, path, options);
+  if (fields.Has("description") && fields.at("description").is_string()) {
+    file.sources.push_back(InFolderOf(path, fields.Text("description", "")));
+  }
   if (fields.Has("solver")) file.solver = InFolderOf(path, fields.Text("solver", ""));
   return file;
 }
 
-}  // namespace
-
-ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
+ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options) {
   const std::string name = NameOf(path);
   const std::string text = ReadFile(path);
   switch (ContentOf(text)) {
@@ -85,6 +86,14 @@ ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
       break;
   }
   return FromDocument(ParseToml(text, name), path, options);
+}
+
+}  // namespace
+
+ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
+  ArmFile file = ReadAnyFile(path, options);
+  file.sources.push_back(path);
+  return file;
 }
 
 ArmDescription DescriptionIn(const ArmFile& file) {

@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "description.h"
 
@@ -15,7 +16,8 @@ struct ArmFile {
   std::string kind;                           ///< "URDF", "table", "arm file" or "solver library"
   std::optional<ArmDescription> description;  ///< none: a solver is all there is
   ArmSettings settings;
-  std::string solver;  ///< path of a solver library; empty: the closed form
+  std::string solver;                     ///< path of a solver library; empty: the closed form
+  std::vector<std::string> sources = {};  ///< paths that it was read from; -: standard input
 };
 
 /// Reads a file of an arm, whatever its name: what it is shows in its content.

@@ -112,7 +112,10 @@ bool SameFile(const std::string& one, const std::string& other) {
   const fs::path b = FollowLinks(other == "-" ? "/dev/stdin" : other);
   std::error_code none;  // what can't be looked at is not there
   if (fs::exists(a, none)) return fs::is_regular_file(a, none) && fs::equivalent(a, b, none);
-  return fs::weakly_canonical(fs::absolute(a), none) == fs::weakly_canonical(fs::absolute(b), none);
+  const auto full = [&](const fs::path& path) {
+    return fs::weakly_canonical(fs::absolute(path, none), none);
+  };
+  return full(a) == full(b);
 }
 
 void WriteFile(const std::string& path, std::string_view content) {

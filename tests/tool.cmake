@@ -11,5 +11,6 @@ qal_test_program(
 # Sanitizers need more memory than the limits here leave.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME Tool.Faults COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tool/faults.sh $<TARGET_FILE:qal>
-                                    $<TARGET_FILE:mkik>)
+                                    $<TARGET_FILE:mkik>
+                                    ${PROJECT_SOURCE_DIR}/arms/bench_parallel.urdf)
 endif()

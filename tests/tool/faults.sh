@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# Commands whose output or input goes wrong: faults.sh QAL MKIK. Each time one plain line and the
+# Commands whose output or input goes wrong: faults.sh QAL MKIK ARM. Each time one plain line and the
 # right exit status, a good file left as it was, and nothing beside it.
 set -uo pipefail
-qal=$1 mkik=$2
+qal=$1 mkik=$2 arm=$3
 folder=$(mktemp -d)
 trap 'umount "$folder/small" 2>/dev/null; rm -rf "$folder"' EXIT
 failed=0
@@ -39,7 +39,7 @@ fi
 taken=$(good "$folder/taken")
 expect "cannot write $folder: Is a directory" "$taken" "$qal" "${line[@]}" --csv "$folder"
 locked=$(good "$folder/locked")
-chmod 755 "$folder" && chmod 555 "$locked"
+chmod 755 "$folder" && chmod 666 "$locked/good.csv" && chmod 555 "$locked"
 user=()
 [ "$(id -u)" -ne 0 ] || user=(setpriv --reuid 65534 --clear-groups)
 if "${user[@]}" test -x "$qal"; then
@@ -77,4 +77,29 @@ for try in $(seq 10); do
     fail "stopped, try $try: $(ls -la "$stopped")"
   rm -f "$stopped"/good.csv.*
 done
+# Stopped while the compiler runs, which doesn't care: it goes as well, and what it has started and
+# written. Jobs of their own (-m) don't ignore Ctrl-C.
+cat >"$folder/slow" <<'END'
+#!/bin/sh
+trap '' INT TERM HUP
+sleep 1000 & echo $$ $! > "$(dirname "$0")/running"
+wait
+END
+chmod +x "$folder/slow" && mkdir "$folder/scratch"
+set -m
+for stop in INT TERM HUP; do
+  TMPDIR=$folder/scratch CXX=$folder/slow "$mkik" "$arm" -o "$stopped/good.csv" 2>/dev/null &
+  until [ -s "$folder/running" ] || ! kill -0 $! 2>/dev/null; do sleep 0.01; done
+  kill -$stop $! && wait $! 2>/dev/null
+  [ $? -eq $((128 + $(kill -l $stop))) ] && [ -z "$(ls -A "$folder/scratch")" ] ||
+    fail "mkik stopped by $stop: $(ls -R "$folder/scratch")"
+  sleep 0.1
+  for process in $(cat "$folder/running"); do
+    grep -sq '^State:[[:space:]]*[^ZX[:space:]]' /proc/$process/status || continue
+    fail "$process goes on after $stop"
+    kill -KILL $process
+  done
+  rm "$folder/running"
+done
+set +m
 exit $failed

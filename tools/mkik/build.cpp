@@ -1,21 +1,24 @@
 #include "build.h"
 
 #include <fmt/format.h>
-#include <spawn.h>
-#include <sys/wait.h>
+#include <fmt/ranges.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <random>
 #include <sstream>
-#include <vector>
 
 #include "../../io/error.h"
+#include "../../io/error_text.h"
 #include "../../io/files.h"
-
-extern char** environ;
+#include "../../io/held_signals.h"
+#include "../../src/qal/solve/kinematics.h"
+#include "../common/child.h"
 
 namespace qal::tools {
 
@@ -27,11 +30,14 @@ namespace {
 class ScratchFolder {
  public:
   ScratchFolder() {
-    std::string path = (std::filesystem::temp_directory_path() / "mkik.XXXXXX").string();
-    if (::mkdtemp(path.data()) == nullptr) {
-      throw UsageError(fmt::format("cannot write {}: {}", path, std::strerror(errno)));
+    const char* const named = std::getenv("TMPDIR");
+    const std::string folder = named != nullptr && *named != '\0' ? named : "/tmp";
+    path_ = std::filesystem::absolute(folder) / "mkik.XXXXXX";
+    if (::mkdtemp(path_.data()) == nullptr) {
+      throw UsageError(
+          fmt::format("cannot write in {}: {}; TMPDIR has to name a folder to compile in", folder,
+                      std::strerror(errno)));
     }
-    path_ = path;
   }
   ~ScratchFolder() {
     std::error_code ignored;  // nothing depends on it
@@ -39,30 +45,89 @@ class ScratchFolder {
   }
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;
+  const std::string& path() const { return path_; }
   std::string File(const char* name) const { return path_ + '/' + name; }
 
  private:
   std::string path_;
 };
 
-// Runs a command and returns what waitpid says of it.
-int Run(const std::vector<std::string>& command) {
+// Becomes the command. Returns only where that can't be: why.
+std::string Become(const std::vector<std::string>& command, const std::string& folder) {
   std::vector<char*> arguments;
   for (const std::string& word : command) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
-  pid_t child = 0;
-  const int error =
-      ::posix_spawnp(&child, arguments[0], nullptr, nullptr, arguments.data(), environ);
-  if (error != 0) {
+  // What a compiler that is stopped leaves goes with the folder.
+  (void)::setenv("TMPDIR", folder.c_str(), 1);  // NOLINT(concurrency-mt-unsafe): of one thread
+  (void)::execvp(arguments[0], arguments.data());
+  return std::strerror(errno);
+}
+
+void Compile(const ScratchFolder& scratch) {
+  std::vector<std::string> command = CompilerCommand();
+  const std::string compiler = command[0];
+  std::istringstream options(
+      "-std=c++17 -O3 -fno-math-errno -fPIC -shared -fvisibility=hidden -Wl,-soname,libik.so "
+      "-Wl,-z,defs -Xlinker --version-script -Xlinker");
+  for (std::string word; options >> word;) command.push_back(word);
+  command.insert(command.end(), {scratch.File("exports.map"), scratch.File("solver.cpp"), "-o",
+                                 scratch.File("libik.so")});
+  if (::isatty(STDERR_FILENO) != 0) fmt::print(stderr, "compiling by '{}' ...\n", compiler);
+  const ChildEnd end = RunInChild([&] { return Become(command, scratch.path()); }, std::nullopt);
+  if (end.said) {
     throw Failure(
         fmt::format("cannot run the compiler '{}': {}; set CXX, or build the source that --source "
                     "writes where a compiler is",
-                    command[0], std::strerror(error)));
+                    compiler, *end.said));
   }
-  int status = 0;
-  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  if (!end.succeeded) {
+    throw Failure(fmt::format("the compiler '{}' failed ({})", compiler, end.how));
   }
-  return status;
+}
+
+// Why an arm's inverse kinematics doesn't find the joints of a pose that is another's; empty: does.
+std::string WhyMissed(const Arm& inverse, const Arm& forward, const Joints& joints) {
+  constexpr double kSameJointsRad = 1e-5;  // as where the model is checked
+  const Result<Pose> pose = Forward(forward, joints);
+  if (!pose) return ErrorText(pose.error());
+  const Result<State> nearest = Nearest(inverse, *pose, joints);
+  if (!nearest) return ErrorText(nearest.error());
+  for (size_t j = 0; j < joints.size(); ++j) {
+    if (std::fabs(nearest->joints[j] - joints[j]) <= kSameJointsRad) continue;
+    return fmt::format("joints {:.9g} rad are not among the solutions of their pose",
+                       fmt::join(joints, " "));
+  }
+  return "";
+}
+
+// What a library has that keeps it from being the solver of the arm; empty: nothing.
+std::string FaultOf(const std::string& library, const Arm& arm) {
+  constexpr int kJointSets = 10;
+  const Result<Solver> solver = Solver::Load(library);
+  if (!solver) return ErrorText(solver.error());
+  const Arm made = *Arm::FromSolver(*solver);
+  std::mt19937 engine(1);
+  std::uniform_real_distribution<double> range(-2.9, 2.9);
+  for (int i = 0; i < kJointSets; ++i) {
+    Joints joints;
+    for (double& joint : joints) joint = range(engine);
+    if (!WhyMissed(arm, arm, joints).empty()) continue;  // at a singularity, as `Verify` allows
+    for (const std::string& why : {WhyMissed(made, arm, joints), WhyMissed(arm, made, joints)}) {
+      if (!why.empty()) return why;
+    }
+  }
+  return "";
+}
+
+// In a process of its own: what a compiler makes may do anything.
+void Check(const std::string& library, const Arm& arm) {
+  constexpr int kTimeoutS = 30;
+  const ChildEnd end = RunInChild([&] { return FaultOf(library, arm); }, kTimeoutS);
+  if (end.said && end.said->empty()) return;
+  throw Failure(
+      fmt::format("the compiler '{}' made no solver that works here ({}); for another machine, "
+                  "--source writes the source to build there",
+                  CompilerCommand()[0], end.said.value_or("ends its process, " + end.how)));
 }
 
 }  // namespace
@@ -77,25 +142,14 @@ std::vector<std::string> CompilerCommand() {
   return command;
 }
 
-void BuildLibrary(const std::string& source, const std::string& exports, const std::string& path) {
+void BuildLibrary(const std::string& source, const std::string& exports, const Solver& solver,
+                  const std::string& path) {
+  const HeldSignals held;  // a stop waits until the folder is gone
   const ScratchFolder scratch;
   WriteFile(scratch.File("solver.cpp"), source);
   WriteFile(scratch.File("exports.map"), exports);
-  std::vector<std::string> command = CompilerCommand();
-  for (const std::string& word :
-       {std::string("-std=c++17"), std::string("-O3"), std::string("-ffp-contract=off"),
-        std::string("-fno-math-errno"), std::string("-fPIC"), std::string("-shared"),
-        std::string("-fvisibility=hidden"), "-Wl,--version-script=" + scratch.File("exports.map"),
-        std::string("-Wl,-soname,libik.so"), std::string("-Wl,-z,defs"), std::string("-o"),
-        scratch.File("libik.so"), scratch.File("solver.cpp")}) {
-    command.push_back(word);
-  }
-  const int status = Run(command);
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) {
-    throw Failure(fmt::format("the compiler '{}' failed ({})", command[0],
-                              WIFEXITED(status) ? fmt::format("status {}", WEXITSTATUS(status))
-                                                : fmt::format("signal {}", WTERMSIG(status))));
-  }
+  Compile(scratch);
+  Check(scratch.File("libik.so"), *Arm::FromSolver(solver));
   WriteFile(path, ReadFile(scratch.File("libik.so")));
 }
 

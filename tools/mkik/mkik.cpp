@@ -45,11 +45,29 @@ LoadedArm ClosedFormArm(ArmFile file, const Arguments& arguments) {
   return MakeArm(file, GeometryOf(arguments));
 }
 
+// What is written must not take the place of what was read, nor of what else is written.
+void RefuseToOverwrite(const Arguments& arguments, const ArmFile& file) {
+  for (const std::string& written : {arguments.output, arguments.source}) {
+    for (const std::string& read : file.sources) {
+      if (written.empty() || !SameFile(written, read)) continue;
+      throw UsageError(
+          fmt::format("{}: the arm's description itself; another file is expected for "
+                      "what is written",
+                      written));
+    }
+  }
+  if (!arguments.output.empty() && !arguments.source.empty() &&
+      SameFile(arguments.output, arguments.source)) {
+    throw UsageError(fmt::format("{}: -o and --source expect two files", arguments.output));
+  }
+}
+
 void Run(const Arguments& arguments) {
   const std::optional<ArmFile> file = FileOf(arguments);
   if (!file) {
     throw UsageError("no arm; its description is expected as ARM, by --arm or in QAL_ARM");
   }
+  RefuseToOverwrite(arguments, *file);
   const qal::ArmDescription description = DescriptionIn(*file);
   const LoadedArm arm = ClosedFormArm(*file, arguments);
   const qal::FittedModel fitted = *MakeModel(description, GeometryOf(arguments));
@@ -64,7 +82,7 @@ void Run(const Arguments& arguments) {
   if (std::filesystem::path(arguments.output).extension() == ".cpp") {
     WriteFile(arguments.output, source);
   } else if (!arguments.output.empty()) {
-    BuildLibrary(source, SolverExports(), arguments.output);
+    BuildLibrary(source, SolverExports(), arm.arm.solver(), arguments.output);
   }
   WriteStandardOutput(arguments.json ? SummaryJson(arm, description, fitted, verification)
                                      : SummaryText(arm, description, fitted, verification));
@@ -109,6 +127,7 @@ void Describe(CLI::App& app, Arguments& arguments) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
+  KeepStandardOutputForData();
   Arguments arguments;
   return RunTool("mkik", ArgumentsOf(argc, argv), [&](CLI::App& app) { Describe(app, arguments); });
 }
