@@ -63,9 +63,13 @@ LoadedArm ReadArm(const std::string& path, const ReadOptions& options) {
 }
 
 LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
-                     const ReadOptions& options) {
-  const auto named = ReadNamed(option, environment,
-                               [&](const std::string& path) { return ReadArm(path, options); });
+                     const ReadOptions& options,
+                     const std::function<void(const std::string&)>& before_solver) {
+  const auto named = ReadNamed(option, environment, [&](const std::string& path) {
+    const ArmFile file = ReadArmFile(path, options);
+    if (before_solver && !file.solver.empty()) before_solver(file.solver);
+    return MakeArm(file);
+  });
   return named ? *named : LoadedArm{Arm::Reference(), "", "reference arm"};
 }
 

@@ -3,6 +3,7 @@
 
 #include <qal/model/arm.h>
 
+#include <functional>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
@@ -32,8 +33,11 @@ LoadedArm ReadArm(const std::string& path, const ReadOptions& options = {});
 /// A file that isn't there is an error, never another arm.
 /// @param option      what --arm says
 /// @param environment QAL_ARM's value; null or empty when it isn't set
+/// @param before_solver called with a solver library's path before it is loaded, and so may do
+///                      anything
 LoadedArm ResolveArm(const std::optional<std::string>& option, const char* environment,
-                     const ReadOptions& options = {});
+                     const ReadOptions& options = {},
+                     const std::function<void(const std::string&)>& before_solver = {});
 
 /// The file that `ResolveArm` would make an arm of; nothing: none is named. No solver is loaded.
 /// @throw UsageError as ReadArmFile

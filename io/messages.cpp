@@ -7,22 +7,25 @@ namespace qal::io {
 
 void Note(const std::string& text) { SayOnError("note", text); }
 
-std::string OneLine(std::string text, size_t most) {
+std::string OneLine(std::string text) {
+  const auto byte = [&text](size_t at) { return at < text.size() ? text[at] & 0xff : 0; };
+  // Names from files are shown as they are, but for what would move the cursor.
   for (size_t i = 0; i < text.size(); ++i) {
-    const auto byte = [&](size_t at) { return at < text.size() ? text[at] & 0xff : 0; };
-    // Those above ASCII are two bytes of UTF-8; some terminals take them for escape sequences.
-    const bool beyond_ascii = byte(i) == 0xc2 && byte(i + 1) >= 0x80 && byte(i + 1) < 0xa0;
-    if (beyond_ascii || std::iscntrl(byte(i)) != 0) text.replace(i, beyond_ascii ? 2 : 1, " ");
+    // Control characters beyond ASCII have two bytes in UTF-8.
+    const bool has_two = byte(i) == 0xc2 && byte(i + 1) >= 0x80 && byte(i + 1) < 0xa0;
+    const size_t count = has_two ? 2 : std::iscntrl(byte(i)) != 0 ? 1 : 0;
+    text.replace(i, count, count, ' ');
   }
-  if (text.size() <= most) return text;
-  size_t end = most;
-  while (end > 0 && (text[end] & 0xc0) == 0x80) --end;  // not in the middle of a character
-  return text.substr(0, end) + "...";
+  return text;
 }
 
 std::string NameText(const std::string& name) {
-  constexpr size_t kLongestName = 60;
-  return OneLine(name, kLongestName);
+  constexpr size_t kLongest = 60;
+  const std::string text = OneLine(name);
+  if (text.size() <= kLongest) return text;
+  size_t end = kLongest;
+  while (end > 0 && (text[end] & 0xc0) == 0x80) --end;  // not in the middle of a character
+  return text.substr(0, end) + "...";
 }
 
 std::string NamesText(const std::vector<std::string>& names) {

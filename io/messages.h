@@ -9,10 +9,8 @@ namespace qal::io {
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
 
-/// The text as one line to show: control characters, line ends among them, become blanks; nothing
-/// else changes, as names may be in any language.
-/// @param most bytes to show; "..." stands for what is beyond
-std::string OneLine(std::string text, size_t most = 4096);
+/// The text as one line to show: control characters, line ends among them, become blanks.
+std::string OneLine(std::string text);
 
 /// The name of an arm, a link or a joint as texts show it, whatever a file has put there: one line,
 /// up to 60 bytes.

@@ -42,7 +42,7 @@ TEST_F(Files, AreTheSameByWhateverName) {
 }
 
 TEST(Names, AreShownInOneLineThatMovesNoCursor) {
-  EXPECT_EQ(NameText("a\x1b[31m\r\nb\x7f\xc2\x9b\xc3\xa4"), "a [31m  b  \xc3\xa4");
+  EXPECT_EQ(NameText("a\x1b[31m\r\nb\x7f\xc2\x9b\xc3\xa4"), "a [31m  b   \xc3\xa4");
   // Cut before the character that would be split.
   EXPECT_EQ(NameText(std::string(59, 'a') + "\xc3\xa4\xc3\xa4"), std::string(59, 'a') + "...");
 }

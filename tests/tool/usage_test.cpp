@@ -108,6 +108,31 @@ TEST_F(Refusal, OfASolverKeepsWhatItPrintsOutOfTheData) {
   EXPECT_NE(std::string::npos, run.err.find("solver by stream\n"));
 }
 
+// However it does, and whatever exit status it picks.
+TEST_F(Refusal, OfASolverThatEndsTheProcessIsOneLine) {
+  const std::string ik = QAL_BINARY " ik" FOREIGN;
+  const struct {
+    const char* fault;
+    const char* how;  // a sanitizer turns signals into exit statuses
+  } rows[] = {{"crash", ""},
+              {"exit", "status 3)"},
+              {"exit 0", "status 0)"},
+              {"exit at load", "status 0)"}};
+  for (const auto& [fault, how] : rows) {
+    const ToolRun run = Shell("QAL_FOREIGN_FAULT='" + std::string(fault) + "' " + ik);
+    const std::string expected =
+        "qal ik: " QAL_FOREIGN_SOLVER_DIR "/libik.so: the solver ended the process (";
+    EXPECT_EQ(1, run.status);
+    EXPECT_EQ("", run.out);
+    EXPECT_EQ(0, run.LastLine().find(expected + how)) << run.err;
+  }
+  // A stop reaches the solver as well: else the pipe would never end.
+  EXPECT_EQ(143, Shell("bash -o pipefail -c \"QAL_FOREIGN_FAULT=hang timeout --foreground "
+                       "--preserve-status 0.5 " +
+                       ik + " | cat\"")
+                     .status);
+}
+
 // Numbers that look like another unit are taken, with a note.
 TEST_F(Refusal, IsNotForWhatOnlyLooksOdd) {
   EXPECT_EQ(

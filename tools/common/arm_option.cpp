@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 #include <cstdlib>
 
+#include "child.h"
 #include "read_options.h"
 
 namespace qal::tools {
@@ -20,7 +21,9 @@ void ArmOption::AddTo(CLI::App& command) {
 
 const char* ArmOfEnvironment() { return std::getenv("QAL_ARM"); }
 
-io::LoadedArm ArmOption::Load() const { return io::ResolveArm(path_, ArmOfEnvironment(), read_); }
+io::LoadedArm ArmOption::Load() const {
+  return io::ResolveArm(path_, ArmOfEnvironment(), read_, GoOnInChild);
+}
 
 std::string ArmOption::Version(const std::string& tool) const {
   return fmt::format("{} {}\narm: {}", tool, QAL_VERSION, io::ArmHeading(Load()));

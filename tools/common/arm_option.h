@@ -17,8 +17,9 @@ class ArmOption {
  public:
   void AddTo(CLI::App& command);
 
-  /// The arm that --arm names, else QAL_ARM in the environment, else the reference arm.
-  /// @throw as io::ResolveArm
+  /// The arm that --arm names, else QAL_ARM in the environment, else the reference arm. With a
+  /// solver library the tool goes on in a child process.
+  /// @throw as io::ResolveArm and GoOnInChild
   io::LoadedArm Load() const;
 
   /// What --version says: "TOOL 1.0.0", and in the next line the arm that the tool would use.

@@ -13,6 +13,7 @@
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "../../io/messages.h"
+#include "child.h"
 
 namespace qal::tools {
 
@@ -76,10 +77,12 @@ int RunTool(const std::string& name, const std::vector<std::string>& arguments,
   try {
     describe(app);
     Parse(app, arguments);
-    return kDone;
+    return EndOfChild(kDone);
+  } catch (const ChildStatus& child) {
+    return child.status;
   } catch (const UsageError& error) {
     SayOnError(WhoOf(app), error.what());
-    return kBadUsage;
+    return EndOfChild(kBadUsage);
   } catch (const Failure& error) {
     SayOnError(WhoOf(app), error.what());
   } catch (const std::bad_alloc&) {
@@ -89,7 +92,7 @@ int RunTool(const std::string& name, const std::vector<std::string>& arguments,
   } catch (...) {  // a solver library may throw anything
     SayOnError(WhoOf(app), "unexpected error of an unknown kind");
   }
-  return kFailed;
+  return EndOfChild(kFailed);
 }
 
 }  // namespace qal::tools
