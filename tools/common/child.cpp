@@ -57,7 +57,8 @@ void Limit(decltype(RLIMIT_CORE) resource, rlim_t most) {
 
 // noexcept: what the work throws must not reach the parent's code above, which runs here, too.
 [[noreturn]] void Work(const Child& child, const HeldSignals& held,
-                       const std::function<std::string()>& work, bool limited) noexcept {
+                       const std::function<std::string()>& work,
+                       [[maybe_unused]] bool limited) noexcept {
   (void)::setpgid(0, 0);
   // As a program expects them, whatever the tools or a sanitizer have made of them.
   for (const int signal : {SIGPIPE, SIGXFSZ, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
