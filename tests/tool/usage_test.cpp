@@ -114,10 +114,8 @@ TEST_F(Refusal, OfASolverThatEndsTheProcessIsOneLine) {
   const struct {
     const char* fault;
     const char* how;  // a sanitizer turns signals into exit statuses
-  } rows[] = {{"crash", ""},
-              {"exit", "status 3)"},
-              {"exit 0", "status 0)"},
-              {"exit at load", "status 0)"}};
+  } rows[] = {
+      {"crash", ""}, {"exit", "status 3)"}, {"exit 0", "status 0)"}, {"exit at load", "status 0)"}};
   for (const auto& [fault, how] : rows) {
     const ToolRun run = Shell("QAL_FOREIGN_FAULT='" + std::string(fault) + "' " + ik);
     const std::string expected =

@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <nlohmann/json.hpp>
-#include <utility>
 #include <vector>
 
 #include "../../io/family_text.h"
@@ -18,41 +17,38 @@ namespace {
 
 using nlohmann::ordered_json;
 
-// Lengths by name [m].
-std::vector<std::pair<std::string, double>> LengthsOf(const Member& member) {
+struct NamedLength {
+  const char* name;
+  double metres;
+  const char* meaning;
+};
+
+std::vector<NamedLength> LengthsOf(const Member& member) {
   const closed_form::Body& body = BodyOf(member);
-  std::vector<std::pair<std::string, double>> lengths = {{"shoulder", body.shoulder},
-                                                         {"lateral", body.lateral},
-                                                         {"upper_arm", body.upper_arm},
-                                                         {"forearm", body.forearm}};
+  std::vector<NamedLength> lengths = {
+      {"shoulder", body.shoulder, "axis 1 to axis 2"},
+      {"lateral", body.lateral, "axis 1 to the wrist's centre, along axis 2"},
+      {"upper_arm", body.upper_arm, "axis 2 to axis 3"},
+      {"forearm", body.forearm, "axis 3 to axis 4, or to the wrist's centre"}};
   double reach = body.upper_arm + body.forearm;
   if (const auto* arm = std::get_if<closed_form::ParallelAxesArm>(&member)) {
     const double offset = std::hypot(arm->wrist_offset_x, arm->wrist_offset_z);
-    lengths.emplace_back("wrist_offset", offset);
+    lengths.push_back({"wrist_offset", offset, "axis 4 to the wrist's centre"});
     reach += offset;
   }
+  const double to_tip = Length(body.centre_in_tool);
   if (const auto* arm = std::get_if<closed_form::OffsetWristArm>(&member)) {
-    lengths.emplace_back("offset_along_5", arm->wrist_offset_y);
-    lengths.emplace_back("offset_5_to_6", arm->wrist_offset_z);
-    lengths.emplace_back("axis_6_to_tip", Length(body.centre_in_tool));
+    lengths.push_back({"offset_along_5", arm->wrist_offset_y,
+                       "the wrist's centre to where axis 6 passes, along axis 5"});
+    lengths.push_back(
+        {"offset_5_to_6", arm->wrist_offset_z, "axis 5 to axis 6, at right angles to both"});
+    lengths.push_back(
+        {"axis_6_to_tip", to_tip, "where axis 6 passes the wrist's centre to the tip"});
   } else {
-    lengths.emplace_back("centre_to_tip", Length(body.centre_in_tool));
+    lengths.push_back({"centre_to_tip", to_tip, "the wrist's centre to the tip"});
   }
-  lengths.emplace_back("reach", reach);
+  lengths.push_back({"reach", reach, "axis 2 to the wrist's centre at the most"});
   return lengths;
-}
-
-const char* Meaning(const std::string& length) {
-  if (length == "shoulder") return "axis 1 to axis 2";
-  if (length == "lateral") return "axis 1 to the wrist's centre, along axis 2";
-  if (length == "upper_arm") return "axis 2 to axis 3";
-  if (length == "forearm") return "axis 3 to axis 4, or to the wrist's centre";
-  if (length == "wrist_offset") return "axis 4 to the wrist's centre";
-  if (length == "offset_along_5") return "the wrist's centre to where axis 6 passes, along axis 5";
-  if (length == "offset_5_to_6") return "axis 5 to axis 6, at right angles to both";
-  if (length == "axis_6_to_tip") return "where axis 6 passes the wrist's centre to the tip";
-  if (length == "centre_to_tip") return "the wrist's centre to the tip";
-  return "axis 2 to the wrist's centre at the most";
 }
 
 // A joint's place in the model's own count of angles.
@@ -110,8 +106,8 @@ std::string SummaryText(const io::LoadedArm& arm, const ArmDescription& descript
                      fmt::format("  from '{}' to '{}'\n", io::NameText(description.base),
                                  io::NameText(description.tip));
   if (fitted.member) {
-    for (const auto& [name, metres] : LengthsOf(*fitted.member)) {
-      text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, Meaning(name));
+    for (const auto& [name, metres, meaning] : LengthsOf(*fitted.member)) {
+      text += fmt::format("  {:<14}{:>11.6g} m    {}\n", name, metres, meaning);
     }
   }
   text += fmt::format("  {:<16}{:>10}{:>12}{:>12}{:>12}\n", "joint", "direction", "zero_rad",
@@ -131,7 +127,9 @@ std::string SummaryJson(const io::LoadedArm& arm, const ArmDescription& descript
   ordered_json json = {
       {"arm", io::ArmJson(arm)}, {"base", description.base}, {"tip", description.tip}};
   if (fitted.member) {
-    for (const auto& [name, metres] : LengthsOf(*fitted.member)) json["lengths_m"][name] = metres;
+    for (const NamedLength& length : LengthsOf(*fitted.member)) {
+      json["lengths_m"][length.name] = length.metres;
+    }
   }
   for (size_t j = 0; j < description.joints.size(); ++j) {
     const JointDescription& joint = description.joints[j];
