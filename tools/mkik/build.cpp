@@ -127,7 +127,7 @@ void Check(const std::string& library, const Arm& arm) {
   throw Failure(
       fmt::format("the compiler '{}' made no solver that works here ({}); for another machine, "
                   "--source writes the source to build there",
-                  CompilerCommand()[0], end.said.value_or("ends its process, " + end.how)));
+                  CompilerCommand()[0], end.said.value_or("its process: " + end.how)));
 }
 
 }  // namespace
