@@ -25,20 +25,21 @@ add_test(NAME Build.LibrariesAreFoundFromWhereTheFileLies
 
 # Files as they are hardened: `symbols` are the C library's that show it.
 function(qal_test_hardening name symbols)
-  list(TRANSFORM ARGN REPLACE "(.+)" "$<TARGET_FILE:\\1>" OUTPUT_VARIABLE files)
   add_test(NAME Build.IsHardened.${name}
-           COMMAND ${CMAKE_COMMAND} "-DFILES=${files}" "-DSYMBOLS=${symbols}"
+           COMMAND ${CMAKE_COMMAND} "-DFILES=${ARGN}" "-DSYMBOLS=${symbols}"
                    "-DFOLDERS=${PROJECT_SOURCE_DIR};${PROJECT_BINARY_DIR}" -P ${build}/hardened.cmake)
 endfunction()
 
 # Sanitizers and coverage write paths of their own; a debug build is meant to have them.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage" AND NOT CMAKE_BUILD_TYPE STREQUAL Debug)
-  qal_test_hardening(Libraries "" QAL_kinematics qal_shared)
-  qal_test_hardening(Solver "__stack_chk_fail" ik)
+  qal_test_hardening(Libraries "" $<TARGET_FILE:QAL_kinematics> $<TARGET_FILE:qal_shared>)
+  set(solvers $<TARGET_FILE:ik>)
   if(QAL_BUILD_TOOLS)
-    qal_test_hardening(Tools "__stack_chk_fail;__(read|poll|mem[a-z]+|v?[fs]n?printf|str[a-z]+)_chk" qal mkik
-                       ikcheck)
+    list(APPEND solvers ${CMAKE_CURRENT_BINARY_DIR}/qal/bench_spherical/libik.so)
+    qal_test_hardening(Tools "__stack_chk_fail;__(read|poll|mem[a-z]+|v?[fs]n?printf|str[a-z]+)_chk"
+                       $<TARGET_FILE:qal> $<TARGET_FILE:mkik> $<TARGET_FILE:ikcheck>)
   endif()
+  qal_test_hardening(Solvers "__stack_chk_fail" ${solvers})
   add_test(
     NAME Build.IsTheSameInAnotherFolder
     COMMAND

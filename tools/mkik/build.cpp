@@ -67,8 +67,9 @@ void Compile(const ScratchFolder& scratch) {
   std::vector<std::string> command = CompilerCommand();
   const std::string compiler = command[0];
   std::istringstream options(
-      "-std=c++17 -O3 -fno-math-errno -fPIC -shared -fvisibility=hidden -Wl,-soname,libik.so "
-      "-Wl,-z,defs -Xlinker --version-script -Xlinker");
+      "-std=c++17 -O3 -fno-math-errno -fPIC -shared -fvisibility=hidden -fstack-protector-strong "
+      "-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2 -Wl,-soname,libik.so -Wl,-z,defs,-z,relro,-z,now "
+      "-Xlinker --version-script -Xlinker");
   for (std::string word; options >> word;) command.push_back(word);
   command.insert(command.end(), {scratch.File("exports.map"), scratch.File("solver.cpp"), "-o",
                                  scratch.File("libik.so")});
