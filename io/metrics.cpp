@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "error.h"
 #include "error_text.h"
@@ -40,10 +41,11 @@ const std::array<MetricKind, kMetricCount> kMetrics = {{
 
 namespace {
 
-// A peak of NaN or less than the one before is none: an interval without a duration has no rates.
+// A magnitude of NaN is none that could be compared: it is beyond every limit.
 void Raise(std::optional<Peak>& peak, double value, size_t sample) {
-  const double magnitude = std::fabs(value);
-  if (peak ? magnitude > peak->value : !std::isnan(magnitude)) peak = Peak{magnitude, sample};
+  const double magnitude =
+      std::isnan(value) ? std::numeric_limits<double>::infinity() : std::fabs(value);
+  if (!peak || magnitude > peak->value) peak = Peak{magnitude, sample};
 }
 
 using Metrics = std::array<Peaks, kMetricCount>;
@@ -64,15 +66,28 @@ void MeasureTimes(const Trajectory& trajectory, Metrics& metrics) {
 
 void MeasureJoints(const Trajectory& trajectory, const Arm& arm, Metrics& metrics) {
   const FiniteDifferences rates(trajectory);
+  // An interval without a positive duration has no rates: it is one of the times above.
+  const auto timed = [&](size_t first, size_t last) {
+    while (first <= last && rates.Duration(first) > 0.0) ++first;
+    return first > last;
+  };
   for (size_t interval = 0; interval <= trajectory.size(); ++interval) {
     const size_t sample = std::min(interval, trajectory.size() - 1);
+    const size_t before = interval == 0 ? 0 : interval - 1;
+    const size_t after = std::min(interval + 1, trajectory.size());
     for (size_t joint = 0; joint < 6; ++joint) {
-      const double speed = rates.JointSpeed(interval, joint);
-      Raise(metrics[kJointSpeed][joint], speed, sample);
-      Raise(metrics[kMotorSpeed][joint], MotorRpm(arm, joint, speed), sample);
-      Raise(metrics[kJointJerk][joint], rates.JointJerk(interval, joint), sample);
-      if (interval == trajectory.size()) continue;
-      Raise(metrics[kJointAcceleration][joint], rates.JointAcceleration(interval, joint), interval);
+      if (timed(interval, interval)) {
+        const double speed = rates.JointSpeed(interval, joint);
+        Raise(metrics[kJointSpeed][joint], speed, sample);
+        Raise(metrics[kMotorSpeed][joint], MotorRpm(arm, joint, speed), sample);
+      }
+      if (timed(before, after)) {
+        Raise(metrics[kJointJerk][joint], rates.JointJerk(interval, joint), sample);
+      }
+      if (interval < trajectory.size() && timed(interval, after)) {
+        const double acceleration = rates.JointAcceleration(interval, joint);
+        Raise(metrics[kJointAcceleration][joint], acceleration, interval);
+      }
     }
   }
 }
@@ -91,9 +106,10 @@ void MeasureSteps(const Trajectory& trajectory, Metrics& metrics) {
     if (i > 1 && i < last) Raise(metrics[kOtherStep][0], leading, i);
   }
   if (const auto other = metrics[kOtherStep][0]) {
-    // 0 / 0, when no joint moves at all, is no ratio.
-    for (const MetricIndex end : {kFirstStep, kLastStep}) {
-      Raise(metrics[kEndStep][0], metrics[end][0]->value / other->value, metrics[end][0]->sample);
+    for (const MetricIndex metric : {kFirstStep, kLastStep}) {
+      const Peak& end = *metrics[metric][0];
+      if (end.value == 0.0 && other->value == 0.0) continue;  // no joint moves at all: no ratio
+      Raise(metrics[kEndStep][0], end.value / other->value, end.sample);
     }
   }
 }

@@ -100,6 +100,21 @@ TEST(Measure, CountsTimesThatDoNotIncrease) {
   EXPECT_EQ(2u, FindViolations(Measure(trajectory, Arm::Reference()), DefaultLimits()).size());
 }
 
+// Squares of these positions are infinite, and the deviation infinite over infinite; so is, on the
+// spot and back, the change from an infinite speed to its opposite.
+TEST(Measure, TakesWhatCannotBeComparedForBeyondEveryLimit) {
+  const auto at = [](double time_s, double joint, double x) {
+    return Sample{time_s, {joint}, Pose{{x, 0, 0}, {1, 0, 0, 0}}};
+  };
+  const Trajectory trajectory = {at(0, 0, 0), at(1, 1e308, 1e200), at(2, -1e308, 2e200)};
+  const auto metrics = Measure(trajectory, Arm::Reference());
+  for (const MetricIndex metric : {kJointSpeed, kJointAcceleration, kJointJerk, kLineDeviation}) {
+    Limits limits;
+    limits[metric].assign(metrics[metric].size(), 1e300);
+    EXPECT_EQ(1u, FindViolations(metrics, limits).size()) << kMetrics[metric].key;
+  }
+}
+
 // q = t^2 has the speed 2 t and the acceleration 2, however it is sampled.
 TEST(FiniteDifferences, AreExactForAParabolaAtUnevenTimes) {
   Trajectory trajectory;
