@@ -9,6 +9,7 @@
 
 #include "../io/description.h"
 #include "../io/files.h"
+#include "../io/limits.h"
 #include "../src/kinematics/solve/solver_functions.h"
 #include "case.h"
 
@@ -20,7 +21,9 @@ constexpr unsigned kSeed = 20261125;
 constexpr double kJointRangeRad = 2.967059678;
 constexpr std::string_view kRightAngle = "1.5707963267948966";
 
-std::string TextOf(const std::string& arm) { return io::ReadFile(QAL_ARMS_DIR "/" + arm); }
+std::string TextOf(const std::string& arm) {
+  return io::ReadFile(QAL_ARMS_DIR "/" + arm, io::kLargestDescription);
+}
 
 // As many write it: near the family, no longer of it.
 std::string WithRoundedRightAngles(std::string text) {

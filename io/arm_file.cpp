@@ -8,6 +8,7 @@
 #include "document.h"
 #include "error.h"
 #include "files.h"
+#include "limits.h"
 #include "table.h"
 #include "units.h"
 
@@ -30,7 +31,7 @@ ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
     if (options.base.empty()) with_links.base = fields.Text("base_link", "");
     if (options.tip.empty()) with_links.tip = fields.Text("tip_link", "");
     try {
-      return ParseDescription(ReadFile(named), named, with_links);
+      return ParseDescription(ReadFile(named, kLargestDescription), named, with_links);
     } catch (const UsageError& error) {
       fields.Refuse("description", error.what());
     }
@@ -46,7 +47,7 @@ ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
 
 ArmFile FromDocument(const Document& document, const std::string& path,
                      const ReadOptions& options) {
-  const Fields fields(document, "", "");
+  const Fields fields(document);
   ArmFile file = {document.path, "arm file", std::nullopt, {}, ""};
   if (fields.Has("convention")) {
     ExpectTableOptions(options);
@@ -73,7 +74,7 @@ ArmFile FromDocument(const Document& document, const std::string& path,
 
 ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options) {
   const std::string name = NameOf(path);
-  const std::string text = ReadFile(path);
+  const std::string text = ReadFile(path, kLargestDescription);
   switch (ContentOf(text)) {
     case Content::kLibrary:
       if (path == "-") throw UsageError(name + ": a library; its path is expected");

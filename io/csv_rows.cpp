@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "error.h"
+#include "limits.h"
 #include "numbers.h"
 
 namespace qal::io {
@@ -26,7 +27,11 @@ std::string_view Trim(std::string_view field) {
   return field.substr(begin, field.find_last_not_of(" \t") + 1 - begin);
 }
 
-void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
+size_t CountFields(std::string_view line) {
+  return 1 + static_cast<size_t>(std::count(line.begin(), line.end(), ','));
+}
+
+void SplitFields(std::string_view line, CsvFields& fields) {
   fields.clear();
   for (;;) {
     const size_t comma = line.find(',');
@@ -34,6 +39,17 @@ void SplitFields(std::string_view line, std::vector<std::string_view>& fields) {
     if (comma == std::string_view::npos) return;
     line.remove_prefix(comma + 1);
   }
+}
+
+CsvFields TakeHeader(std::string_view& text) {
+  const std::string_view line = TakeLine(text);
+  if (CountFields(line) > kMostColumns) {
+    throw UsageError(
+        fmt::format("{} columns, at most {} are read", CountFields(line), kMostColumns));
+  }
+  CsvFields header;
+  SplitFields(line, header);
+  return header;
 }
 
 }  // namespace
@@ -58,21 +74,22 @@ void ReadCsvRows(std::string_view text,
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
     text.remove_prefix(kByteOrderMark.size());
   }
+  ExpectText(text);
   size_t line = 1;
   try {
-    CsvFields header;
-    SplitFields(TakeLine(text), header);
+    const CsvFields header = TakeHeader(text);
     const std::vector<size_t> places = choose(header);
     if (text.empty()) throw UsageError("no row below the header");
     CsvFields fields;
     std::vector<double> row(places.size());
     while (!text.empty()) {
       ++line;
-      SplitFields(TakeLine(text), fields);
-      if (fields.size() != header.size()) {
+      const std::string_view row_text = TakeLine(text);
+      if (CountFields(row_text) != header.size()) {
         throw UsageError(fmt::format("{} fields were expected, as in the header; the row has {}",
-                                     header.size(), fields.size()));
+                                     header.size(), CountFields(row_text)));
       }
+      SplitFields(row_text, fields);
       for (size_t i = 0; i < places.size(); ++i) {
         row[i] = ParseNumber(fields[places[i]], std::string(header[places[i]]));
       }

@@ -21,8 +21,9 @@ size_t FindColumn(const CsvFields& header, std::string_view name, const std::str
 /// blanks around fields are taken; quotes are not.
 /// @param choose the places of the wanted columns in the header
 /// @param take   gets a row's numbers at these places, and its line, counted from 1
-/// @throw UsageError "line N: REASON" when a row has another number of fields than the header, a
-///        wanted field is no number, there is no row, or `choose` or `take` throws one
+/// @throw UsageError "line N: REASON" when the header has more than kMostColumns, a row has another
+///        number of fields, a wanted field is no number, there is no row, or `choose` or `take`
+///        throws one
 void ReadCsvRows(std::string_view text,
                  const std::function<std::vector<size_t>(const CsvFields& header)>& choose,
                  const std::function<void(const std::vector<double>& row, size_t line)>& take);

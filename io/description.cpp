@@ -34,7 +34,7 @@ ArmDescription ParseDescription(const std::string& text, const std::string& path
     const Document document =
         content == Content::kJson ? ParseJson(text, path) : ParseToml(text, path);
     ExpectTableOptions(options);
-    arm = ReadTable(Fields(document, "", ""), options);
+    arm = ReadTable(Fields(document), options);
   }
   CheckScale(arm, path, options);
   return arm;

@@ -3,11 +3,11 @@
 
 #include <qal/model/pose.h>
 
-#include <map>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace qal::io {
@@ -19,16 +19,25 @@ Content ContentOf(std::string_view text);
 
 /// A TOML or JSON text as a tree of values.
 struct Document {
+  Document(std::string path_in, nlohmann::json root_in)
+      : path(std::move(path_in)), root(std::move(root_in)) {}
+  Document(const Document&) = delete;  // the lines are those of this tree's values
+  Document& operator=(const Document&) = delete;
+  Document(Document&&) = default;
+  Document& operator=(Document&&) = delete;
+  ~Document() = default;
+
   std::string path;  ///< what messages call the text
   nlohmann::json root;
-  /// Where each value stands, by its keys with a slash before each. JSON gives no lines.
-  std::map<std::string, unsigned> lines;
+  /// Where each value below the root stands. JSON gives no lines.
+  std::unordered_map<const nlohmann::json*, unsigned> lines;
 
   /// "PATH, line N", or "PATH" where there is no line.
-  std::string Place(const std::string& keys) const;
+  std::string Place(const nlohmann::json& value) const;
 };
 
-/// @throw UsageError "PATH, line N: ..." when the text isn't well-formed
+/// @throw UsageError "PATH, line N: ..." when the text isn't well-formed, has a key twice, or goes
+///        beyond the limits of limits.h
 Document ParseToml(const std::string& text, const std::string& path);
 Document ParseJson(const std::string& text, const std::string& path);
 
@@ -36,9 +45,11 @@ Document ParseJson(const std::string& text, const std::string& path);
 /// file, line where there is one, key, and what was expected.
 class Fields {
  public:
-  /// @param keys  where the object stands in the document, as in `Document::lines`
-  /// @param label what messages call the object; empty: the file's name is enough
-  Fields(const Document& document, const std::string& keys, const std::string& label);
+  /// @param document has to outlive this
+  /// @param value    what should be an object, in the document; its root without
+  /// @param label    what messages call the object; empty: the file's name is enough
+  explicit Fields(const Document& document) : Fields(document, document.root, "") {}
+  Fields(const Document& document, const nlohmann::json& value, const std::string& label);
 
   /// Refuses keys that are not among these.
   void Expect(const std::vector<std::string>& keys) const;
@@ -65,9 +76,8 @@ class Fields {
   double Finite(const nlohmann::json& value, const std::string& key) const;
 
   const Document* document_;
-  std::string keys_;
-  std::string label_;
   const nlohmann::json* object_;
+  std::string label_;
 };
 
 }  // namespace qal::io

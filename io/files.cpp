@@ -18,9 +18,6 @@ namespace qal::io {
 
 namespace {
 
-// An hour of motion with every column, 606 bytes each cycle, is 0.8 of this.
-constexpr size_t kLargestFileBytes = size_t{1} << 29;
-
 constexpr mode_t kAnyWrite = 0222;
 
 [[noreturn]] void Fail(std::string_view action, const std::string& path, int error) {
@@ -73,7 +70,7 @@ void KeepWriteSignalsAway() {
 
 std::string NameOf(const std::string& path) { return path == "-" ? "standard input" : path; }
 
-std::string ReadFile(const std::string& path) {
+std::string ReadFile(const std::string& path, size_t largest) {
   const std::string name = NameOf(path);
   static bool standard_input_is_read = false;  // a second time it would be empty
   if (path == "-" && std::exchange(standard_input_is_read, true)) {
@@ -89,10 +86,9 @@ std::string ReadFile(const std::string& path) {
     const ssize_t count = ::read(descriptor, block.data(), block.size());
     if (count > 0) {
       content.append(block, 0, static_cast<size_t>(count));
-      if (content.size() > kLargestFileBytes) {
+      if (content.size() > largest) {
         (void)::close(descriptor);
-        throw UsageError(
-            fmt::format("cannot read {}: larger than {} MiB", name, kLargestFileBytes >> 20));
+        throw UsageError(fmt::format("cannot read {}: larger than {} MiB", name, largest >> 20));
       }
     } else if (count == 0) {
       break;

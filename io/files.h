@@ -1,6 +1,7 @@
 #ifndef QAL_IO_FILES_H_
 #define QAL_IO_FILES_H_
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -14,9 +15,9 @@ void KeepWriteSignalsAway();
 std::string NameOf(const std::string& path);
 
 /// The content of a file, or for - what standard input brings until its end.
-/// @throw UsageError "cannot read PATH: REASON"; a folder is no file, and one of more than 512 MiB
-///        is none of ours
-std::string ReadFile(const std::string& path);
+/// @param largest size that it may have [bytes]
+/// @throw UsageError "cannot read PATH: REASON"; a folder is no file
+std::string ReadFile(const std::string& path, size_t largest);
 
 /// Whether two paths, or - for standard input, lead to one file, by whatever names and links; of
 /// two that aren't there, whether they will. A device or a pipe is no file that could be lost.

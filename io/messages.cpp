@@ -2,12 +2,25 @@
 
 #include <cctype>
 #include <cstdio>
+#include <string_view>
 
 namespace qal::io {
 
 void Note(const std::string& text) { SayOnError("note", text); }
 
 std::string OneLine(std::string text) {
+  constexpr size_t kBeginning = 1500;
+  constexpr size_t kEnd = 500;
+  constexpr std::string_view kCut = " ... ";
+  if (text.size() > kBeginning + kCut.size() + kEnd) {
+    const auto is_inside = [&text](size_t place) { return (text[place] & 0xC0) == 0x80; };
+    size_t from = kBeginning;
+    size_t to = text.size() - kEnd;
+    // A character of up to four bytes stays whole.
+    for (int i = 0; i < 3 && is_inside(from); ++i) --from;
+    for (int i = 0; i < 3 && is_inside(to); ++i) ++to;
+    text.replace(from, to - from, kCut);
+  }
   const auto byte = [&text](size_t at) { return at < text.size() ? text[at] & 0xff : 0; };
   // Names from files are shown as they are, but for what would move the cursor.
   for (size_t i = 0; i < text.size(); ++i) {

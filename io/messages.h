@@ -9,7 +9,9 @@ namespace qal::io {
 /// Writes "note: TEXT" as one line to standard error.
 void Note(const std::string& text);
 
-/// The text as one line to show: control characters, line ends among them, become blanks.
+/// The text as one line to show: control characters, line ends among them, become blanks. Of a long
+/// one, which a file's names make, the beginning and the end stay, 2000 bytes: where and what it
+/// is, and what was expected.
 std::string OneLine(std::string text);
 
 /// The name of an arm, a link or a joint as texts show it, whatever a file has put there: one line,

@@ -3,14 +3,33 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "error.h"
+#include "limits.h"
 
 namespace qal::io {
 
 std::string Place(const LocatedTrajectory& trajectory, size_t sample) {
   if (trajectory.lines.empty()) return fmt::format("sample {}", sample);
   return fmt::format("sample {} (line {})", sample, trajectory.lines[sample]);
+}
+
+void ExpectMeasurable(const LocatedTrajectory& trajectory) {
+  for (size_t i = 0; i < trajectory.samples.size(); ++i) {
+    const auto& [time_s, joints, pose] = trajectory.samples[i];
+    const auto check = [&, i](double number) {
+      if (std::fabs(number) <= kLargestNumber) return;
+      throw UsageError(fmt::format(
+          "{}: {:g} is too large to tell a speed from; at most {:g} s, rad or m are expected",
+          Place(trajectory, i), number, kLargestNumber));
+    };
+    check(time_s);
+    std::for_each(joints.begin(), joints.end(), check);
+    if (!pose) continue;
+    const auto& [p, q] = *pose;
+    for (const double number : {p.x, p.y, p.z, q.w, q.x, q.y, q.z}) check(number);
+  }
 }
 
 Trajectory FromStates(const std::vector<State>& states, double cycle_s) {

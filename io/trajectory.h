@@ -32,6 +32,9 @@ struct LocatedTrajectory {
 /// where there is none.
 std::string Place(const LocatedTrajectory& trajectory, size_t sample);
 
+/// @throw UsageError "sample N: ..." where a time, joint or coordinate is beyond kLargestNumber
+void ExpectMeasurable(const LocatedTrajectory& trajectory);
+
 /// The states of a plan, one control cycle apart, the first at time 0. With a cycle of whole
 /// milliseconds, sample i is at the double nearest i * cycle.
 Trajectory FromStates(const std::vector<State>& states, double cycle_s);

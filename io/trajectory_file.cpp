@@ -8,6 +8,7 @@
 #include "document.h"
 #include "error.h"
 #include "files.h"
+#include "limits.h"
 #include "trajectory_csv.h"
 #include "trajectory_json.h"
 
@@ -44,19 +45,29 @@ FileFormat FormatOf(std::string_view text) {
                                                                   : FileFormat::kRos;
 }
 
+namespace {
+
+LocatedTrajectory ParseTrajectory(std::string_view text, FileFormat format, const RosNames& names) {
+  switch (format) {
+    case FileFormat::kCsv:
+      return ParseCsv(text);
+    case FileFormat::kJson:
+      return ParseJsonTrajectory(text);
+    case FileFormat::kRos:
+      break;
+  }
+  return ParseRosYaml(text, names);
+}
+
+}  // namespace
+
 LocatedTrajectory ReadTrajectory(const std::string& path, std::optional<FileFormat> format,
                                  const RosNames& names) {
-  const std::string text = ReadFile(path);
+  const std::string text = ReadFile(path, kLargestTrajectory);
   try {
-    switch (format.value_or(FormatOf(text))) {
-      case FileFormat::kCsv:
-        return ParseCsv(text);
-      case FileFormat::kJson:
-        return ParseJsonTrajectory(text);
-      case FileFormat::kRos:
-        break;
-    }
-    return ParseRosYaml(text, names);
+    LocatedTrajectory read = ParseTrajectory(text, format.value_or(FormatOf(text)), names);
+    ExpectMeasurable(read);
+    return read;
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", NameOf(path), error.what()));
   }

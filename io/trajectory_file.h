@@ -33,7 +33,7 @@ FileFormat FormatOf(std::string_view text);
 /// @param path   -: standard input
 /// @param format none: told from the content
 /// @param names  of the joints in a ROS file
-/// @throw UsageError "NAME: line N: REASON", in one line
+/// @throw UsageError "NAME: line N: REASON"; also for numbers that `ExpectMeasurable` refuses
 LocatedTrajectory ReadTrajectory(const std::string& path, std::optional<FileFormat> format,
                                  const RosNames& names);
 

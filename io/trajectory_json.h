@@ -17,9 +17,9 @@ namespace qal::io {
 nlohmann::ordered_json ToJson(const Trajectory& trajectory);
 
 /// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.
-/// @throw UsageError "line N, column M: REASON" when the text is no JSON, "KEY[SAMPLE]: REASON"
-/// when
-///        a value is missing or not as it has to be
+/// @throw UsageError "line N, column M: REASON" as JsonEvents; "KEY[SAMPLE]: REASON" when a value
+/// is
+///        not as it has to be, "KEY: REASON" when one is missing
 LocatedTrajectory ParseJsonTrajectory(std::string_view text);
 
 }  // namespace qal::io

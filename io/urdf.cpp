@@ -11,6 +11,7 @@
 #include "numbers.h"
 #include "units.h"
 #include "urdf_tree.h"
+#include "xml_check.h"
 
 namespace qal::io {
 
@@ -33,7 +34,7 @@ Vec3 ReadTriple(const std::string& path, const XMLElement& element, const char* 
 
 Transform ReadOrigin(const std::string& path, const UrdfJoint& joint, const FileUnits& units) {
   Transform frame;
-  const XMLElement* origin = joint.element->FirstChildElement("origin");
+  const XMLElement* origin = OnlyChild(path, *joint.element, "origin");
   if (origin == nullptr) return frame;
   if (origin->Attribute("rpy") != nullptr) {
     frame = FromRollPitchYaw(
@@ -46,7 +47,7 @@ Transform ReadOrigin(const std::string& path, const UrdfJoint& joint, const File
 }
 
 Vec3 ReadAxis(const std::string& path, const UrdfJoint& joint) {
-  const XMLElement* element = joint.element->FirstChildElement("axis");
+  const XMLElement* element = OnlyChild(path, *joint.element, "axis");
   if (element == nullptr) return {1, 0, 0};  // as the format has it
   const Vec3 axis = ReadTriple(path, *element, "xyz");
   const double length = std::hypot(axis.x, axis.y, axis.z);
@@ -60,7 +61,7 @@ Vec3 ReadAxis(const std::string& path, const UrdfJoint& joint) {
 
 void ReadLimits(const std::string& path, const UrdfJoint& joint, JointDescription& description) {
   description.continuous = joint.type == "continuous";
-  const XMLElement* element = joint.element->FirstChildElement("limit");
+  const XMLElement* element = OnlyChild(path, *joint.element, "limit");
   if (element == nullptr) return;
   const auto limit = [&](const char* name) {
     const char* text = element->Attribute(name);
@@ -101,15 +102,24 @@ class MacroFinder : public tinyxml2::XMLVisitor {
   bool found_ = false;
 };
 
+void Parse(const std::string& text, const std::string& path, tinyxml2::XMLDocument& document) {
+  try {
+    CheckXml(text);
+  } catch (const UsageError& error) {
+    throw UsageError(fmt::format("{}, {}", path, error.what()));
+  }
+  if (document.Parse(text.data(), text.size()) != tinyxml2::XML_SUCCESS) {
+    throw UsageError(fmt::format("{}, line {}: not well-formed XML ({})", path,
+                                 document.ErrorLineNum(), document.ErrorName()));
+  }
+}
+
 }  // namespace
 
 ArmDescription ReadUrdf(const std::string& text, const std::string& path,
                         const ReadOptions& options) {
   tinyxml2::XMLDocument document;
-  if (document.Parse(text.data(), text.size()) != tinyxml2::XML_SUCCESS) {
-    throw UsageError(fmt::format("{}, line {}: not well-formed XML ({})", path,
-                                 document.ErrorLineNum(), document.ErrorName()));
-  }
+  Parse(text, path, document);
   MacroFinder macros;
   (void)document.Accept(&macros);
   if (macros.found()) {
@@ -118,6 +128,10 @@ ArmDescription ReadUrdf(const std::string& text, const std::string& path,
   const XMLElement* robot = document.RootElement();
   if (robot == nullptr || std::string(robot->Name()) != "robot") {
     throw UsageError(fmt::format("{}: no URDF: its root element is not <robot>", path));
+  }
+  if (const XMLElement* second = robot->NextSiblingElement()) {
+    throw UsageError(
+        fmt::format("{}: a second root element, <{}>", Place(path, *second), second->Name()));
   }
   const UrdfTree tree(*robot, path);
   ArmDescription arm;

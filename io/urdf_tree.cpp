@@ -15,19 +15,17 @@ using tinyxml2::XMLElement;
 
 constexpr size_t kJoints = 6;
 
-// Whether something behind the arm's joints moves otherwise than by turning: a gripper.
-bool IsGripper(const UrdfChain& chain) {
-  size_t turning = 0;
-  for (const UrdfJoint* joint : chain) {
-    if (turning >= kJoints && !joint->Turns() && !joint->Fixed()) return true;
-    if (joint->Turns()) ++turning;
-  }
-  return false;
-}
+// A link on the way from the base.
+struct ReachedLink {
+  std::string name;
+  size_t turning;  // joints before it that turn
+  bool gripper;    // something behind the arm's joints moves otherwise than by turning
+};
 
-size_t TurningJoints(const UrdfChain& chain) {
-  return static_cast<size_t>(
-      std::count_if(chain.begin(), chain.end(), [](const UrdfJoint* j) { return j->Turns(); }));
+ReachedLink Behind(const ReachedLink& parent, const UrdfJoint& joint) {
+  const bool slides = !joint.Turns() && !joint.Fixed();
+  return {joint.child, parent.turning + (joint.Turns() ? 1 : 0),
+          parent.gripper || (parent.turning >= kJoints && slides)};
 }
 
 }  // namespace
@@ -42,9 +40,18 @@ std::string Attribute(const std::string& path, const XMLElement& element, const 
   throw UsageError(fmt::format("{}: <{}> has no {}", Place(path, element), element.Name(), name));
 }
 
+const XMLElement* OnlyChild(const std::string& path, const XMLElement& element, const char* name) {
+  const XMLElement* child = element.FirstChildElement(name);
+  const XMLElement* second = child == nullptr ? nullptr : child->NextSiblingElement(name);
+  if (second == nullptr) return child;
+  throw UsageError(
+      fmt::format("{}: a second <{}> in <{}>", Place(path, *second), name, element.Name()));
+}
+
 UrdfTree::UrdfTree(const XMLElement& robot, const std::string& path) : path_(path) {
   AddLinks(robot);
   AddJoints(robot);
+  ExpectNoLoop();
 }
 
 void UrdfTree::AddLinks(const XMLElement& robot) {
@@ -58,7 +65,7 @@ void UrdfTree::AddLinks(const XMLElement& robot) {
 
 std::string UrdfTree::LinkOf(const XMLElement& joint, const char* end) const {
   const std::string name = Attribute(path_, joint, "name");
-  const XMLElement* element = joint.FirstChildElement(end);
+  const XMLElement* element = OnlyChild(path_, joint, end);
   if (element == nullptr) {
     throw UsageError(fmt::format("{}: joint '{}' has no <{}>", Place(path_, joint), name, end));
   }
@@ -71,15 +78,47 @@ std::string UrdfTree::LinkOf(const XMLElement& joint, const char* end) const {
 }
 
 void UrdfTree::AddJoints(const XMLElement& robot) {
+  std::set<std::string> names;
   for (const auto* e = robot.FirstChildElement("joint"); e; e = e->NextSiblingElement("joint")) {
-    const UrdfJoint joint = {e, Attribute(path_, *e, "name"), Attribute(path_, *e, "type"),
-                             LinkOf(*e, "parent"), LinkOf(*e, "child")};
-    const auto [other, first] = by_child_.emplace(joint.child, joint);
+    const UrdfJoint joint = {e,
+                             Attribute(path_, *e, "name"),
+                             Attribute(path_, *e, "type"),
+                             LinkOf(*e, "parent"),
+                             LinkOf(*e, "child"),
+                             OnlyChild(path_, *e, "mimic") != nullptr};
+    if (!names.insert(joint.name).second) {
+      throw UsageError(fmt::format("{}: a second joint named '{}'", Place(path_, *e), joint.name));
+    }
+    const auto [entry, first] = by_child_.emplace(joint.child, joint);
     if (!first) {
       throw UsageError(fmt::format("{}: link '{}' has two parents, by joints '{}' and '{}'",
-                                   Place(path_, *e), joint.child, other->second.name, joint.name));
+                                   Place(path_, *e), joint.child, entry->second.name, joint.name));
     }
+    by_parent_[joint.parent].push_back(&entry->second);
   }
+}
+
+// A link that can't be reached from one without a parent is on a loop or behind one.
+void UrdfTree::ExpectNoLoop() const {
+  std::set<std::string> reached;
+  std::vector<std::string> next;
+  for (const std::string& link : links_) {
+    if (by_child_.count(link) == 0) next.push_back(link);
+  }
+  while (!next.empty()) {
+    const std::string link = next.back();
+    next.pop_back();
+    reached.insert(link);
+    const auto joints = by_parent_.find(link);
+    if (joints == by_parent_.end()) continue;
+    for (const UrdfJoint* joint : joints->second) next.push_back(joint->child);
+  }
+  const auto lost = std::find_if(links_.begin(), links_.end(),
+                                 [&](const std::string& link) { return reached.count(link) == 0; });
+  if (lost == links_.end()) return;
+  std::string link = *lost;
+  for (size_t i = 0; i < links_.size(); ++i) link = by_child_.at(link).parent;  // up onto the loop
+  throw UsageError(fmt::format("{}: the joints form a loop at link '{}'", path_, link));
 }
 
 void UrdfTree::ExpectLink(const std::string& link, const char* option) const {
@@ -97,9 +136,6 @@ std::string UrdfTree::Base(const std::string& name) const {
     if (by_child_.count(link) == 0) roots.push_back(link);
   }
   if (links_.empty()) throw UsageError(fmt::format("{}: no links", path_));
-  if (roots.empty()) {
-    throw UsageError(fmt::format("{}: every link has a parent: the joints form a loop", path_));
-  }
   if (roots.size() > 1) {
     throw UsageError(fmt::format("{}: {} links have no parent; --base names one of {}", path_,
                                  roots.size(), NamesText(roots)));
@@ -114,12 +150,10 @@ UrdfChain UrdfTree::WayUp(const std::string& tip, const std::string& base) const
   while (link != base) {
     const auto joint = by_child_.find(link);
     if (joint == by_child_.end()) return {};
-    if (chain.size() > by_child_.size()) {
-      throw UsageError(fmt::format("{}: the joints form a loop at link '{}'", path_, link));
-    }
-    chain.insert(chain.begin(), &joint->second);
+    chain.push_back(&joint->second);
     link = joint->second.parent;
   }
+  std::reverse(chain.begin(), chain.end());
   return chain;
 }
 
@@ -129,14 +163,22 @@ std::string UrdfTree::Tip(const std::string& name, const std::string& base) cons
     return name;
   }
   std::map<std::string, size_t> turning;  // of each link that is no gripper's
-  std::set<std::string> parents;
+  std::set<std::string> parents;          // of these
   size_t most = 0;
-  for (const std::string& link : links_) {
-    const UrdfChain chain = WayUp(link, base);
-    if (chain.empty() || IsGripper(chain)) continue;
-    turning[link] = TurningJoints(chain);
-    parents.insert(chain.back()->parent);
-    most = std::max(most, turning[link]);
+  std::vector<ReachedLink> next = {{base, 0, false}};
+  while (!next.empty()) {
+    const ReachedLink link = next.back();
+    next.pop_back();
+    const auto joints = by_parent_.find(link.name);
+    if (joints == by_parent_.end()) continue;
+    for (const UrdfJoint* joint : joints->second) {
+      const ReachedLink behind = Behind(link, *joint);
+      next.push_back(behind);
+      if (behind.gripper) continue;
+      turning[behind.name] = behind.turning;
+      parents.insert(link.name);
+      most = std::max(most, behind.turning);
+    }
   }
   std::vector<std::string> ends;
   for (const auto& [link, count] : turning) {
@@ -164,7 +206,7 @@ UrdfChain UrdfTree::Chain(const std::string& base, const std::string& tip) const
       throw UsageError(fmt::format(
           "{}: joint '{}' {}; only revolute and continuous joints are expected from '{}' to '{}'",
           Place(path_, *joint->element), joint->name,
-          joint->Mimics() ? "mimics another one" : "is " + joint->type, base, tip));
+          joint->mimics ? "mimics another one" : "is " + joint->type, base, tip));
     }
     names.push_back(joint->name);
   }

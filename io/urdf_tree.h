@@ -13,16 +13,17 @@ namespace qal::io {
 struct UrdfJoint {
   const tinyxml2::XMLElement* element;
   std::string name, type, parent, child;
+  bool mimics;  // another one
 
   bool Fixed() const { return type == "fixed"; }
-  bool Mimics() const { return element->FirstChildElement("mimic") != nullptr; }
-  bool Turns() const { return (type == "revolute" || type == "continuous") && !Mimics(); }
+  bool Turns() const { return (type == "revolute" || type == "continuous") && !mimics; }
 };
 
 /// The joints from a base link to a tip link, in this order.
 using UrdfChain = std::vector<const UrdfJoint*>;
 
-/// Links and joints of a URDF. What goes wrong is told as UsageError, with file and line.
+/// Links and joints of a URDF, each name once, and no loop. What goes wrong is told as UsageError,
+/// with file and line.
 class UrdfTree {
  public:
   /// @param robot the root element, which has to outlive the tree
@@ -43,12 +44,14 @@ class UrdfTree {
   void AddLinks(const tinyxml2::XMLElement& robot);
   void AddJoints(const tinyxml2::XMLElement& robot);
   std::string LinkOf(const tinyxml2::XMLElement& joint, const char* end) const;
+  void ExpectNoLoop() const;
   void ExpectLink(const std::string& link, const char* option) const;
   UrdfChain WayUp(const std::string& tip, const std::string& base) const;
 
   const std::string& path_;
   std::set<std::string> links_;
   std::map<std::string, UrdfJoint> by_child_;
+  std::map<std::string, std::vector<const UrdfJoint*>> by_parent_;
 };
 
 /// "PATH, line N".
@@ -58,6 +61,11 @@ std::string Place(const std::string& path, const tinyxml2::XMLElement& element);
 /// @throw UsageError when there is none
 std::string Attribute(const std::string& path, const tinyxml2::XMLElement& element,
                       const char* name);
+
+/// The element of this name in an element; null when there is none.
+/// @throw UsageError when there are two
+const tinyxml2::XMLElement* OnlyChild(const std::string& path, const tinyxml2::XMLElement& element,
+                                      const char* name);
 
 }  // namespace qal::io
 

@@ -3,9 +3,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <new>
+#include <map>
+#include <utility>
 
 #include "error.h"
+#include "limits.h"
+#include "yaml_events.h"
 
 namespace qal::io {
 
@@ -15,65 +18,148 @@ namespace {
   throw UsageError(fmt::format("line {}: {}", line, reason));
 }
 
+std::string_view TextOf(const yaml_char_t* text, size_t length) {
+  return {reinterpret_cast<const char*>(text), length};
+}
+
+std::string NameOf(const yaml_char_t* anchor) {
+  return anchor == nullptr ? "" : reinterpret_cast<const char*>(anchor);
+}
+
 }  // namespace
 
-// Reads the documents of a text one after the other.
-class YamlDocument::Parser {
+// Adds a text's events to the document's nodes.
+class YamlDocument::Builder {
  public:
-  explicit Parser(std::string_view text) : text_(text) {
-    if (yaml_parser_initialize(&parser_) == 0) throw std::bad_alloc();
-    const auto* bytes = reinterpret_cast<const unsigned char*>(text.data());
-    yaml_parser_set_input_string(&parser_, bytes, text.size());
-  }
-  ~Parser() { yaml_parser_delete(&parser_); }
-  Parser(const Parser&) = delete;
-  Parser& operator=(const Parser&) = delete;
+  Builder(std::string_view text, YamlDocument& document) : events_(text), document_(document) {}
 
-  // The next document; null when there is none.
-  Pointer Load() {
-    Pointer document(new yaml_document_t());
-    if (yaml_parser_load(&parser_, document.get()) == 0) RefuseText();
-    if (yaml_document_get_root_node(document.get()) == nullptr) return nullptr;
-    return document;
+  // The next document of the text; false when there is none.
+  bool Build() {
+    names_.clear();
+    for (;;) {
+      const yaml_event_t& event = events_.Next();
+      switch (event.type) {
+        case YAML_SCALAR_EVENT:
+          AddScalar(event);
+          break;
+        case YAML_ALIAS_EVENT:
+          AddAlias(event);
+          break;
+        case YAML_SEQUENCE_START_EVENT:
+          Open(Kind::kList, event, event.data.sequence_start.anchor);
+          break;
+        case YAML_MAPPING_START_EVENT:
+          Open(Kind::kMap, event, event.data.mapping_start.anchor);
+          break;
+        case YAML_SEQUENCE_END_EVENT:
+        case YAML_MAPPING_END_EVENT:
+          Close();
+          break;
+        case YAML_DOCUMENT_END_EVENT:
+          document_.root_ = pending_.back();
+          pending_.clear();
+          return true;
+        case YAML_STREAM_END_EVENT:
+          return false;
+        default:
+          break;
+      }
+    }
   }
 
  private:
-  [[noreturn]] void RefuseText() const {
-    if (parser_.error == YAML_MEMORY_ERROR) throw std::bad_alloc();
-    size_t line = parser_.problem_mark.line + 1;
-    if (parser_.error == YAML_READER_ERROR) {
-      // Bytes that are no text: the parser tells their place, but not their line.
-      const std::string_view before = text_.substr(0, parser_.problem_offset);
-      line = 1 + static_cast<size_t>(std::count(before.begin(), before.end(), '\n'));
-    }
-    RefuseLine(line, fmt::format("no valid YAML: {}", parser_.problem));
+  struct Opened {
+    uint32_t node;
+    size_t first;  // of its children in pending_
+  };
+
+  void Add(Kind kind, const yaml_event_t& event, const yaml_char_t* anchor) {
+    const auto node = static_cast<uint32_t>(document_.nodes_.size());
+    document_.nodes_.push_back({kind, static_cast<uint32_t>(event.start_mark.line + 1)});
+    pending_.push_back(node);
+    if (anchor != nullptr) names_[NameOf(anchor)] = node;
   }
 
-  yaml_parser_t parser_;
-  std::string_view text_;
+  void AddScalar(const yaml_event_t& event) {
+    const auto& scalar = event.data.scalar;
+    Add(Kind::kScalar, event, scalar.anchor);
+    Entry& entry = document_.nodes_.back();
+    entry.begin = static_cast<uint32_t>(document_.text_.size());
+    entry.size = static_cast<uint32_t>(scalar.length);
+    document_.text_ += TextOf(scalar.value, scalar.length);
+  }
+
+  void AddAlias(const yaml_event_t& event) {
+    const std::string name = NameOf(event.data.alias.anchor);
+    const auto named = names_.find(name);
+    if (named == names_.end()) {
+      RefuseLine(event.start_mark.line + 1, fmt::format("nothing is named '{}' before", name));
+    }
+    pending_.push_back(named->second);
+  }
+
+  void Open(Kind kind, const yaml_event_t& event, const yaml_char_t* anchor) {
+    Add(kind, event, anchor);
+    opened_.push_back({pending_.back(), pending_.size()});
+    try {
+      ExpectDepth(opened_.size());
+    } catch (const UsageError& error) {
+      RefuseLine(event.start_mark.line + 1, error.what());
+    }
+  }
+
+  // What is pending since the list or map was opened is in it.
+  void Close() {
+    const auto [node, first] = opened_.back();
+    opened_.pop_back();
+    Entry& entry = document_.nodes_[node];
+    entry.begin = static_cast<uint32_t>(document_.children_.size());
+    entry.size = static_cast<uint32_t>(pending_.size() - first);
+    const auto from = pending_.begin() + static_cast<std::ptrdiff_t>(first);
+    document_.children_.insert(document_.children_.end(), from, pending_.end());
+    pending_.erase(from, pending_.end());
+    if (entry.kind == Kind::kMap) ExpectDifferentKeys(entry);
+  }
+
+  void ExpectDifferentKeys(const Entry& map) {
+    keys_.clear();
+    for (size_t i = 0; i < map.size; i += 2) {
+      const YamlNode key(document_, document_.children_[map.begin + i]);
+      if (const auto text = key.Scalar()) keys_.emplace_back(*text, key.line());
+    }
+    std::sort(keys_.begin(), keys_.end());
+    const auto same = [](const auto& a, const auto& b) { return a.first == b.first; };
+    const auto found = std::adjacent_find(keys_.begin(), keys_.end(), same);
+    if (found == keys_.end()) return;
+    RefuseLine(std::next(found)->second, fmt::format("'{}' is a duplicate key", found->first));
+  }
+
+  YamlEvents events_;
+  YamlDocument& document_;
+  std::map<std::string, uint32_t> names_;
+  std::vector<Opened> opened_;
+  std::vector<uint32_t> pending_;  // nodes whose list or map is not yet closed
+  std::vector<std::pair<std::string_view, size_t>> keys_;  // of one map, with their lines
 };
 
 YamlDocument::YamlDocument(std::string_view text) {
-  Parser parser(text);
-  document_ = parser.Load();
-  if (document_ == nullptr) RefuseLine(1, "the file is empty");
-  while (Pointer next = parser.Load()) {
-    const YamlNode other(next.get(), yaml_document_get_root_node(next.get()));
-    if (other.Scalar() != "") other.Refuse("a second document begins; one trajectory was expected");
+  Builder builder(text, *this);
+  if (!builder.Build()) RefuseLine(1, "the file is empty");
+  const uint32_t first = root_;
+  while (builder.Build()) {
+    if (root().Scalar() != "") {
+      root().Refuse("a second document begins; one trajectory was expected");
+    }
   }
+  root_ = first;
 }
 
 std::optional<YamlNode> YamlNode::Find(std::string_view key) const {
-  std::optional<YamlNode> found;
-  if (node_->type != YAML_MAPPING_NODE) return found;
-  const auto& pairs = node_->data.mapping.pairs;
-  for (const yaml_node_pair_t* pair = pairs.start; pair != pairs.top; ++pair) {
-    const YamlNode name(document_, yaml_document_get_node(document_, pair->key));
-    if (name.Scalar() != key) continue;
-    if (found) name.Refuse(fmt::format("'{}' is a duplicate key", key));
-    found = YamlNode(document_, yaml_document_get_node(document_, pair->value));
+  if (entry_->kind != YamlDocument::Kind::kMap) return std::nullopt;
+  for (size_t i = 0; i < entry_->size; i += 2) {
+    if (Child(i).Scalar() == key) return Child(i + 1);
   }
-  return found;
+  return std::nullopt;
 }
 
 YamlNode YamlNode::At(std::string_view key) const {
@@ -83,19 +169,14 @@ YamlNode YamlNode::At(std::string_view key) const {
 }
 
 size_t YamlNode::size() const {
-  if (node_->type != YAML_SEQUENCE_NODE) return 0;
-  const auto& items = node_->data.sequence.items;
-  return static_cast<size_t>(items.top - items.start);
+  return entry_->kind == YamlDocument::Kind::kList ? entry_->size : 0;
 }
 
-YamlNode YamlNode::operator[](size_t entry) const {
-  return {document_, yaml_document_get_node(document_, node_->data.sequence.items.start[entry])};
-}
+YamlNode YamlNode::operator[](size_t entry) const { return Child(entry); }
 
 std::optional<std::string_view> YamlNode::Scalar() const {
-  if (node_->type != YAML_SCALAR_NODE) return std::nullopt;
-  const auto& scalar = node_->data.scalar;
-  return std::string_view(reinterpret_cast<const char*>(scalar.value), scalar.length);
+  if (entry_->kind != YamlDocument::Kind::kScalar) return std::nullopt;
+  return std::string_view(document_->text_).substr(entry_->begin, entry_->size);
 }
 
 void YamlNode::Refuse(const std::string& reason) const { RefuseLine(line(), reason); }

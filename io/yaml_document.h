@@ -1,22 +1,52 @@
 #ifndef QAL_IO_YAML_DOCUMENT_H_
 #define QAL_IO_YAML_DOCUMENT_H_
 
-#include <yaml.h>
-
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace qal::io {
+
+class YamlNode;
+
+/// The one document of a YAML text of at most kLargestTrajectory, its nodes in one list: one with
+/// an anchor is there once, however many aliases name it.
+class YamlDocument {
+ public:
+  /// @throw UsageError "line N: REASON" when the text is no YAML, has a key twice, is nested more
+  ///        than kDeepest deep, or has no or a second document; one with nothing in it, as below a
+  ///        closing separator, is none
+  explicit YamlDocument(std::string_view text);
+
+  YamlNode root() const;
+
+ private:
+  friend class YamlNode;
+  class Builder;
+
+  enum class Kind : uint8_t { kScalar, kList, kMap };
+  struct Entry {
+    Kind kind;
+    uint32_t line;
+    uint32_t begin = 0;  // in text_ or children_
+    uint32_t size = 0;
+  };
+
+  std::vector<Entry> nodes_;
+  std::vector<uint32_t> children_;  // places in nodes_; of a map each key, then its value
+  std::string text_;                // of the scalars, one after the other
+  uint32_t root_ = 0;
+};
 
 /// A place in a YamlDocument, valid as long as that one.
 class YamlNode {
  public:
-  YamlNode(yaml_document_t* document, yaml_node_t* node) : document_(document), node_(node) {}
+  YamlNode(const YamlDocument& document, uint32_t node)
+      : document_(&document), entry_(&document.nodes_[node]) {}
 
   /// The value at `key` of a map; nothing where there is none, or no map here.
-  /// @throw UsageError when a key is a duplicate
   std::optional<YamlNode> Find(std::string_view key) const;
   /// The same where it has to be there.
   /// @throw UsageError when it is not
@@ -30,36 +60,20 @@ class YamlNode {
   /// The text of a scalar; nothing for a list or a map.
   std::optional<std::string_view> Scalar() const;
 
-  size_t line() const { return node_->start_mark.line + 1; }
+  size_t line() const { return entry_->line; }
   /// @throw UsageError "line N: REASON"
   [[noreturn]] void Refuse(const std::string& reason) const;
 
  private:
-  yaml_document_t* document_;
-  yaml_node_t* node_;
+  YamlNode Child(size_t place) const {
+    return {*document_, document_->children_[entry_->begin + place]};
+  }
+
+  const YamlDocument* document_;
+  const YamlDocument::Entry* entry_;
 };
 
-/// The one document of a YAML text.
-class YamlDocument {
- public:
-  /// @throw UsageError "line N: REASON" when the text is no YAML, or has no or a second document;
-  ///        one with nothing in it, as below a closing separator, is none
-  explicit YamlDocument(std::string_view text);
-
-  YamlNode root() { return {document_.get(), yaml_document_get_root_node(document_.get())}; }
-
- private:
-  struct Delete {
-    void operator()(yaml_document_t* document) const {
-      yaml_document_delete(document);
-      delete document;
-    }
-  };
-  using Pointer = std::unique_ptr<yaml_document_t, Delete>;
-  class Parser;
-
-  Pointer document_;
-};
+inline YamlNode YamlDocument::root() const { return {*this, root_}; }
 
 }  // namespace qal::io
 

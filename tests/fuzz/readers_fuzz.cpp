@@ -76,7 +76,7 @@ void Read(const std::string& format, const std::string& text) {
     CheckArm(ReadUrdf(text, "file", {}));
   } else {
     const Document table = format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file");
-    const Fields fields(table, "", "");
+    const Fields fields(table);
     if (fields.Has("convention")) return CheckArm(ReadTable(fields, {}));
     CheckSettings(ReadArmSettings(fields));
   }

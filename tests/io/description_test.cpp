@@ -86,8 +86,8 @@ TEST_F(Description, IsRefusedWithFileLineAndReason) {
       {"carrying_parallel.toml", "J4", "0.1725", "inf", "carrying_parallel.toml, line 33, joint 4, d: inf is not a finite number"},
       {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "", "welding_ortho_parallel.json: c2 is missing"},
       {"welding_ortho_parallel.json", "", "{\"name\": \"L\", \"lower\": -1.5, \"upper\": 2.7},", "", "welding_ortho_parallel.json: 5 joints; six [[joint]] are expected"},
-      {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "\"c2\": 0.614", "welding_ortho_parallel.json, line 9: not well-formed JSON"},
-      {"welding_ortho_parallel.json", "", "\"c2\": 0.614", "\"c2\": 1e999", "welding_ortho_parallel.json: a number is too large"},
+      {"welding_ortho_parallel.json", "", "\"c2\": 0.614,", "\"c2\": 0.614", "welding_ortho_parallel.json, line 9, column 6: no valid JSON from here"},
+      {"welding_ortho_parallel.json", "", "\"c2\": 0.614", "\"c2\": 1e999", "welding_ortho_parallel.json, line 8, column 14: a number is too large"},
   };
   for (const Change& change : changes) {
     ExpectText(change, Refusal<UsageError>([&] { ReadChanged(change); }));

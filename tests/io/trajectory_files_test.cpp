@@ -120,8 +120,8 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
       {
           {"{\"time_s\": [0],\n \"joints_rad\": nan}", "line 2, column 17: no valid JSON"},
           {"[]", "no array 'time_s'"},
-          {json + "[0,0,0,0,0]]}", "joints_rad[1]: 6 numbers"},
-          {json + "[0,0,0,0,0,\"1\"]]}", "joints_rad[1]: a number"},
+          {json + "[0,0,0,0,0]]}", "line 1, column 60: joints_rad[1]: 6 numbers"},
+          {json + "[0,0,0,0,0,\"1\"]]}", "line 1, column 63: joints_rad[1]: a number"},
           {json + "[0,0,0,0,0,0],[0,0,0,0,0,0]]}", "joints_rad: 3 entries, 2 were"},
           {json + R"([0,0,0,0,0,0]], "position_m": [[0,0,0],[0,0,0]]})",
            "no array 'orientation_wxyz'"},

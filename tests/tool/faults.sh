@@ -53,7 +53,7 @@ fi
 mkdir "$folder/arm.toml"
 truncate -s 2G "$folder/big.toml"
 ln -s /dev/zero "$folder/endless.toml"
-for input in "arm:Is a directory" "big:larger than 512 MiB" "endless:larger than 512 MiB"; do
+for input in "arm:Is a directory" "big:larger than 64 MiB" "endless:larger than 64 MiB"; do
   expect "cannot read .*: ${input#*:}" "$limited" \
     bash -c 'ulimit -v 2097152; exec "$@"' _ "$mkik" "$folder/${input%%:*}.toml"
 done

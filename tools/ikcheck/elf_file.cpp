@@ -9,6 +9,7 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../../io/limits.h"
 
 namespace qal::ikcheck {
 
@@ -86,7 +87,7 @@ void AppendFunctions(const std::string& file, const Elf64_Shdr& table, const Elf
 }  // namespace
 
 std::vector<std::string> ExportedFunctions(const std::string& path) {
-  const std::string file = io::ReadFile(path);
+  const std::string file = io::ReadFile(path, io::kLargestLibrary);
   const Elf64_Ehdr header = CheckedHeader(path, file);
   const auto section = [&](size_t index) {
     return At<Elf64_Shdr>(file, header.e_shoff + index * sizeof(Elf64_Shdr));

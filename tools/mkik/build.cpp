@@ -17,6 +17,7 @@
 #include "../../io/error_text.h"
 #include "../../io/files.h"
 #include "../../io/held_signals.h"
+#include "../../io/limits.h"
 #include "../../src/qal/solve/kinematics.h"
 #include "../common/child.h"
 
@@ -151,7 +152,7 @@ void BuildLibrary(const std::string& source, const std::string& exports, const S
   WriteFile(scratch.File("exports.map"), exports);
   Compile(scratch);
   Check(scratch.File("libik.so"), *Arm::FromSolver(solver));
-  WriteFile(path, ReadFile(scratch.File("libik.so")));
+  WriteFile(path, ReadFile(scratch.File("libik.so"), kLargestLibrary));
 }
 
 }  // namespace qal::tools

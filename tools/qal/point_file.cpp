@@ -6,6 +6,7 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../../io/limits.h"
 #include "../../io/numbers.h"
 
 namespace qal::tools {
@@ -105,7 +106,7 @@ void SolveFile(const std::string& path, PointKind kind, const LoadedArm& loaded,
                const CommonOptions& options, const RowSolver& solve) {
   SolvedRows rows;
   try {
-    rows.read = ParsePointsCsv(ReadFile(path), kind);
+    rows.read = ParsePointsCsv(ReadFile(path, kLargestTrajectory), kind);
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", NameOf(path), error.what()));
   }

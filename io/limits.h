@@ -1,0 +1,36 @@
+#ifndef QAL_IO_LIMITS_H_
+#define QAL_IO_LIMITS_H_
+
+#include <cstddef>
+#include <string_view>
+
+namespace qal::io {
+
+// What a file may be at most. Within these a reader takes time and memory in proportion to the
+// file; what is beyond is refused before it is kept.
+constexpr size_t kLargestDescription = size_t{64} << 20;  ///< [bytes] arm file, URDF or table
+constexpr size_t kLargestTrajectory = size_t{1} << 30;    ///< [bytes]; an hour with rates is half
+constexpr size_t kLargestLibrary = size_t{512} << 20;     ///< [bytes]
+constexpr size_t kDeepest = 64;  ///< lists, tables and elements within each other
+constexpr size_t kMostValues =
+    1000000;                           ///< of a description: entries of tables and lists, elements
+constexpr size_t kMostColumns = 1000;  ///< of a CSV file
+/// Of a trajectory's times, joints and positions, [s, rad, m]: above it their differences lose
+/// millimetres, and far above it they overflow, and no rate would be true.
+constexpr double kLargestNumber = 1e12;
+
+/// @throw UsageError when lists, tables or elements are more than kDeepest within each other
+void ExpectDepth(size_t depth);
+
+/// @throw UsageError when a description has more than kMostValues
+void ExpectCount(size_t values);
+
+/// @throw UsageError "line N: ..." when there is a NUL byte: text has none, and it would cut names
+void ExpectText(std::string_view text);
+
+/// The line of a place in a text, counted from 1.
+size_t LineAt(std::string_view text, size_t place);
+
+}  // namespace qal::io
+
+#endif  // QAL_IO_LIMITS_H_
