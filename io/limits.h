@@ -11,12 +11,11 @@ namespace qal::io {
 constexpr size_t kLargestDescription = size_t{64} << 20;  ///< [bytes] arm file, URDF or table
 constexpr size_t kLargestTrajectory = size_t{1} << 30;    ///< [bytes]; an hour with rates is half
 constexpr size_t kLargestLibrary = size_t{512} << 20;     ///< [bytes]
-constexpr size_t kDeepest = 64;  ///< lists, tables and elements within each other
-constexpr size_t kMostValues =
-    1000000;                           ///< of a description: entries of tables and lists, elements
-constexpr size_t kMostColumns = 1000;  ///< of a CSV file
-/// Of a trajectory's times, joints and positions, [s, rad, m]: above it their differences lose
-/// millimetres, and far above it they overflow, and no rate would be true.
+constexpr size_t kDeepest = 64;          ///< lists, tables and elements within each other
+constexpr size_t kMostValues = 1000000;  ///< of a description: entries of tables and lists, tags
+constexpr size_t kMostColumns = 1000;    ///< of a CSV file
+/// Of a trajectory's times, joints and positions [s, rad, m]. There they are held to 1e-4; far
+/// above it differences overflow, and no rate is true.
 constexpr double kLargestNumber = 1e12;
 
 /// @throw UsageError when lists, tables or elements are more than kDeepest within each other

@@ -28,6 +28,7 @@ class XmlCheck {
   // Takes what begins at a place; the place behind it.
   size_t Step(size_t place) {
     if (text_[place] != '<') return Until("<", place);
+    ExpectCount(++values_);
     // What may hold anything, and where it ends.
     constexpr std::pair<std::string_view, std::string_view> kOpaque[] = {
         {"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
@@ -38,7 +39,6 @@ class XmlCheck {
       if (depth_ > 0) --depth_;
       return Behind(">", place);
     }
-    ExpectCount(++values_);
     ExpectDepth(++depth_);
     return TakeTag(place);
   }

@@ -79,6 +79,7 @@ TEST_F(Limits, NestingIsRefusedAtADepth) {
       {Repeated("a.", kMany) + "a = 1", "file, line 1: nested more than 64 deep"},
       {"b = '''\n#'''\n[ \"\\\"#\" " + Repeated(" . 'a'", kMany) + "]", "file, line 3: nested more than 64 deep"},
       {"b = {a = \"\"\"x\"\"\"\"\"" + Repeated(", b." + Repeated("a.", kMany), 1) + "a = 1}", "file, line 1: nested more than 64 deep"},
+      {Repeated(Repeated("a.", 60) + "a = {", 60) + Repeated("}", 60), "file, line 1: nested more than 64 deep"},
       {"[" + Repeated("a.", 40) + "a]\n" + Repeated("b.", 40) + "b = 1", "file, line 2: nested more than 64 deep"},
       {"convention = " + within, "file, line 1, convention: [[[[..."},
       {"a = '" + Repeated(".", 100) + "' # " + Repeated(".", 100), "file, line 1: unknown entry 'a'..."},
