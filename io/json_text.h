@@ -31,16 +31,35 @@ class JsonEvents : private nlohmann::json_sax<nlohmann::json> {
  private:
   bool Open(bool is_list);
   bool Close();
-  bool Number(double number) { return OnNumber(number), true; }
-  bool Other() { return OnOther(), true; }
 
-  bool null() override { return Other(); }
-  bool boolean(bool /*value*/) override { return Other(); }
-  bool number_integer(int64_t value) override { return Number(static_cast<double>(value)); }
-  bool number_unsigned(uint64_t value) override { return Number(static_cast<double>(value)); }
-  bool number_float(double value, const std::string& /*text*/) override { return Number(value); }
-  bool string(std::string& /*value*/) override { return Other(); }
-  bool binary(nlohmann::json::binary_t& /*value*/) override { return Other(); }
+  bool null() override {
+    OnOther();
+    return true;
+  }
+  bool boolean(bool /*value*/) override {
+    OnOther();
+    return true;
+  }
+  bool number_integer(int64_t value) override {
+    OnNumber(static_cast<double>(value));
+    return true;
+  }
+  bool number_unsigned(uint64_t value) override {
+    OnNumber(static_cast<double>(value));
+    return true;
+  }
+  bool number_float(double value, const std::string& /*text*/) override {
+    OnNumber(value);
+    return true;
+  }
+  bool string(std::string& /*value*/) override {
+    OnOther();
+    return true;
+  }
+  bool binary(nlohmann::json::binary_t& /*value*/) override {
+    OnOther();
+    return true;
+  }
   bool start_object(size_t /*entries*/) override { return Open(false); }
   bool end_object() override { return Close(); }
   bool start_array(size_t /*entries*/) override { return Open(true); }

@@ -143,8 +143,10 @@ LocatedTrajectory ParseJsonTrajectory(std::string_view text) {
   ExpectEntries(reader.times(), count);
   ExpectEntries(reader.joints(), count);
   const bool pose = reader.positions().found || reader.orientations().found;
-  if (pose) ExpectEntries(reader.positions(), count);
-  if (pose) ExpectEntries(reader.orientations(), count);
+  if (pose) {
+    ExpectEntries(reader.positions(), count);
+    ExpectEntries(reader.orientations(), count);
+  }
   LocatedTrajectory read;
   read.samples.reserve(count);
   for (size_t i = 0; i < count; ++i) {
