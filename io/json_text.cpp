@@ -38,7 +38,7 @@ class Cursor {
   const char** reached_;  // the last one that has been read
 };
 
-// Counts the values.
+// Counts the values of a description.
 class JsonCheck : public JsonEvents {
   void OnNumber(double /*number*/) override { ExpectCount(++values_); }
   void OnOther() override { ExpectCount(++values_); }
@@ -87,6 +87,7 @@ bool JsonEvents::key(std::string& key) {
   if (!open_.back().insert(key).second) {
     throw UsageError(fmt::format("'{}' is a duplicate key", key));
   }
+  ExpectCount(open_.back().size());
   OnKey(key);
   return true;
 }

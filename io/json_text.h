@@ -14,7 +14,8 @@ namespace qal::io {
 class JsonEvents : private nlohmann::json_sax<nlohmann::json> {
  public:
   /// @throw UsageError "line N, column M: REASON" when the text isn't well-formed, is nested more
-  ///        than kDeepest deep, has a key twice in an object, or is refused by what is overridden
+  ///        than kDeepest deep, has a key twice or more than kMostValues in an object, or is
+  ///        refused by what is overridden
   void Read(std::string_view text);
 
  protected:

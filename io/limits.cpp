@@ -15,7 +15,7 @@ void ExpectDepth(size_t depth) {
 
 void ExpectCount(size_t values) {
   if (values <= kMostValues) return;
-  throw UsageError(fmt::format("more than {} values, too many for an arm", kMostValues));
+  throw UsageError(fmt::format("more than {} values", kMostValues));
 }
 
 void ExpectText(std::string_view text) {

@@ -11,9 +11,10 @@ namespace qal::io {
 constexpr size_t kLargestDescription = size_t{64} << 20;  ///< [bytes] arm file, URDF or table
 constexpr size_t kLargestTrajectory = size_t{1} << 30;    ///< [bytes]; an hour with rates is half
 constexpr size_t kLargestLibrary = size_t{512} << 20;     ///< [bytes]
-constexpr size_t kDeepest = 64;          ///< lists, tables and elements within each other
-constexpr size_t kMostValues = 1000000;  ///< of a description: entries of tables and lists, tags
-constexpr size_t kMostColumns = 1000;    ///< of a CSV file
+constexpr size_t kDeepest = 64;        ///< lists, tables and elements within each other
+constexpr size_t kMostColumns = 1000;  ///< of a CSV file
+/// Of a description: entries of tables and lists, tags and attributes. Also the keys of an object.
+constexpr size_t kMostValues = 1000000;
 /// Of a trajectory's times, joints and positions [s, rad, m]. There they are held to 1e-4; far
 /// above it differences overflow, and no rate is true.
 constexpr double kLargestNumber = 1e12;
@@ -21,7 +22,7 @@ constexpr double kLargestNumber = 1e12;
 /// @throw UsageError when lists, tables or elements are more than kDeepest within each other
 void ExpectDepth(size_t depth);
 
-/// @throw UsageError when a description has more than kMostValues
+/// @throw UsageError when there are more than kMostValues
 void ExpectCount(size_t values);
 
 /// @throw UsageError "line N: ..." when there is a NUL byte: text has none, and it would cut names
