@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <stdexcept>
 
 #include "../../io/arm_settings.h"
@@ -89,7 +90,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
     Read(QAL_FUZZ_FORMAT, std::string(data, data + size));
   } catch (const UsageError& error) {
-    Require(*error.what() != '\0', "no reason");
+    const size_t length = std::strlen(error.what());
+    Require(length > 0 && length < 2100, "no reason, or one that is no line to read");
   }
   return 0;
 }
