@@ -148,7 +148,6 @@ TEST_F(Limits, AReasonIsALineToRead) {
            {"{\"" + name + "\": 1}", "base, tool"},
            {"convention = '" + name + "'", "'modified-dh' or 'ortho-parallel' is expected"},
            {"<robot>" + link + link + "</robot>", "n'"},
-           {"<robot>" + link + "<link name='b'/></robot>", "n'"},
        }) {
     expect_short(Refusal([&, &arm = text] { ReadArmText(arm); }), end);
   }
