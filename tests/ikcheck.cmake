@@ -16,7 +16,7 @@ qal_ikcheck_library(wants_missing ikcheck/odd_names.cpp WANTS_MISSING)
 qal_test_program(
   qal_ikcheck_test
   SOURCES ikcheck/command_test.cpp ikcheck/elf_file_test.cpp ikcheck/ikcheck_test.cpp
-          ikcheck/jacobian_test.cpp ikcheck/report_test.cpp ikcheck/sandbox_test.cpp
+          ikcheck/jacobian_test.cpp ikcheck/report_test.cpp
   LIBRARIES qal_ikcheck
   DEFINITIONS QAL_IKCHECK="$<TARGET_FILE:ikcheck>" QAL_SOUND_SOLVER="$<TARGET_FILE:ik>"
               QAL_FAULTY_SOLVER="$<TARGET_FILE:faulty_solver>"

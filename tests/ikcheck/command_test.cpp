@@ -56,7 +56,7 @@ TEST_F(IkcheckCommand, ComparesWithAnArmsDescription) {
        tool + "\"0 0 0\" rpy=\"0 1.570796 0\""},
       {"", "--tip link_6 --urdf arm.urdf", tool + "\"0.08 0 0\" rpy=\"0 1.570796 0\""},
       {"s/0 0 0.400/0 0 0.5/", "--urdf arm.urdf", "position off by 0.1 m, orientation by "},
-      {"", "--table " QAL_ARMS_DIR "/carrying_parallel.toml", "position off by 0.58"},
+      {"", "--table " QAL_ARMS_DIR "/carrying_parallel.toml", "position off by 1.25"},
   };
   for (const auto& [change, options, reason] : cases) {
     std::ofstream("arm.urdf")

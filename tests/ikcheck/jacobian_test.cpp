@@ -15,11 +15,10 @@ namespace arm = qal::reference_arm;
 
 // What has to be zero at a wrist, elbow or shoulder singularity of the reference arm.
 TEST(Jacobian, FindsAllKindsOfSingularities) {
-  Report report;
-  Session session({QAL_SOUND_SOLVER, 100, 20261124, 5.0}, report);
-  session.reach = 1.2;
+  const Options options = {QAL_SOUND_SOLVER, 100, 20261124, 5.0};
+  Exchange exchange;
+  Session session(options, exchange, 1.2);
   std::array<int, 3> found = {};  // wrist, elbow, shoulder
-  std::vector<Joints> sets;
   for (const auto& [q, joint] : FindSingularities(session, 8)) {
     const double pitch = q[1] + q[2];
     const double radius = arm::kShoulderOffsetM + arm::kUpperArmM * std::sin(q[1]) +
@@ -29,16 +28,12 @@ TEST(Jacobian, FindsAllKindsOfSingularities) {
                          std::fabs(radius) < 1e-8};
     for (size_t kind = 0; kind < found.size(); ++kind) found[kind] += zero[kind];
     EXPECT_TRUE(zero[0] || zero[1] || zero[2]) << testing::PrintToString(q);
-    sets.push_back(q);
-    sets.push_back(q);
-    sets.back()[joint] += 1e-5;
+    Joints beside = q;
+    beside[joint] += 1e-5;
+    EXPECT_LT(SmallestSingularValue(session, q), kSingularValue);
+    EXPECT_GT(SmallestSingularValue(session, beside), kSingularValue);
   }
   for (const int count : found) EXPECT_GT(count, 5);
-  const std::vector<Jacobian> jacobians = Jacobians(session, sets);
-  for (size_t i = 0; i < sets.size(); i += 2) {
-    EXPECT_LT(SmallestSingularValue(jacobians[i]), kSingularValue);
-    EXPECT_GT(SmallestSingularValue(jacobians[i + 1]), kSingularValue);
-  }
 }
 
 TEST(Measures, TakeWholeTurnsForNothingAndNanForTheWorst) {
@@ -46,10 +41,10 @@ TEST(Measures, TakeWholeTurnsForNothingAndNanForTheWorst) {
   EXPECT_NEAR(Difference(Joints{kPi, 1, 0, 0, 0, 0}, Joints{-kPi, 1 + 4 * kPi, 0.25, 0, 0, 0}),
               0.25, 1e-15);
   EXPECT_TRUE(std::isnan(Difference(Joints{nan, 0, 0, 0, 0, 0}, Joints{0, 1, 0, 0, 0, 0})));
-  const Pose pose = {{0, 2, 0}, {1, 0, 0, 0, 1, 0, 0, 0, 1}};
+  const Pose pose = {{0, 2, 0}, Rotation::Identity()};
   Pose other = pose;
   other.position[1] = 1;
-  other.rotation[3] = -0.5;
+  other.rotation(1, 0) = -0.5;
   EXPECT_EQ(Difference(pose, other).position_m, 1.0);
   EXPECT_EQ(Difference(pose, other).element, 0.5);
   EXPECT_EQ(Difference(pose, other).Size(), 1.0);
@@ -57,9 +52,10 @@ TEST(Measures, TakeWholeTurnsForNothingAndNanForTheWorst) {
   EXPECT_TRUE(std::isnan(Difference(pose, other).Size()));
 
   EXPECT_EQ(OffRotation(pose.rotation), 0.0);
-  const double mirrored[9] = {-1, 0, 0, 0, 1, 0, 0, 0, 1};
-  const double scaled[9] = {1, 0, 0, 0, 1.5, 0, 0, 0, 1};
-  const double broken[9] = {1, 0, 0, 0, 1, 0, nan, 0, 1};
+  const Rotation mirrored = Eigen::Vector3d(-1, 1, 1).asDiagonal();
+  const Rotation scaled = Eigen::Vector3d(1, 1.5, 1).asDiagonal();
+  Rotation broken = pose.rotation;
+  broken(2, 0) = nan;
   EXPECT_EQ(OffRotation(mirrored), 2.0);
   EXPECT_EQ(OffRotation(scaled), 1.25);
   EXPECT_TRUE(std::isnan(OffRotation(broken)));

@@ -30,6 +30,16 @@ TEST(Report, KeepsTheWorstCase) {
   EXPECT_EQ(finding["count"], 7);
   EXPECT_EQ(finding["of"], 8);
   EXPECT_EQ(finding["case"]["joints"], Json::parse("[\"nan\", 0.1]"));
+
+  // Another report's, as a child sends it, is counted like its cases.
+  Report both;
+  both.Judge(Finding::kWrongSolution, false, 9.0, [] { return Case{"ours"}; });
+  both.Add(Json::from_cbor(Json::to_cbor(report.Judgements())));
+  both.Add(report.Judgements());
+  const Json sum = both.ToJson()["findings"][0];
+  EXPECT_EQ(sum["count"], 15);
+  EXPECT_EQ(sum["of"], 17);
+  EXPECT_EQ(sum["case"], finding["case"]);
 }
 
 // What a library says of itself, and how a case is worded, must neither move a terminal's cursor
@@ -39,12 +49,12 @@ TEST(Report, ShowsInTextWhatItHoldsAndNoControlCharacters) {
   report.library = "libik.so";
   report.interface["kinematics_hash"] = "x\033[2J\x80";
   report.rows = {{"first", {{"joint_sets", 20000}, {"error", 1.23456e-5}}}};
-  report.unfinished = {{"first", 3}};
+  report.unfinished = {{"first", "signal 9\n"}};
   report.stopped = "at \"last\": enough";
   report.Judge(Finding::kHang, false, 0.5, [] {
     return Case{"some\nwords", {{"joints", {0.5, 0.1}}}};
   });
-  for (const char* part : {"x?[2J?\n", "20000", "1.23e-05", "\"first\", 3 calls", "enough\n",
+  for (const char* part : {"x?[2J?\n", "20000", "1.23e-05", "\"first\", signal 9 \n", "enough\n",
                            "hang: 1 of 1\n", "some words\n", "0.5, 0.1\n"}) {
     EXPECT_NE(report.Text().find(part), std::string::npos) << part << report.Text();
   }

@@ -4,6 +4,7 @@
 // containers are exported.
 
 #include <sched.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -11,10 +12,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <iostream>
 #include <new>
 #include <numeric>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 #include "../../solver/reference_arm.h"
@@ -41,12 +44,47 @@ double OffRad(const Joints& solution) {
   return read == 1 || (read == 2 && std::fabs(std::sin(solution[4])) < 2e-4) ? off : 0;
 }
 
+bool IsOneOf(const char* family) {
+  const char* const chosen = std::getenv("QAL_FOREIGN_FAULT");
+  return chosen != nullptr && std::strncmp(chosen, family, std::strlen(family)) == 0;
+}
+
+// Fills all memory that is shared with other processes.
+void FillSharedMemory() {
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    unsigned long from = 0;
+    unsigned long to = 0;
+    char writable = '-';
+    char shared = '-';
+    if (std::sscanf(line.c_str(), "%lx-%lx r%c%*c%c", &from, &to, &writable, &shared) == 4 &&
+        writable == 'w' && shared == 's') {
+      std::memset(reinterpret_cast<void*>(from), 0x7F, to - from);
+    }
+  }
+}
+
+[[noreturn]] void Hang() {
+  if (Is("hang, closed")) {
+    for (int file = 0; file < 1024; ++file) (void)::close(file);
+  }
+  if (Is("hang, deaf")) {
+    sigset_t all;
+    (void)sigfillset(&all);
+    (void)sigprocmask(SIG_BLOCK, &all, nullptr);
+    (void)::setsid();
+    if (::fork() == 0) (void)::setsid();
+  }
+  for (;;) (void)::sched_yield();
+}
+
 // Faults that show in how a call ends. Only poses low in front have them.
 void Misbehave(const double* eetrans, List& list) {
   if (!(eetrans[0] > 0.05 && eetrans[2] < 0.35)) return;
   if (Is("crash")) (void)std::raise(SIGSEGV);
   if (Is("exit")) std::_Exit(3);
-  if (Is("exit 0")) std::exit(0);
+  if (Is("exit 0 over all that is shared")) FillSharedMemory();
+  if (IsOneOf("exit 0")) std::exit(0);
   if (Is("throws")) throw std::runtime_error("no\nway");
   if (Is("throws an int")) throw 42;
   if (Is("has no memory")) throw std::bad_alloc();
@@ -54,8 +92,7 @@ void Misbehave(const double* eetrans, List& list) {
     std::puts("solver by printf");
     std::cout << "solver by stream" << std::endl;
   }
-  while (Is("hang")) {
-  }
+  if (IsOneOf("hang")) Hang();
   while (Is("endless")) (void)list.AddSolution(std::vector<Entry>(6), {});
 }
 
@@ -201,6 +238,7 @@ bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& 
             (!solutions.empty() && !Is("finds joints and returns false"));
   } else {
     const double sum = std::accumulate(eerot, eerot + 9, position[0] + position[1] + position[2]);
+    if (Is("crash for nan") && !std::isfinite(sum)) (void)std::raise(SIGSEGV);
     if (Is("throws for nan") && !std::isfinite(sum)) throw std::runtime_error("assertion");
     found = Is("true");
     if (std::isfinite(sum) ? Is("accept any matrix") && !rotation : Is("accept nan")) {

@@ -9,16 +9,15 @@ namespace qal::ikcheck {
 
 void CheckArm(Session& session, Row& row) {
   if (!session.options.arm) return;
-  const std::vector<Joints> joints = session.RandomJoints(1000);
-  const auto answers = session.Forward(joints);
   std::vector<Frame> solver;
   std::vector<Frame> arm;
   std::vector<Joints> sets;
-  for (size_t i = 0; i < joints.size(); ++i) {
-    if (answers[i].outcome != Outcome::kReturned) continue;
-    solver.push_back(FrameOf(answers[i].pose));
-    arm.push_back(FrameOf(session.options.arm->forward(joints[i])));
-    sets.push_back(joints[i]);
+  for (const Joints& joints : session.RandomJoints(1000)) {
+    const auto pose = session.Forward(joints);
+    if (!pose) continue;
+    solver.push_back(FrameOf(*pose));
+    arm.push_back(FrameOf(session.options.arm->forward(joints)));
+    sets.push_back(joints);
   }
   double distance = 0.0;
   double angle_rad = 0.0;

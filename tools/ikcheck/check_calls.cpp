@@ -1,13 +1,12 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <atomic>
 #include <chrono>
 #include <cstring>
+#include <limits>
 #include <thread>
 
 #include "checks.h"
-#include "pose_judge.h"
 
 namespace qal::ikcheck {
 
@@ -15,193 +14,178 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-struct RecordedCalls {
-  std::vector<IkRequest> requests;
-  std::vector<IkAnswer> answers;
+struct RecordedCall {
+  IkRequest request;  // with the joints that ComputeFk has made it from
+  IkAnswer answer;
 };
 
-// Poses that ComputeIk has returned for, with its answers: those that it doesn't return for are
-// found elsewhere, and would end what is to be seen here.
-RecordedCalls RecordCalls(Session& session, size_t count) {
-  const std::vector<Joints> joints = session.RandomJoints(count);
-  const auto poses = session.Forward(joints);
-  std::vector<IkRequest> requests;
-  for (size_t i = 0; i < count; ++i) {
-    if (poses[i].outcome == Outcome::kReturned) requests.push_back({poses[i].pose, joints[i]});
+// Calls of both functions that have returned. Those that haven't are found elsewhere, and would end
+// what is to be seen here.
+std::vector<RecordedCall> RecordCalls(Session& session, size_t count) {
+  std::vector<RecordedCall> calls;
+  for (const IkRequest& request : session.RandomPoses(count)) {
+    const IkAnswer answer = session.Solve(request);
+    if (answer.returned()) calls.push_back({request, answer});
   }
-  const auto answers = session.Solve(requests);
-  RecordedCalls recorded;
-  for (size_t i = 0; i < requests.size(); ++i) {
-    if (answers[i].outcome != Outcome::kReturned) continue;
-    recorded.requests.push_back(requests[i]);
-    recorded.answers.push_back(answers[i]);
-  }
-  return recorded;
+  return calls;
 }
 
 // To the last bit, which takes NaN for the same as itself.
-// NOLINTBEGIN(bugprone-suspicious-memory-comparison)
-bool Same(const IkAnswer& a, const IkAnswer& b) {
-  if (a.outcome != b.outcome || a.found != b.found || a.added != b.added || a.kept != b.kept) {
-    return false;
-  }
-  for (size_t k = 0; k < a.kept; ++k) {
-    if (std::memcmp(&a.solutions[k].joints, &b.solutions[k].joints, sizeof(Joints)) != 0) {
-      return false;
-    }
-  }
-  return true;
-}
-bool Same(const Pose& a, const Pose& b) { return std::memcmp(&a, &b, sizeof(Pose)) == 0; }
-// NOLINTEND(bugprone-suspicious-memory-comparison)
-bool Same(const FkAnswer& a, const FkAnswer& b) {
-  return a.outcome == b.outcome && Same(a.pose, b.pose);
-}
-
-// The order in which calls are repeated: each twice, the last one first.
 template <typename T>
-std::vector<T> WithRepeats(const std::vector<T>& things) {
-  std::vector<T> all = things;
-  for (auto thing = things.rbegin(); thing != things.rend(); ++thing) {
-    all.push_back(*thing);
-    all.push_back(*thing);
-  }
-  return all;
+bool SameBits(const T& a, const T& b) {
+  return std::memcmp(&a, &b, sizeof(T)) == 0;
+}
+bool Same(const IkAnswer& a, const IkAnswer& b) {
+  return a.outcome == b.outcome && a.found == b.found && a.added == b.added &&
+         std::equal(
+             a.solutions.begin(), a.solutions.end(), b.solutions.begin(), b.solutions.end(),
+             [](const Solution& x, const Solution& y) { return SameBits(x.joints, y.joints); });
 }
 
-template <typename Answer, typename T>
-void JudgeRepeats(Session& session, const SharedArray<Answer>& answers,
-                  const std::vector<T>& requests, const char* function) {
-  const size_t count = requests.size() / 3;
-  for (size_t i = 0; i < count; ++i) {
-    const size_t again = requests.size() - 2 * (i + 1);
-    if (answers[again].outcome == Outcome::kNotRun) continue;
-    session.report.Judge(Finding::kUnrepeatable,
-                         Same(answers[i], answers[again]) && Same(answers[i], answers[again + 1]),
-                         [&] { return CaseOf(function, requests[i]); });
-  }
-}
+// Repeats calls, one after the other, and compares with the answers before.
+class Repeater {
+ public:
+  Repeater(const Solver& solver, const std::vector<RecordedCall>& recorded, bool backwards)
+      : solver_(solver), recorded_(recorded), backwards_(backwards) {}
 
-// Calls of two threads and how they compare.
-struct ThreadCalls {
-  std::atomic<size_t> calls;
-  std::atomic<size_t> different;
-  std::atomic<size_t> first_different;  // index of the request
+  void Repeat() {
+    const size_t i = calls++ % recorded_.size();
+    const RecordedCall& call = recorded_[backwards_ ? recorded_.size() - 1 - i : i];
+    const bool same = Same(solver_.Solve(call.request.pose), call.answer) &&
+                      SameBits(solver_.Forward(*call.request.from).pose, call.request.pose);
+    if (!same && different++ == 0) first_different = &call.request;
+  }
+  void RepeatUntil(Clock::time_point end) {
+    while (Clock::now() < end) Repeat();
+  }
+
+  size_t calls = 0;
+  size_t different = 0;
+  const IkRequest* first_different = nullptr;
+
+ private:
+  const Solver& solver_;
+  const std::vector<RecordedCall>& recorded_;
+  bool backwards_;
 };
-
-// Repeats the calls again and again, and compares with the answers before.
-void CompareUntil(Clock::time_point end, const Solver& solver, const RecordedCalls& recorded,
-                  bool backwards, ThreadCalls& result) {
-  const size_t count = recorded.requests.size();
-  for (size_t k = 0; Clock::now() < end; k = (k + 1) % count) {
-    const size_t i = backwards ? count - 1 - k : k;
-    const IkRequest& request = recorded.requests[i];
-    IkAnswer ik = {};
-    FkAnswer fk = {};
-    solver.Solve(request.pose, 0, ik);
-    solver.Forward(*request.from, fk);
-    ++result.calls;
-    if (Same(ik, recorded.answers[i]) && Same(fk.pose, request.pose)) continue;
-    if (result.different++ == 0) result.first_different = i;
-  }
-}
 
 // Nanoseconds of one call in a row of them.
 template <typename Call>
-double Nanoseconds(size_t count, Call call) {
+double Nanoseconds(const std::vector<RecordedCall>& calls, Call call) {
   const auto start = Clock::now();
-  for (size_t i = 0; i < count; ++i) call(i);
+  for (const RecordedCall& each : calls) call(each.request);
   const std::chrono::duration<double, std::nano> time = Clock::now() - start;
-  return time.count() / static_cast<double>(count);
+  return time.count() / static_cast<double>(calls.size());
 }
 
 }  // namespace
 
 void CheckStandingEntries(Session& session, Row& row) {
-  std::vector<IkRequest> requests = RecordCalls(session, 500).requests;
+  std::vector<IkRequest> requests = session.RandomPoses(500);
   const size_t reached = requests.size();
   for (size_t i = 0; i < reached; ++i) {
     requests.push_back(requests[i]);
     for (double& value : requests.back().pose.position) value += 10 * session.reach;
   }
-  const auto expected = session.Solve(requests);
-  for (IkRequest& request : requests) request.standing = 2;
-  const auto answers = session.Solve(requests);
   size_t cleared = 0;
-  for (size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i].outcome != Outcome::kReturned) continue;
-    if (answers[i].cleared) ++cleared;
-    session.report.Judge(Finding::kClearsList, !answers[i].cleared,
-                         [&] { return CaseOf("two entries beforehand, cleared", requests[i]); });
-    session.report.Judge(Finding::kNeedsEmptyList, Same(answers[i], expected[i]), [&] {
-      return CaseOf(
-          fmt::format("two entries beforehand: returned {}, added {}; none: {}, {}",
-                      answers[i].found, answers[i].added, expected[i].found, expected[i].added),
-          requests[i]);
+  for (IkRequest& request : requests) {
+    const IkAnswer expected = session.Solve(request);
+    request.standing = 2;
+    const IkAnswer answer = session.Solve(request);
+    if (!expected.returned() || !answer.returned()) continue;
+    if (answer.cleared) ++cleared;
+    session.report.Judge(Finding::kClearsList, !answer.cleared,
+                         [&] { return CaseOf("two entries beforehand, cleared", request); });
+    session.report.Judge(Finding::kNeedsEmptyList, Same(answer, expected), [&] {
+      return CaseOf(fmt::format("two entries beforehand: returned {}, added {}; none: {}, {}",
+                                answer.found, answer.added, expected.found, expected.added),
+                    request);
     });
   }
-  row.values["calls"] = answers.size();
+  row.values["calls"] = requests.size();
   row.values["cleared"] = cleared;
 }
 
+// Each twice, the last one first.
 void CheckRepeatedCalls(Session& session, Row& row) {
-  const std::vector<IkRequest> requests = WithRepeats(RecordCalls(session, 1000).requests);
-  JudgeRepeats(session, session.Solve(requests), requests, "ComputeIk");
-  const std::vector<Joints> joints = WithRepeats(session.RandomJoints(1000));
-  JudgeRepeats(session, session.Forward(joints), joints, "ComputeFk");
-  row.values["calls"] = requests.size() + joints.size();
+  const std::vector<RecordedCall> calls = RecordCalls(session, 1000);
+  for (auto call = calls.rbegin(); call != calls.rend(); ++call) {
+    for (int again = 0; again < 2; ++again) {
+      session.report.Judge(Finding::kUnrepeatable, Same(session.Solve(call->request), call->answer),
+                           [&] { return CaseOf("ComputeIk", call->request); });
+      const auto pose = session.Forward(*call->request.from);
+      session.report.Judge(Finding::kUnrepeatable, pose && SameBits(*pose, call->request.pose),
+                           [&] { return CaseOf("ComputeFk", *call->request.from); });
+    }
+  }
+  row.values["calls"] = session.report.Judged(Finding::kUnrepeatable);
   row.values["different"] = session.report.Count(Finding::kUnrepeatable);
 }
 
+// The same calls in the same order first from one thread: what differs there as well doesn't come
+// of the threads.
 void CheckTwoThreads(Session& session, Row& row) {
-  const RecordedCalls recorded = RecordCalls(session, 500);
-  if (recorded.requests.empty()) return;
-  SharedArray<ThreadCalls> shared(1);
-  ThreadCalls& result = shared[0];
+  const std::vector<RecordedCall> recorded = RecordCalls(session, 500);
+  if (recorded.empty()) return;
   // Long enough for both to run side by side on a busy machine.
-  const std::chrono::duration<double> duration(std::min(0.3, session.options.timeout_s / 3));
-  const auto call = [&](const Solver& solver, size_t) {
-    const auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(duration);
-    std::thread other([&] { CompareUntil(end, solver, recorded, true, result); });
-    CompareUntil(end, solver, recorded, false, result);
-    other.join();
+  const auto duration = std::chrono::duration_cast<Clock::duration>(
+      std::chrono::duration<double>(std::min(0.2, session.options.timeout_s / 3)));
+  const auto repeat = [&](Finding finding, const char* what, auto run) {
+    size_t calls = 0;
+    size_t different = 0;
+    session.Run(what, [&](const Solver& solver) {
+      Repeater one(solver, recorded, false);
+      Repeater other(solver, recorded, true);
+      run(one, other, Clock::now() + duration);
+      calls = one.calls + other.calls;
+      different = one.different + other.different;
+      session.report.Judge(finding, different == 0, [&] {
+        return CaseOf(fmt::format("{}: {} of {} differ", what, different, calls),
+                      one.different > 0 ? *one.first_different : *other.first_different);
+      });
+    });
+    row.values["calls"] = calls;
+    row.values["different"] = different;
+    return different == 0;
   };
-  session.Run(1, call, [](size_t, const std::string& words) {
-    return Case{"calls from two threads at once: " + words};
-  });
-  session.report.Judge(Finding::kThreads, result.different == 0, [&] {
-    return CaseOf(fmt::format("{} of {} calls", result.different.load(), result.calls.load()),
-                  recorded.requests[result.first_different]);
-  });
-  row.values["calls"] = result.calls.load();
-  row.values["different"] = result.different.load();
+  const bool repeatable = repeat(Finding::kUnrepeatable, "calls from one thread",
+                                 [](Repeater& one, Repeater& other, Clock::time_point end) {
+                                   while (Clock::now() < end) {
+                                     one.Repeat();
+                                     other.Repeat();
+                                   }
+                                 });
+  if (!repeatable) return;
+  (void)repeat(Finding::kThreads, "calls from two threads at once",
+               [](Repeater& one, Repeater& other, Clock::time_point end) {
+                 std::thread thread([&] { other.RepeatUntil(end); });
+                 one.RepeatUntil(end);
+                 thread.join();
+               });
 }
 
 void CheckTime(Session& session, Row& row) {
-  const std::vector<IkRequest> requests = RecordCalls(session, 100).requests;
-  if (requests.empty()) return;
-  const size_t lost_before = session.lost();
-  constexpr size_t kRounds = 50;
-  SharedArray<double> fk(kRounds);
-  SharedArray<double> ik(kRounds);
-  const auto measure = [&](const Solver& solver, size_t round) {
-    Pose pose;
-    fk[round] = Nanoseconds(requests.size(), [&](size_t i) {
-      solver.compute_fk(requests[i].from->data(), pose.position, pose.rotation);
-    });
-    ik[round] = Nanoseconds(requests.size(), [&](size_t i) {
-      ikfast::IkSolutionList<double> list;
-      const Pose& target = requests[i].pose;
-      (void)solver.compute_ik(target.position, target.rotation, nullptr, list);
-    });
-  };
-  session.Run(kRounds, measure, [](size_t, const std::string& words) {
-    return Case{"many calls in a row: " + words};
-  });
-  if (session.lost() > lost_before) return;
+  const std::vector<RecordedCall> calls = RecordCalls(session, 100);
+  if (calls.empty()) return;
   // The best round: other programs only ever slow it down.
-  row.values["ns_per_ComputeFk"] = *std::min_element(fk.begin(), fk.end());
-  row.values["ns_per_ComputeIk"] = *std::min_element(ik.begin(), ik.end());
+  double fk_ns = std::numeric_limits<double>::infinity();
+  double ik_ns = fk_ns;
+  for (int round = 0; round < 50; ++round) {
+    session.Run("many calls in a row", [&](const Solver& solver) {
+      Pose pose;
+      fk_ns = std::min(fk_ns, Nanoseconds(calls, [&](const IkRequest& request) {
+                         solver.compute_fk(request.from->data(), pose.position.data(),
+                                           pose.rotation.data());
+                       }));
+      ik_ns = std::min(ik_ns, Nanoseconds(calls, [&](const IkRequest& request) {
+                         ikfast::IkSolutionList<double> list;
+                         (void)solver.compute_ik(request.pose.position.data(),
+                                                 request.pose.rotation.data(), nullptr, list);
+                       }));
+    });
+  }
+  row.values["ns_per_ComputeFk"] = fk_ns;
+  row.values["ns_per_ComputeIk"] = ik_ns;
 }
 
 }  // namespace qal::ikcheck

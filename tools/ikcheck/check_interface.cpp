@@ -1,67 +1,20 @@
 #include <cxxabi.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <cstring>
 #include <memory>
 
-#include "../../io/error.h"
 #include "checks.h"
 #include "elf_file.h"
 #include "jacobian.h"
-#include "measures.h"
 
 namespace qal::ikcheck {
 
 namespace {
 
 constexpr int kFullPose = 0x67000001;
-constexpr int kUnknown = -1;
-
-// What a library says of itself.
-struct Description {
-  bool described;
-  bool compute_ik, compute_fk, plain_names;
-  char missing_queries[256];
-  int joints, free_parameters, real_size, type;
-  char version[64];
-  char hash[128];
-};
-
-template <size_t kBytes>
-void Copy(char (&to)[kBytes], const char* text) {
-  std::strncpy(to, text != nullptr ? text : "", kBytes - 1);
-}
-
-std::string MissingQueries(const Solver& solver) {
-  const std::pair<const char*, bool> kQueries[] = {
-      {"GetNumJoints", solver.joints != nullptr},
-      {"GetNumFreeParameters", solver.free_parameters != nullptr},
-      {"GetIkRealSize", solver.real_size != nullptr},
-      {"GetIkType", solver.type != nullptr},
-      {"GetIkFastVersion", solver.version != nullptr},
-      {"GetKinematicsHash", solver.hash != nullptr}};
-  std::string missing;
-  for (const auto& [name, there] : kQueries) {
-    if (!there) missing += std::string(missing.empty() ? "" : ", ") + name;
-  }
-  return missing;
-}
-
-void Describe(const Solver& solver, Description& d) {
-  d.compute_ik = solver.compute_ik != nullptr;
-  d.compute_fk = solver.compute_fk != nullptr;
-  d.plain_names = solver.plain_names;
-  Copy(d.missing_queries, MissingQueries(solver).c_str());
-  d.joints = solver.joints != nullptr ? solver.joints() : kUnknown;
-  d.free_parameters = solver.free_parameters != nullptr ? solver.free_parameters() : kUnknown;
-  d.real_size = solver.real_size != nullptr ? solver.real_size() : kUnknown;
-  d.type = solver.type != nullptr ? solver.type() : kUnknown;
-  Copy(d.version, solver.version != nullptr ? solver.version() : nullptr);
-  Copy(d.hash, solver.hash != nullptr ? solver.hash() : nullptr);
-  d.described = true;
-}
 
 // The functions with a solver's names, as they are declared, and what to do where some have other
 // names than those expected.
@@ -83,77 +36,82 @@ std::string SolvingFunctions(const std::vector<std::string>& functions) {
   return others ? fmt::format("{}; {}", found, kRecipe) : found;
 }
 
-void JudgeNames(Report& report, const Description& d, const std::vector<std::string>& functions) {
+void JudgeNames(Report& report, const Solver& solver, const std::vector<std::string>& functions) {
   const std::string found = SolvingFunctions(functions);
   const auto shown = [&] { return Case{found}; };
-  const bool single =
-      d.real_size == sizeof(float) || found.find("ComputeIk(float const*") != std::string::npos;
+  const bool single = (solver.real_size != nullptr && solver.real_size() == sizeof(float)) ||
+                      found.find("ComputeIk(float const*") != std::string::npos;
+  const bool both = solver.compute_ik != nullptr && solver.compute_fk != nullptr;
   report.Judge(Finding::kSinglePrecision, !single, shown);
-  report.Judge(Finding::kMissingFunctions, (d.compute_ik && d.compute_fk) || single, shown);
-  report.Judge(Finding::kPlainNames, !d.plain_names, shown);
+  report.Judge(Finding::kMissingFunctions, both || single, shown);
+  report.Judge(Finding::kPlainNames, !solver.plain_names, shown);
+  if (single || !both) throw GivenUp("there is nothing to call");
 }
 
-// What a query has not answered counts as right.
-void JudgeKind(Report& report, const Description& d) {
-  report.Judge(Finding::kMissingQueries, d.missing_queries[0] == '\0',
-               [&] { return Case{std::string(d.missing_queries) + " missing"}; });
-  report.Judge(Finding::kNotSixJoints, d.joints == 6 || d.joints == kUnknown,
-               [&] { return Case{fmt::format("{} joints", d.joints)}; });
-  report.Judge(Finding::kFreeParameters, d.free_parameters <= 0,
-               [&] { return Case{fmt::format("{} free parameters", d.free_parameters)}; });
-  report.Judge(Finding::kNotFullPose, d.type == kFullPose || d.type == kUnknown,
-               [&] { return Case{fmt::format("type {:#x}", d.type)}; });
-}
+// What the queries answer; the names of those that aren't there are kept.
+class Queries {
+ public:
+  template <typename Answer>
+  Json Ask(const char* name, Answer (*query)()) {
+    if (query != nullptr) return Shown(query());
+    missing += (missing.empty() ? "" : ", ") + std::string(name);
+    return kNotTold;
+  }
+  std::string missing;
 
-Json Shown(int value) { return value == kUnknown ? Json("not told") : Json(value); }
-Json Shown(const char* text) { return text[0] == '\0' ? Json("not told") : Json(text); }
+ private:
+  static Json Shown(int value) { return value; }
+  static Json Shown(const char* text) {
+    return text != nullptr && *text != '\0' ? Json(text) : Json(kNotTold);
+  }
+  static constexpr char kNotTold[] = "not told";
+};
 
-void Show(const Description& d, Json& interface) {
-  interface["names"] = d.plain_names ? "plain C" : "namespace ikfast";
-  interface["joints"] = Shown(d.joints);
-  interface["free_parameters"] = Shown(d.free_parameters);
+void JudgeQueries(Report& report, const Solver& solver) {
+  Queries queries;
+  Json& interface = report.interface;
+  interface["names"] = solver.plain_names ? "plain C" : "namespace ikfast";
+  interface["joints"] = queries.Ask("GetNumJoints", solver.joints);
+  interface["free_parameters"] = queries.Ask("GetNumFreeParameters", solver.free_parameters);
+  (void)queries.Ask("GetIkRealSize", solver.real_size);
+  const Json type = queries.Ask("GetIkType", solver.type);
   interface["solver_type"] =
-      d.type == kUnknown
-          ? Json("not told")
-          : Json(fmt::format("{:#x}{}", d.type, d.type == kFullPose ? ", full pose" : ""));
-  interface["interface_version"] = Shown(d.version);
-  interface["kinematics_hash"] = Shown(d.hash);
+      type.is_number()
+          ? Json(fmt::format("{:#x}{}", type.get<int>(), type == kFullPose ? ", full pose" : ""))
+          : type;
+  interface["interface_version"] = queries.Ask("GetIkFastVersion", solver.version);
+  interface["kinematics_hash"] = queries.Ask("GetKinematicsHash", solver.hash);
+
+  report.Judge(Finding::kMissingQueries, queries.missing.empty(),
+               [&] { return Case{queries.missing + " missing"}; });
+  bool same_problem = true;
+  // What a query has not answered counts as right.
+  const auto expect = [&](Finding finding, const Json& told, int expected, const char* words) {
+    const bool good = !told.is_number() || told == expected;
+    report.Judge(finding, good, [&] { return Case{fmt::format(words, told.get<int>())}; });
+    same_problem = same_problem && good;
+  };
+  expect(Finding::kNotSixJoints, interface["joints"], 6, "{} joints");
+  expect(Finding::kFreeParameters, interface["free_parameters"], 0, "{} free parameters");
+  expect(Finding::kNotFullPose, type, kFullPose, "type {:#x}");
+  if (!same_problem) throw GivenUp("it solves another problem");
 }
 
 }  // namespace
 
 void CheckInterface(Session& session, Row&) {
-  Report& report = session.report;
-  const std::vector<std::string> functions = ExportedFunctions(session.options.library);
-  SharedArray<Description> description(1);
-  Description& d = description[0];
-  session.Run(
-      1, [&](const Solver& solver, size_t) { Describe(solver, d); },
-      [](size_t, const std::string& words) { return Case{"when loaded and queried: " + words}; });
-  if (!d.described) throw GivenUp("it can't be loaded or doesn't answer the queries");
-
-  JudgeNames(report, d, functions);
-  if (report.Count(Finding::kMissingFunctions) + report.Count(Finding::kSinglePrecision) > 0) {
-    throw GivenUp("there is nothing to call");
-  }
-  Show(d, report.interface);
-  JudgeKind(report, d);
-  for (const Finding finding :
-       {Finding::kNotSixJoints, Finding::kFreeParameters, Finding::kNotFullPose}) {
-    if (report.Count(finding) > 0) throw GivenUp("it solves another problem");
-  }
+  session.Run("when loaded and queried", [&](const Solver& solver) {
+    JudgeNames(session.report, solver, ExportedFunctions(session.options.library));
+    JudgeQueries(session.report, solver);
+  });
 }
 
 void CheckForward(Session& session, Row& row) {
   Report& report = session.report;
-  const std::vector<Joints> joints = session.RandomJoints(2000);
-  const auto answers = session.Forward(joints);
+  const std::vector<Joints> sets = session.RandomJoints(2000);
   double reach = 0.0;
-  for (size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i].outcome != Outcome::kReturned) continue;
-    const Pose& pose = answers[i].pose;
-    const double distance = std::hypot(pose.position[0], pose.position[1], pose.position[2]);
-    reach = std::max(reach, distance);
+  for (const Joints& joints : sets) {
+    if (const auto pose = session.Forward(joints)) reach = std::max(reach, pose->position.norm());
   }
   row.values["reach"] = reach;
   report.Judge(Finding::kLengthUnit, reach == 0 || (reach >= 0.05 && reach <= 20),
@@ -162,7 +120,8 @@ void CheckForward(Session& session, Row& row) {
 
   size_t known = 0;
   size_t regular = 0;
-  for (const double smallest : SmallestSingularValues(session, joints)) {
+  for (const Joints& joints : sets) {
+    const double smallest = SmallestSingularValue(session, joints);
     if (!std::isnan(smallest)) ++known;
     if (smallest >= kRegularValue) ++regular;
   }

@@ -11,9 +11,10 @@ namespace qal::ikcheck {
 
 namespace {
 
-void CheckJoints(Session& session, const std::vector<Joints>& joints, Row& row) {
+void CheckJoints(Session& session, const std::vector<Joints>& sets, Row& row,
+                 bool self_motion = false) {
   PoseJudge judge(session);
-  judge.JudgeJoints(joints);
+  for (const Joints& joints : sets) judge.JudgeJoints(joints, self_motion);
   judge.Fill(row);
 }
 
@@ -22,14 +23,12 @@ void CheckJoints(Session& session, const std::vector<Joints>& joints, Row& row) 
 constexpr double kNearby = 1e-7;
 
 Pose Nearby(Session& session, const Pose& pose) {
-  using Matrix = Eigen::Matrix<double, 3, 3, Eigen::RowMajor>;
-  const Eigen::Vector3d axis(session.Random(), session.Random(), session.Random());
-  Pose nearby = pose;
-  Eigen::Map<Matrix>(nearby.rotation) =
-      Eigen::Map<const Matrix>(pose.rotation) *
-      Eigen::AngleAxisd(kNearby, axis.normalized()).toRotationMatrix();
-  for (double& value : nearby.position) value += kNearby * session.reach * session.Random();
-  return nearby;
+  const auto random = [&] {
+    return Eigen::Vector3d(session.Random(), session.Random(), session.Random());
+  };
+  const Eigen::AngleAxisd turn(kNearby, random().normalized());
+  return {pose.position + kNearby * session.reach * random(),
+          pose.rotation * turn.toRotationMatrix()};
 }
 
 // All 24 rotations that take axes to axes.
@@ -48,37 +47,29 @@ std::vector<Eigen::Matrix3d> AxisRotations() {
 // Positions of the arm's own, in the plane y = 0, and on the base's z axis; as many of each.
 std::vector<IkRequest> AxisAlignedPoses(Session& session, size_t positions) {
   std::vector<IkRequest> requests;
-  const auto poses = session.Forward(session.RandomJoints(3 * positions));
-  for (size_t i = 0; i < poses.size(); ++i) {
-    if (poses[i].outcome != Outcome::kReturned) continue;
-    Pose pose = poses[i].pose;
-    if (i % 3 >= 1) pose.position[1] = 0.0;
-    if (i % 3 == 2) pose.position[0] = 0.0;
+  for (const IkRequest& from : session.RandomPoses(3 * positions)) {
+    Pose pose = from.pose;
+    const size_t kind = requests.size() / 24 % 3;
+    if (kind >= 1) pose.position[1] = 0.0;
+    if (kind == 2) pose.position[0] = 0.0;
     for (const Eigen::Matrix3d& rotation : AxisRotations()) {
-      for (int k = 0; k < 9; ++k) pose.rotation[k] = rotation(k / 3, k % 3);
+      pose.rotation = rotation;
       requests.push_back({pose});
     }
   }
   return requests;
 }
 
-// Whether a pose has a solution away from singularities.
-bool HasRegular(Session& session, const std::vector<Joints>& solutions) {
-  const std::vector<double> values = SmallestSingularValues(session, solutions);
-  return std::any_of(values.begin(), values.end(),
-                     [](double smallest) { return smallest >= kRegularValue; });
+// Joint sets that are singular, the same ones for each check.
+std::vector<Singularity> Singularities(Session& session) {
+  return FindSingularities(session, std::clamp<size_t>(session.options.poses / 1000, 4, 16));
 }
 
 }  // namespace
 
 void CheckRandomPoses(Session& session, Row& row) {
-  constexpr size_t kBlock = 2000;
   PoseJudge judge(session);
-  for (size_t left = session.options.poses; left > 0 && session.lost() == 0;) {
-    const size_t count = std::min(left, kBlock);
-    judge.JudgeJoints(session.RandomJoints(count));
-    left -= count;
-  }
+  for (size_t i = 0; i < session.options.poses; ++i) judge.JudgeJoints(session.RandomJoints());
   judge.Fill(row);
 }
 
@@ -107,19 +98,15 @@ void CheckEighthTurns(Session& session, Row& row) {
 }
 
 void CheckSingularPoses(Session& session, Row& row) {
-  const size_t starts = std::clamp<size_t>(session.options.poses / 1000, 4, 16);
-  session.singularities = FindSingularities(session, starts);
   std::vector<Joints> sets;
-  for (const Singularity& at : session.singularities) sets.push_back(at.joints);
-  PoseJudge judge(session);
-  judge.JudgeJoints(sets, true);
-  judge.Fill(row);
+  for (const Singularity& at : Singularities(session)) sets.push_back(at.joints);
+  CheckJoints(session, sets, row, true);
 }
 
 // Beside those of the check before.
 void CheckNearSingularPoses(Session& session, Row& row) {
   std::vector<Joints> sets;
-  for (const Singularity& at : session.singularities) {
+  for (const Singularity& at : Singularities(session)) {
     for (double off = 1e-12; off < 2e-4; off *= 10) {
       for (const double step : {off, -off}) {
         sets.push_back(at.joints);
@@ -133,19 +120,19 @@ void CheckNearSingularPoses(Session& session, Row& row) {
 // Nothing says which of these poses the arm reaches; but it reaches those next to which it has a
 // regular solution.
 void CheckAxisAlignedTool(Session& session, Row& row) {
-  const std::vector<IkRequest> requests = AxisAlignedPoses(session, 20);
-  std::vector<IkRequest> neighbours;
-  for (const IkRequest& request : requests) {
-    neighbours.push_back({Nearby(session, request.pose)});
-  }
   PoseJudge judge(session);
-  const auto results = judge.JudgePoses(requests);
-  const auto nearby = PoseJudge(session).JudgePoses(neighbours);
-  for (size_t i = 0; i < requests.size(); ++i) {
-    if (!results[i].answered || !nearby[i].solved) continue;
-    const bool missing = !results[i].solved && HasRegular(session, nearby[i].solutions);
+  PoseJudge nearby_judge(session);
+  for (const IkRequest& request : AxisAlignedPoses(session, 20)) {
+    const auto result = judge.JudgePose(request);
+    const auto nearby = nearby_judge.JudgePose({Nearby(session, request.pose)});
+    if (!result.answered || !nearby.solved) continue;
+    const bool missing =
+        !result.solved &&
+        std::any_of(nearby.solutions.begin(), nearby.solutions.end(), [&](const Joints& joints) {
+          return SmallestSingularValue(session, joints) >= kRegularValue;
+        });
     session.report.Judge(Finding::kUnsolved, !missing, [&] {
-      return CaseOf("no solution, but a regular one 1e-7 away", requests[i]);
+      return CaseOf("no solution, but a regular one 1e-7 away", request);
     });
   }
   judge.Fill(row);
@@ -153,16 +140,12 @@ void CheckAxisAlignedTool(Session& session, Row& row) {
 
 // In a box that holds all that the arm reaches, and much that it doesn't.
 void CheckOutOfReach(Session& session, Row& row) {
-  std::vector<IkRequest> requests;
-  for (const FkAnswer& answer :
-       session.Forward(session.RandomJoints(std::min<size_t>(2000, session.options.poses)))) {
-    if (answer.outcome != Outcome::kReturned) continue;
-    IkRequest request = {answer.pose};
-    for (double& value : request.pose.position) value = 1.1 * session.reach * session.Random();
-    requests.push_back(request);
-  }
   PoseJudge judge(session);
-  (void)judge.JudgePoses(requests);
+  for (IkRequest& request : session.RandomPoses(std::min<size_t>(2000, session.options.poses))) {
+    request.from.reset();
+    for (double& value : request.pose.position) value = 1.1 * session.reach * session.Random();
+    (void)judge.JudgePose(request);
+  }
   judge.Fill(row);
 }
 

@@ -2,9 +2,19 @@
 
 #include <fmt/format.h>
 
+#include <csignal>
+
+#include "../../io/error.h"
+#include "child.h"
+
 namespace qal::ikcheck {
 
 namespace {
+
+struct Check {
+  const char* name;
+  void (*run)(Session& session, Row& row);
+};
 
 constexpr Check kChecks[] = {
     {"interface", CheckInterface},
@@ -25,32 +35,118 @@ constexpr Check kChecks[] = {
     {"time per call, on this machine", CheckTime},
 };
 
-}  // namespace
+// So many hangs, each of which costs its timeout, and the rest is left out.
+constexpr size_t kHangs = 5;
 
-Report RunChecks(const Session::Options& options) {
-  Report report;
-  report.library = options.library;
-  if (options.arm) {
-    report.arm = {
-        {"name", options.arm->name}, {"file", options.arm->file}, {"kind", options.arm->kind}};
-  }
-  Session session(options, report);
-  for (const Check& check : kChecks) {
+// The longest that a check takes: 1 s for 100 poses, and a minute besides, with the usual timeout
+// of a call.
+double LongestCheck(const Options& options) {
+  return options.timeout_s * (30 + static_cast<double>(options.poses) / 200);
+}
+
+// What a child answers: what it has found, in a form that keeps NaN and any text.
+Bytes Answer(const Check& check, const Options& options, double reach, Exchange& exchange) {
+  Json answer;
+  try {
+    Session session(options, exchange, reach);
     Row row{check.name};
-    session.StartCheck();
     try {
       check.run(session, row);
     } catch (const GivenUp& reason) {
-      report.stopped = fmt::format("at \"{}\": {}", check.name, reason.what());
-      break;
+      answer["stopped"] = reason.what();
     }
-    if (session.lost() > 0) report.unfinished.push_back({check.name, session.lost()});
-    if (!row.values.empty()) report.rows.push_back(row);
+    answer["row"] = row.values;
+    answer["interface"] = session.report.interface;
+    answer["judgements"] = session.report.Judgements();
+    answer["reach"] = session.reach;
+  } catch (const io::UsageError& error) {
+    answer["refused"] = error.what();
   }
-  if (report.Judged(Finding::kSolutionLayout) > report.Count(Finding::kSolutionLayout)) {
-    report.interface["solution_layout"] = "six entries of 24 bytes";
+  return Json::to_cbor(answer);
+}
+
+// Runs the checks one by one, and puts their answers together.
+class Checker {
+ public:
+  explicit Checker(const Options& options)
+      : options_(options), runner_({options.timeout_s, LongestCheck(options)}) {
+    report_.library = options.library;
+    if (options.arm) {
+      report_.arm = {
+          {"name", options.arm->name}, {"file", options.arm->file}, {"kind", options.arm->kind}};
+    }
   }
-  return report;
+
+  Report Run() {
+    for (const Check& check : kChecks) {
+      Exchange exchange;
+      ChildEnd end =
+          runner_.Run(exchange, [&] { return Answer(check, options_, reach_, exchange); });
+      if (end.kind == ChildEnd::Kind::kAnswered && !Take(check, end.answer)) {
+        end.kind = ChildEnd::Kind::kExit;
+        end.how = "no answer that can be read";
+      }
+      if (end.kind != ChildEnd::Kind::kAnswered) TakeLoss(check, end, exchange.Call());
+      if (!report_.stopped.empty()) break;
+    }
+    if (report_.Judged(Finding::kSolutionLayout) > report_.Count(Finding::kSolutionLayout)) {
+      report_.interface["solution_layout"] = "six entries of 24 bytes";
+    }
+    return report_;
+  }
+
+ private:
+  // Whether it is an answer.
+  bool Take(const Check& check, const Bytes& bytes) try {
+    const Json answer = Json::from_cbor(bytes);
+    if (answer.contains("refused")) throw io::UsageError(answer["refused"].get<std::string>());
+    Report report = report_;
+    report.Add(answer.at("judgements"));
+    report.interface.update(answer.at("interface"));
+    if (!answer.at("row").empty()) report.rows.push_back({check.name, answer["row"]});
+    const std::string stopped = answer.value("stopped", "");
+    reach_ = answer.at("reach").get<double>();
+    report_ = report;
+    if (!stopped.empty()) Stop(check, stopped);
+    return true;
+  } catch (const Json::exception&) {
+    return false;
+  }
+
+  void TakeLoss(const Check& check, const ChildEnd& end, const CallNote& call) {
+    const Finding finding = end.kind == ChildEnd::Kind::kCrash  ? Finding::kCrash
+                            : end.kind == ChildEnd::Kind::kExit ? Finding::kExit
+                                                                : Finding::kHang;
+    const std::string words = call.what + ": " + end.how;
+    report_.Judge(finding, false, [&] {
+      if (call.pose) return CaseOf(words, IkRequest{*call.pose, call.joints});
+      return call.joints ? CaseOf(words, *call.joints) : Case{words};
+    });
+    report_.unfinished.emplace_back(check.name, end.how);
+    if (check.run == CheckInterface) {
+      Stop(check, "it can't be loaded or doesn't answer the queries");
+    } else if (report_.Count(Finding::kHang) >= kHangs) {
+      Stop(check, "too many calls have not returned");
+    }
+  }
+
+  void Stop(const Check& check, const std::string& why) {
+    report_.stopped = fmt::format("at \"{}\": {}", check.name, why);
+  }
+
+  const Options& options_;
+  ChildRunner runner_;
+  double reach_ = 1.0;
+  Report report_;
+};
+
+}  // namespace
+
+Report RunChecks(const Options& options) try {
+  return Checker(options).Run();
+} catch (const Interrupted& end) {
+  (void)std::raise(end.signal);
+  throw io::Failure("stopped");
 }
 
 }  // namespace qal::ikcheck

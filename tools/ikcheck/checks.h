@@ -5,19 +5,15 @@
 
 namespace qal::ikcheck {
 
-/// One thing to look at. A check has the session call the solver, judges the answers as findings of
-/// the session's report, and may put values into its row.
-struct Check {
-  const char* name;
-  void (*run)(Session& session, Row& row);
-};
+/// Runs all checks on a library, each in a process of its own.
+/// @throw UsageError "PATH: REASON" when it is none or can't be loaded
+Report RunChecks(const Options& options);
 
-/// Runs all checks on a library.
-/// @throw UsageError "PATH: REASON" when it can't be loaded
-Report RunChecks(const Session::Options& options);
+// A check has the session call the solver, judges the answers as findings of the session's report,
+// and may put values into its row.
 
-// In the order in which they run; each needs those before the empty line.
 void CheckInterface(Session& session, Row& row);
+/// Also finds the reach, for those that follow.
 void CheckForward(Session& session, Row& row);
 
 void CheckRandomPoses(Session& session, Row& row);

@@ -27,15 +27,6 @@ std::string Origin(const Frame& frame) {
 
 }  // namespace
 
-Frame FrameOf(const Pose& pose) {
-  Frame frame = Frame::Identity();
-  for (int i = 0; i < 3; ++i) {
-    frame.translation()(i) = pose.position[i];
-    for (int j = 0; j < 3; ++j) frame.linear()(i, j) = pose.rotation[3 * i + j];
-  }
-  return frame;
-}
-
 Offset::Offset(const Frame& from, const Frame& to)
     : distance((to.translation() - from.translation()).norm()),
       angle_rad(Eigen::AngleAxisd(from.linear().transpose() * to.linear()).angle()) {}

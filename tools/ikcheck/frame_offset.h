@@ -16,7 +16,12 @@ using Frame = Eigen::Isometry3d;
 // open, such as a quarter turn written 1.570796; far below any difference of two arms.
 constexpr double kAgreed = 1e-5;
 
-Frame FrameOf(const Pose& pose);
+inline Frame FrameOf(const Pose& pose) {
+  Frame frame = Frame::Identity();
+  frame.translation() = pose.position;
+  frame.linear() = pose.rotation;
+  return frame;
+}
 
 /// From one frame to another.
 struct Offset {

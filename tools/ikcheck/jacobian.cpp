@@ -16,101 +16,47 @@ constexpr double kStepRad = 1e-5;
 
 // Columns are the velocities of the position and of the rotation between two poses.
 Eigen::Matrix<double, 6, 1> Velocity(const Pose& before, const Pose& after, double reach) {
-  using Row = Eigen::Map<const Eigen::Matrix<double, 3, 3, Eigen::RowMajor>>;
-  const Eigen::Matrix3d turn = Row(after.rotation) * Row(before.rotation).transpose();
+  const Eigen::Matrix3d turn = after.rotation * before.rotation.transpose();
   Eigen::Matrix<double, 6, 1> velocity;
-  for (int i = 0; i < 3; ++i) velocity(i) = (after.position[i] - before.position[i]) / reach;
-  velocity(3) = (turn(2, 1) - turn(1, 2)) / 2;
-  velocity(4) = (turn(0, 2) - turn(2, 0)) / 2;
-  velocity(5) = (turn(1, 0) - turn(0, 1)) / 2;
+  velocity << (after.position - before.position) / reach, (turn(2, 1) - turn(1, 2)) / 2,
+      (turn(0, 2) - turn(2, 0)) / 2, (turn(1, 0) - turn(0, 1)) / 2;
   return velocity / (2 * kStepRad);
 }
 
-std::vector<double> Determinants(Session& session, const std::vector<Joints>& joints) {
-  std::vector<double> determinants;
-  for (const Jacobian& jacobian : Jacobians(session, joints)) {
-    determinants.push_back(jacobian.determinant());
+// Where a function changes its sign between two angles, one of multiples of 45 degrees if it is
+// that.
+template <typename Function>
+double SignChange(Function value, double low, double high) {
+  const bool negative = value(low) < 0;
+  for (int i = 0; i < 36; ++i) {  // from 0.13 rad to 2e-12
+    const double middle = low + (high - low) / 2;
+    ((value(middle) < 0) == negative ? low : high) = middle;
   }
-  return determinants;
-}
-
-// A joint of a set, between two angles where the determinant has opposite signs.
-struct Bracket {
-  Singularity at;  // with the joint at the lower angle
-  double width;
-  bool negative;  // the determinant there
-};
-
-// Looks along one joint of each set, a whole turn.
-std::vector<Bracket> FindBrackets(Session& session, const std::vector<Singularity>& starts) {
-  constexpr size_t kSteps = 48;
-  std::vector<Joints> samples;
-  for (const Singularity& start : starts) {
-    for (size_t i = 0; i <= kSteps; ++i) {
-      samples.push_back(start.joints);
-      samples.back()[start.joint] += 2 * kPi * static_cast<double>(i) / kSteps;
-    }
-  }
-  const std::vector<double> values = Determinants(session, samples);
-  std::vector<Bracket> brackets;
-  for (size_t i = 0; i + 1 < samples.size(); ++i) {
-    if (i % (kSteps + 1) == kSteps || !(values[i] * values[i + 1] < 0)) continue;
-    brackets.push_back(
-        {{samples[i], starts[i / (kSteps + 1)].joint}, 2 * kPi / kSteps, values[i] < 0});
-  }
-  return brackets;
-}
-
-// Halves all brackets side by side.
-void Halve(Session& session, std::vector<Bracket>& brackets) {
-  std::vector<Joints> middles;
-  for (Bracket& bracket : brackets) {
-    bracket.width /= 2;
-    middles.push_back(bracket.at.joints);
-    middles.back()[bracket.at.joint] += bracket.width;
-  }
-  const std::vector<double> values = Determinants(session, middles);
-  for (size_t i = 0; i < brackets.size(); ++i) {
-    if ((values[i] < 0) == brackets[i].negative) brackets[i].at.joints = middles[i];
-  }
+  const double angle = std::remainder(low, 2 * kPi);
+  const double exact = std::round(angle / (kPi / 4)) * (kPi / 4);
+  return std::fabs(angle - exact) < 1e-7 ? exact : angle;
 }
 
 }  // namespace
 
-std::vector<Jacobian> Jacobians(Session& session, const std::vector<Joints>& joints) {
-  std::vector<Joints> sets;
-  for (const Joints& set : joints) {
-    for (size_t j = 0; j < set.size(); ++j) {
-      for (const double step : {-kStepRad, kStepRad}) {
-        sets.push_back(set);
-        sets.back()[j] += step;
-      }
+Jacobian JacobianAt(Session& session, const Joints& joints) {
+  Jacobian jacobian = Jacobian::Constant(std::numeric_limits<double>::quiet_NaN());
+  for (size_t j = 0; j < joints.size(); ++j) {
+    Joints moved = joints;
+    moved[j] = joints[j] - kStepRad;
+    const auto before = session.Forward(moved);
+    moved[j] = joints[j] + kStepRad;
+    const auto after = session.Forward(moved);
+    if (before && after) {
+      jacobian.col(static_cast<int>(j)) = Velocity(*before, *after, session.reach);
     }
   }
-  const auto poses = session.Forward(sets);
-  std::vector<Jacobian> jacobians(joints.size(),
-                                  Jacobian::Constant(std::numeric_limits<double>::quiet_NaN()));
-  for (size_t i = 0; i < poses.size(); i += 2) {
-    if (poses[i].outcome != Outcome::kReturned || poses[i + 1].outcome != Outcome::kReturned) {
-      continue;
-    }
-    jacobians[i / 12].col(static_cast<int>(i / 2 % 6)) =
-        Velocity(poses[i].pose, poses[i + 1].pose, session.reach);
-  }
-  return jacobians;
+  return jacobian;
 }
 
 double SmallestSingularValue(const Jacobian& jacobian) {
   if (!jacobian.allFinite()) return std::numeric_limits<double>::quiet_NaN();
   return Eigen::JacobiSVD<Jacobian>(jacobian).singularValues()(5);
-}
-
-std::vector<double> SmallestSingularValues(Session& session, const std::vector<Joints>& joints) {
-  std::vector<double> values;
-  for (const Jacobian& jacobian : Jacobians(session, joints)) {
-    values.push_back(SmallestSingularValue(jacobian));
-  }
-  return values;
 }
 
 std::optional<Joints> SelfMotion(const Jacobian& jacobian) {
@@ -127,21 +73,29 @@ std::optional<Joints> SelfMotion(const Jacobian& jacobian) {
 }
 
 std::vector<Singularity> FindSingularities(Session& session, size_t starts) {
-  std::vector<Singularity> from;
-  for (const Joints& joints : session.RandomJoints(starts)) {
-    // Joints 1 and 6 turn the whole arm and the tool alone: the determinant stays as it is.
-    for (const size_t joint : {1u, 2u, 3u, 4u}) from.push_back({joints, joint});
-  }
-  std::vector<Bracket> brackets = FindBrackets(session, from);
-  for (int i = 0; i < 36; ++i) Halve(session, brackets);  // from 0.13 rad to 2e-12
-
+  constexpr int kSteps = 48;  // of a whole turn
   std::vector<Singularity> found;
-  for (Bracket& bracket : brackets) {
-    double& angle = bracket.at.joints[bracket.at.joint];
-    angle = std::remainder(angle, 2 * kPi);
-    const double exact = std::round(angle / (kPi / 4)) * (kPi / 4);
-    if (std::fabs(angle - exact) < 1e-7) angle = exact;
-    found.push_back(bracket.at);
+  for (Joints joints : session.RandomJoints(starts)) {
+    // Joints 1 and 6 turn the whole arm and the tool alone: the determinant stays as it is.
+    for (const size_t joint : {1u, 2u, 3u, 4u}) {
+      const auto determinant = [&](double angle) {
+        Joints moved = joints;
+        moved[joint] = angle;
+        return JacobianAt(session, moved).determinant();
+      };
+      double low = joints[joint];
+      double low_value = determinant(low);
+      for (int i = 0; i < kSteps; ++i) {
+        const double high = low + 2 * kPi / kSteps;
+        const double high_value = determinant(high);
+        if (low_value * high_value < 0) {
+          found.push_back({joints, joint});
+          found.back().joints[joint] = SignChange(determinant, low, high);
+        }
+        low = high;
+        low_value = high_value;
+      }
+    }
   }
   return found;
 }

@@ -14,17 +14,25 @@ namespace qal::ikcheck {
 using Jacobian = Eigen::Matrix<double, 6, 6>;
 
 /// By central differences of ComputeFk; good to 1e-10. NaN where that isn't finite.
-std::vector<Jacobian> Jacobians(Session& session, const std::vector<Joints>& joints);
+Jacobian JacobianAt(Session& session, const Joints& joints);
 
 /// How far the arm is from a singularity, 0: singular. NaN for a Jacobian that isn't finite.
 double SmallestSingularValue(const Jacobian& jacobian);
-std::vector<double> SmallestSingularValues(Session& session, const std::vector<Joints>& joints);
+inline double SmallestSingularValue(Session& session, const Joints& joints) {
+  return SmallestSingularValue(JacobianAt(session, joints));
+}
 
 /// For a singular Jacobian where two of the axes have become one line, such as a wrist's axes 4 and
 /// 6: the turn of the one against the other that leaves the tool where it is, as a unit vector.
 /// Nothing when there is no such pair, or when the arm is singular in another way as well: the tool
 /// then stays along no straight line of joint sets, or along several.
 std::optional<Joints> SelfMotion(const Jacobian& jacobian);
+
+/// A joint set that is singular, and the joint that leads away from there.
+struct Singularity {
+  Joints joints;
+  size_t joint;
+};
 
 /// Singular joint sets of an arm that nothing is known about: one of the joints 2 to 5 is moved,
 /// from `starts` random sets, to where the Jacobian's determinant changes its sign. Multiples of

@@ -20,7 +20,7 @@ using namespace qal;
 struct Arguments {
   std::optional<std::string> library;
   std::optional<std::string> arm;
-  ikcheck::Session::Options options;
+  ikcheck::Options options;
   bool json = false;
   bool strict = false;
   io::ReadOptions read;
@@ -47,9 +47,7 @@ Subject SubjectOf(const Arguments& arguments) {
 
 ikcheck::Pose Forward(const ArmDescription& arm, const ikcheck::Joints& joints) {
   const Transform tip = TipFrame(arm, joints);
-  ikcheck::Pose pose = {{tip.position.x, tip.position.y, tip.position.z}, {}};
-  std::copy(tip.rotation, tip.rotation + 9, pose.rotation);
-  return pose;
+  return {{tip.position.x, tip.position.y, tip.position.z}, ikcheck::Rotation::Map(tip.rotation)};
 }
 
 void Run(const Arguments& arguments) {
@@ -61,7 +59,7 @@ void Run(const Arguments& arguments) {
                                   subject.arm->name, subject.arm->kind, subject.arm->name)
                     : "no library; one is expected as LIBRARY, by --arm or in QAL_ARM");
   }
-  ikcheck::Session::Options options = arguments.options;
+  ikcheck::Options options = arguments.options;
   options.library = subject.library;
   if (subject.arm) {
     const ArmDescription arm = DescriptionIn(*subject.arm);
@@ -71,7 +69,7 @@ void Run(const Arguments& arguments) {
   }
   const ikcheck::Report report = ikcheck::RunChecks(options);
   io::WriteStandardOutput(arguments.json ? report.JsonText() : report.Text());
-  if (arguments.strict ? report.HasFindings() : report.HasFaults()) {
+  if (!report.Sound() || (arguments.strict && report.HasFindings())) {
     throw io::Failure(fmt::format("{}: {}", subject.library, report.Summary()));
   }
 }
@@ -91,7 +89,7 @@ void Describe(CLI::App& app, Arguments& arguments) {
       "or\n"
       "not a library that can be loaded.");
   app.footer(ikcheck::FindingsHelp() + "\nExample: ikcheck libik.so --arm arm.urdf --strict");
-  ikcheck::Session::Options& options = arguments.options;
+  ikcheck::Options& options = arguments.options;
   app.add_option("LIBRARY", arguments.library,
                  "the solver library (default: the one that the arm's file is or names)");
   app.add_option(

@@ -21,10 +21,6 @@ struct PoseDifference {
 };
 PoseDifference Difference(const Pose& a, const Pose& b);
 
-/// Whether two joint sets differ by less than this in every joint, whole turns being none. Not with
-/// NaN.
-bool Same(const Joints& a, const Joints& b, double tolerance_rad);
-
 /// The largest difference of two joints, whole turns apart being none [rad].
 double Difference(const Joints& a, const Joints& b);
 
@@ -32,9 +28,9 @@ double Difference(const Joints& a, const Joints& b);
 /// @param direction a unit vector
 double OffLine(const Joints& joints, const Joints& start, const Joints& direction);
 
-/// How far a row-major matrix is from a rotation: its columns from unit length and right angles; 2
+/// How far a matrix is from a rotation: its columns from unit length and right angles; 2
 /// at least for one that mirrors.
-double OffRotation(const double* rotation);
+double OffRotation(const Rotation& rotation);
 
 }  // namespace qal::ikcheck
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "frame_offset.h"
 #include "jacobian.h"
 #include "measures.h"
 
@@ -21,96 +20,68 @@ Case CaseOf(const std::string& words, const IkRequest& request, const Joints& so
 
 }  // namespace
 
-std::vector<PoseJudge::PoseResult> PoseJudge::JudgePoses(const std::vector<IkRequest>& requests) {
-  const auto answers = session_.Solve(requests);
-  std::vector<PoseResult> results(requests.size());
-  std::vector<Found> all;
-  for (size_t i = 0; i < requests.size(); ++i) {
-    const IkAnswer& answer = answers[i];
-    if (answer.outcome != Outcome::kReturned) continue;
-    const size_t kept = answer.found ? answer.kept : 0;
-    // Where what it returns doesn't fit what it adds, that is found already.
-    const bool fits = answer.found == (answer.added > 0);
-    results[i] = {fits, answer.found && answer.added > 0, fits && kept == answer.added};
-    for (size_t k = 0; k < kept; ++k) all.push_back({&requests[i], answer.solutions[k]});
-    ++poses_;
-    if (results[i].solved) ++solved_;
-    if (results[i].solved) solutions_ += answer.added;
-  }
-  Follow(all);
-  const std::string offset = CommonOffset(all);
-  for (const Found& found : all) {
-    PoseResult& result = results[static_cast<size_t>(found.request - requests.data())];
-    if (!JudgeSolution(found, offset)) result.complete = false;
-    const double error = found.error ? found.error->Size() : 0.0;
-    result.error = std::max(result.error, error);
-    if (found.singular && (found.given.free || error > kWrongError)) result.lax = true;
-    result.solutions.push_back(found.given.joints);
-  }
-  for (size_t i = 0; i < results.size(); ++i) {
-    if (results[i].complete && !results[i].lax) JudgeDuplicates(requests[i], results[i].solutions);
-  }
-  return results;
+PoseJudge::PoseResult PoseJudge::JudgePose(const IkRequest& request) {
+  const IkAnswer answer = session_.Solve(request);
+  if (!answer.returned()) return {};
+  ++poses_;
+  PoseResult result;
+  // Where what it returns doesn't fit what it adds, that is found already.
+  result.answered = result.complete = answer.found == (answer.added > 0);
+  result.solved = answer.found && answer.added > 0;
+  if (!result.solved) return result;
+  ++solved_;
+  solutions_ += answer.added;
+  for (const Solution& given : answer.solutions) JudgeSolution(request, given, result);
+  if (result.complete && !result.lax) JudgeDuplicates(request, result.solutions);
+  return result;
 }
 
-void PoseJudge::Follow(std::vector<Found>& all) {
-  std::vector<Joints> joints;
-  for (const Found& found : all) joints.push_back(found.given.joints);
-  const auto poses = session_.Forward(joints);
-  std::vector<Found*> doubtful;
-  joints.clear();
-  for (size_t k = 0; k < all.size(); ++k) {
-    Found& found = all[k];
-    if (poses[k].outcome != Outcome::kReturned || !AllFinite(found.given.joints)) continue;
-    found.error = Difference(poses[k].pose, found.request->pose);
-    found.leads_to = poses[k].pose;
-    const double error = found.error->Size();
-    if (error >= kWrongSingularError || (error <= kLooseError && !found.given.free)) continue;
-    doubtful.push_back(&found);
-    joints.push_back(found.given.joints);
+void PoseJudge::JudgeSolution(const IkRequest& request, const Solution& given, PoseResult& result) {
+  const Joints& joints = given.joints;
+  const bool finite = AllFinite(joints);
+  report_.Judge(Finding::kNonFiniteSolution, finite,
+                [&] { return CaseOf("a solution", request, joints); });
+  result.solutions.push_back(joints);
+  const auto pose = finite ? session_.Forward(joints) : std::nullopt;
+  if (!pose) {  // where it leads isn't known
+    result.complete = false;
+    return;
   }
-  const std::vector<double> smallest = SmallestSingularValues(session_, joints);
-  for (size_t k = 0; k < doubtful.size(); ++k) doubtful[k]->singular = smallest[k] < kRegularValue;
-}
-
-std::string PoseJudge::CommonOffset(const std::vector<Found>& all) const {
-  std::vector<Frame> inverse;
-  std::vector<Frame> forward;
-  for (const Found& found : all) {
-    if (!found.error || !(found.error->Size() >= kWrongSingularError)) continue;
-    inverse.push_back(FrameOf(found.request->pose));
-    forward.push_back(FrameOf(found.leads_to));
-  }
-  if (2 * inverse.size() <= all.size()) return "";
-  return FixedOffset("ComputeIk's, as ComputeFk sees it,", inverse, forward, session_.reach);
-}
-
-bool PoseJudge::JudgeSolution(const Found& found, const std::string& offset) {
-  Report& report = session_.report;
-  const Joints& solution = found.given.joints;
-  const bool finite = AllFinite(solution);
-  report.Judge(Finding::kNonFiniteSolution, finite,
-               [&] { return CaseOf("a solution", *found.request, solution); });
-  if (!found.error) return false;
   // A free joint may be read as anything.
-  if (!found.given.free) JudgeRange(*found.request, solution);
+  if (!given.free) JudgeRange(request, joints);
+  const PoseDifference difference = Difference(*pose, request.pose);
+  const double error = difference.Size();
+  constexpr size_t kFrames = 100;
+  if (error >= kWrongSingularError && ++far_off_ <= kFrames) {
+    asked_.push_back(FrameOf(request.pose));
+    met_.push_back(FrameOf(*pose));
+  }
+  // Looked at only where it makes a difference.
+  const bool singular = error < kWrongSingularError && (error > kLooseError || given.free) &&
+                        SmallestSingularValue(session_, joints) < kRegularValue;
+  if (!JudgeError(request, given, difference, singular)) result.complete = false;
+  if (singular && (given.free || error > kWrongError)) result.lax = true;
+  result.error = std::max(result.error, error);
+}
 
-  const double error = found.error->Size();
-  const bool right = error <= kWrongError || (found.singular && error < kWrongSingularError);
-  const bool free = found.given.free;
+// Whether a solution is right.
+bool PoseJudge::JudgeError(const IkRequest& request, const Solution& given,
+                           const PoseDifference& difference, bool singular) {
+  const double error = difference.Size();
+  const bool free = given.free;
+  const bool right = error <= kWrongError || (singular && error < kWrongSingularError);
   const auto shown = [&] {
-    return CaseOf(fmt::format("{}position off by {:.3g} m, matrix elements by {:.3g}{}",
+    return CaseOf(fmt::format("{}position off by {:.3g} m, matrix elements by {:.3g}",
                               free ? "with a joint that is free, read as 0: " : "",
-                              found.error->position_m, found.error->element, offset),
-                  *found.request, solution);
+                              difference.position_m, difference.element),
+                  request, given.joints);
   };
-  const bool free_fault = free && !(right && found.singular);
-  report.Judge(Finding::kFreeJoint, !free_fault, error, shown);
-  report.Judge(Finding::kFreeSingular, !free || free_fault || error > kWrongError, error, shown);
-  report.Judge(Finding::kWrongSolution, right || free, error, shown);
-  report.Judge(Finding::kLooseSingular, !right || error <= kWrongError, error, shown);
-  report.Judge(Finding::kLooseSolution, !right || found.singular || error <= kLooseError, error,
-               shown);
+  const bool free_fault = free && !(right && singular);
+  report_.Judge(Finding::kFreeJoint, !free_fault, error, shown);
+  report_.Judge(Finding::kFreeSingular, !free || free_fault || error > kWrongError, error, shown);
+  report_.Judge(Finding::kWrongSolution, right || free, error, shown);
+  report_.Judge(Finding::kLooseSingular, !right || error <= kWrongError, error, shown);
+  report_.Judge(Finding::kLooseSolution, !right || singular || error <= kLooseError, error, shown);
   largest_error_ = std::max(largest_error_, error);
   if (!right) ++wrong_;
   return right;
@@ -125,31 +96,30 @@ void PoseJudge::JudgeRange(const IkRequest& request, const Joints& solution) {
         fmt::format("joint {} at {:.17g} rad", farthest - solution.begin() + 1, *farthest), request,
         solution);
   };
-  session_.report.Judge(Finding::kOutOfRange, past <= kPastPiRad, past, shown);
-  session_.report.Judge(Finding::kMinusPi,
-                        past > kPastPiRad || (*farthest > -kPi && *farthest <= kPi), shown);
+  report_.Judge(Finding::kOutOfRange, past <= kPastPiRad, past, shown);
+  report_.Judge(Finding::kMinusPi, past > kPastPiRad || (*farthest > -kPi && *farthest <= kPi),
+                shown);
 }
 
 void PoseJudge::JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions) {
   for (size_t i = 0; i < solutions.size(); ++i) {
-    const bool again =
-        std::any_of(solutions.begin(), solutions.begin() + static_cast<std::ptrdiff_t>(i),
-                    [&](const Joints& other) { return Same(other, solutions[i], kSameRad); });
-    session_.report.Judge(Finding::kDuplicates, !again,
-                          [&] { return CaseOf("a solution", request, solutions[i]); });
+    const bool again = std::any_of(
+        solutions.begin(), solutions.begin() + static_cast<std::ptrdiff_t>(i),
+        [&](const Joints& other) { return Difference(other, solutions[i]) < kSameRad; });
+    report_.Judge(Finding::kDuplicates, !again,
+                  [&] { return CaseOf("a solution", request, solutions[i]); });
   }
 }
 
 void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result) {
-  Report& report = session_.report;
   const double smallest = original.smallest;
   const bool regular = smallest >= kRegularValue;
   const auto shown = [&](const std::string& words) {
     return ikcheck::CaseOf(fmt::format("{}, smallest singular value {:.3g}", words, smallest),
                            original.request);
   };
-  report.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, result.solved,
-               [&] { return shown("no solution"); });
+  report_.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, result.solved,
+                [&] { return shown("no solution"); });
   if (!result.solved || !result.complete) return;
   // Such branches take other joints for these, and that is found already.
   if (!regular && result.lax) return;
@@ -166,37 +136,34 @@ void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result
   const double worst = original.self_motion ? kRegularValue : std::min(smallest, kRegularValue);
   const bool found = nearest <= std::max(kLooseError, result.error) / worst;
   if (!found) ++missed_;
-  report.Judge(regular ? Finding::kMissedJoints : Finding::kMissedSingular, found, nearest,
-               [&] { return shown(fmt::format("nearest solution {:.3g} rad away", nearest)); });
+  report_.Judge(regular ? Finding::kMissedJoints : Finding::kMissedSingular, found, nearest,
+                [&] { return shown(fmt::format("nearest solution {:.3g} rad away", nearest)); });
 }
 
-void PoseJudge::JudgeJoints(const std::vector<Joints>& joints, bool self_motions) {
-  const auto poses = session_.Forward(joints);
-  const std::vector<Jacobian> jacobians = Jacobians(session_, joints);
-  std::vector<Original> originals;
-  for (size_t i = 0; i < joints.size(); ++i) {
-    const double smallest = SmallestSingularValue(jacobians[i]);
-    if (poses[i].outcome != Outcome::kReturned || std::isnan(smallest)) continue;
-    originals.push_back({{poses[i].pose, joints[i]}, smallest, std::nullopt});
-    if (self_motions && smallest < kSingularValue) {
-      originals.back().self_motion = SelfMotion(jacobians[i]);
-    }
+void PoseJudge::JudgeJoints(const Joints& joints, bool self_motion) {
+  const auto pose = session_.Forward(joints);
+  if (!pose) return;
+  const Jacobian jacobian = JacobianAt(session_, joints);
+  Original original = {{*pose, joints}, SmallestSingularValue(jacobian), {}};
+  if (std::isnan(original.smallest)) return;
+  if (self_motion && original.smallest < kSingularValue) {
+    original.self_motion = SelfMotion(jacobian);
   }
-  std::vector<IkRequest> requests;
-  for (const Original& original : originals) requests.push_back(original.request);
-  const std::vector<PoseResult> results = JudgePoses(requests);
-  for (size_t i = 0; i < results.size(); ++i) {
-    if (results[i].answered) JudgeOriginal(originals[i], results[i]);
-  }
+  const PoseResult result = JudgePose(original.request);
+  if (result.answered) JudgeOriginal(original, result);
 }
 
-void PoseJudge::Fill(Row& row) const {
+void PoseJudge::Fill(Row& row) {
   row.values["poses"] = poses_;
   row.values["solved"] = solved_;
   row.values["solutions"] = solutions_;
   row.values["wrong"] = wrong_;
   row.values["missed"] = missed_;
   row.values["largest_error"] = largest_error_;
+  if (2 * far_off_ > solutions_) {
+    report_.Explain(Finding::kWrongSolution, FixedOffset("ComputeIk's, as ComputeFk sees it,",
+                                                         asked_, met_, session_.reach));
+  }
 }
 
 }  // namespace qal::ikcheck

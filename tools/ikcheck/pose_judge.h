@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "frame_offset.h"
 #include "measures.h"
 #include "session.h"
 
@@ -11,7 +12,7 @@ namespace qal::ikcheck {
 /// Solves poses and judges each of them; sums up what it has seen.
 class PoseJudge {
  public:
-  explicit PoseJudge(Session& session) : session_(session) {}
+  explicit PoseJudge(Session& session) : session_(session), report_(session.report) {}
 
   /// What came of one pose.
   struct PoseResult {
@@ -23,33 +24,23 @@ class PoseJudge {
     double error = 0.0;  ///< the largest of its solutions [m or matrix element]
   };
 
-  /// Poses that may have solutions or not.
-  std::vector<PoseResult> JudgePoses(const std::vector<IkRequest>& requests);
+  /// A pose that may have solutions or not.
+  PoseResult JudgePose(const IkRequest& request);
 
-  /// Poses made from joints: they have to be solved, and the joints to be found again. Some
-  /// thousand at a time: the answers of 1000 take 4 MB.
-  /// @param self_motions also judge singular sets where two axes are one line: the joints may come
-  ///                      back with these two turned against each other. Not for sets that are
-  ///                      singular in several ways, where there is more to choose from.
-  void JudgeJoints(const std::vector<Joints>& joints, bool self_motions = false);
+  /// A pose made from joints: it has to be solved, and the joints to be found again.
+  /// @param self_motion also judge singular sets where two axes are one line: the joints may come
+  ///                    back with these two turned against each other. Not for sets that are
+  ///                    singular in several ways, where there is more to choose from.
+  void JudgeJoints(const Joints& joints, bool self_motion = false);
 
-  void Fill(Row& row) const;
+  /// Sums up. Where most solutions are off by one and the same fixed frame, the report says by
+  /// which.
+  void Fill(Row& row);
 
  private:
-  // A solution of a pose.
-  struct Found {
-    const IkRequest* request;
-    Solution given;
-    std::optional<PoseDifference> error = {};  // none: where it leads isn't known
-    Pose leads_to = {};
-    bool singular = false;  // looked at only where it makes a difference
-  };
-  // Has ComputeFk say where they lead.
-  void Follow(std::vector<Found>& all);
-  // Where most are off by one and the same fixed frame: which.
-  std::string CommonOffset(const std::vector<Found>& all) const;
-  // Whether it is right.
-  bool JudgeSolution(const Found& found, const std::string& offset);
+  void JudgeSolution(const IkRequest& request, const Solution& given, PoseResult& result);
+  bool JudgeError(const IkRequest& request, const Solution& given, const PoseDifference& difference,
+                  bool singular);
   void JudgeRange(const IkRequest& request, const Joints& solution);
   void JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions);
   // A pose made from joints that are to be found again.
@@ -61,12 +52,17 @@ class PoseJudge {
   void JudgeOriginal(const Original& original, const PoseResult& result);
 
   Session& session_;
+  Report& report_;
   size_t poses_ = 0;
   size_t solved_ = 0;
   size_t solutions_ = 0;
   size_t wrong_ = 0;
   size_t missed_ = 0;
   double largest_error_ = 0.0;
+  // The frames of solutions that are far off: those of some poses, and those they lead to.
+  size_t far_off_ = 0;
+  std::vector<Frame> asked_;
+  std::vector<Frame> met_;
 };
 
 }  // namespace qal::ikcheck

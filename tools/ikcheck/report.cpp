@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 
 #include "../../io/numbers.h"
 
@@ -102,6 +103,37 @@ std::string Numbers(const Case& shown) {
 
 }  // namespace
 
+bool Report::Tally::Count(size_t count, double how_bad) {
+  // NaN is worse than any number.
+  const bool worse = std::isnan(how_bad) ? !std::isnan(badness) : how_bad > badness;
+  const bool keep = bad == 0 || worse;
+  bad += count;
+  if (keep) badness = how_bad;
+  return keep;
+}
+
+Json Report::Judgements() const {
+  Json judgements = Json::array();
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    const Tally& tally = tallies_[i];
+    if (tally.judged == 0) continue;
+    judgements.push_back(
+        {i, tally.judged, tally.bad, tally.badness, tally.worst.words, tally.worst.numbers});
+  }
+  return judgements;
+}
+
+void Report::Add(const Json& judgements) {
+  for (const Json& theirs : judgements) {
+    Tally& tally = tallies_.at(theirs.at(0).get<size_t>());
+    tally.judged += theirs.at(1).get<size_t>();
+    const auto bad = theirs.at(2).get<size_t>();
+    if (bad == 0 || !tally.Count(bad, theirs.at(3).get<double>())) continue;
+    theirs.at(4).get_to(tally.worst.words);
+    theirs.at(5).get_to(tally.worst.numbers);
+  }
+}
+
 bool Report::Found(Finding finding) const {
   const Finding cause = KindOf(finding).cause;
   if (Count(finding) == 0 || (cause != Finding::kCount && Count(cause) > 0)) return false;
@@ -122,10 +154,11 @@ std::vector<Finding> Report::Findings() const {
   return findings;
 }
 
-bool Report::HasFaults() const {
+bool Report::Sound() const {
   const std::vector<Finding> findings = Findings();
-  return std::any_of(findings.begin(), findings.end(),
-                     [](Finding finding) { return KindOf(finding).fault; });
+  return unfinished.empty() && stopped.empty() &&
+         std::none_of(findings.begin(), findings.end(),
+                      [](Finding finding) { return KindOf(finding).fault; });
 }
 
 bool Report::HasFindings() const { return !Findings().empty(); }
@@ -163,12 +196,12 @@ std::string Report::Text() const {
     text += fmt::format("  {:{}}  {}\n", Label(item.key()), kLabelWidth, Plain(item.value()));
   }
   if (!rows.empty()) text += Rows(rows) + '\n';
-  for (const auto& [check, lost] : unfinished) {
-    text += fmt::format("  not finished: \"{}\", {} calls did not return\n", check, lost);
+  for (const auto& [check, why] : unfinished) {
+    text += fmt::format("  not finished: \"{}\", {}\n", check, Printable(why));
   }
   if (!stopped.empty()) text += "  stopped " + stopped + '\n';
   for (const Finding finding : Findings()) text += FindingText(finding);
-  if (!HasFindings()) text += "  sound, nothing found\n";
+  if (Sound() && !HasFindings()) text += "  sound, nothing found\n";
   return text;
 }
 
@@ -198,16 +231,15 @@ std::string Report::JsonText() const {
 }
 
 Json Report::ToJson() const {
-  Json json = {
-      {"library", library}, {"arm", arm}, {"sound", !HasFaults()}, {"interface", interface}};
+  Json json = {{"library", library}, {"arm", arm}, {"sound", Sound()}, {"interface", interface}};
   json["checks"] = Json::array();
   for (const Row& row : rows) {
     json["checks"].push_back({{"check", row.check}});
     json["checks"].back().update(row.values);
   }
   json["unfinished"] = Json::array();
-  for (const auto& [check, lost] : unfinished) {
-    json["unfinished"].push_back({{"check", check}, {"lost_calls", lost}});
+  for (const auto& [check, why] : unfinished) {
+    json["unfinished"].push_back({{"check", check}, {"reason", why}});
   }
   json["stopped"] = stopped;
   json["findings"] = Json::array();

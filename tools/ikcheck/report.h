@@ -2,7 +2,6 @@
 #define QAL_TOOLS_IKCHECK_REPORT_H_
 
 #include <array>
-#include <cmath>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <utility>
@@ -37,11 +36,7 @@ class Report {
   void Judge(Finding finding, bool good, double badness, MakeCase make_case) {
     Tally& tally = tallies_[static_cast<size_t>(finding)];
     ++tally.judged;
-    if (good) return;
-    // NaN is worse than any number.
-    const bool worse = std::isnan(badness) ? !std::isnan(tally.badness) : badness > tally.badness;
-    if (tally.bad++ > 0 && !worse) return;
-    tally.badness = badness;
+    if (good || !tally.Count(1, badness)) return;
     tally.worst = make_case();
   }
   /// The same where every case is as bad as any other: the first is kept.
@@ -50,21 +45,33 @@ class Report {
     Judge(finding, good, 0.0, make_case);
   }
 
+  /// Adds to the words of the case that is kept, if there is one.
+  void Explain(Finding finding, const std::string& words) {
+    tallies_[static_cast<size_t>(finding)].worst.words += words;
+  }
+
   void Passed(Finding finding) { ++tallies_[static_cast<size_t>(finding)].judged; }
 
   size_t Judged(Finding finding) const { return tallies_[static_cast<size_t>(finding)].judged; }
   size_t Count(Finding finding) const { return tallies_[static_cast<size_t>(finding)].bad; }
   /// Whether a finding is to be told: it has been seen, and is not what another one causes.
   bool Found(Finding finding) const;
-  bool HasFaults() const;
   bool HasFindings() const;
+  /// Every check came to its end and found no fault.
+  bool Sound() const;
+
+  /// What has been judged, for the report of another process.
+  Json Judgements() const;
+  /// Counts what another report has judged as well.
+  /// @throw Json::exception when it isn't that
+  void Add(const Json& judgements);
 
   std::string library;              ///< its path
   Json arm = nullptr;               ///< the arm it is compared with: name, file and kind
   Json interface = Json::object();  ///< what the library says of itself
   std::vector<Row> rows;
-  /// Checks that have left something out, with the number of calls that didn't return.
-  std::vector<std::pair<std::string, size_t>> unfinished;
+  /// Checks that didn't come to their end, and why.
+  std::vector<std::pair<std::string, std::string>> unfinished;
   std::string stopped;  ///< at which check all ended, and why; empty: it went to the end
 
   /// What was found, by name, in one line.
@@ -79,6 +86,9 @@ class Report {
     size_t bad = 0;
     double badness = 0.0;
     Case worst;
+
+    /// Counts bad cases, the worst of which is as bad as that. Whether it is the one to keep.
+    bool Count(size_t count, double how_bad);
   };
   std::vector<Finding> Findings() const;
   std::string FindingText(Finding finding) const;

@@ -3,40 +3,10 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <cstring>
 
-#include "../../io/error.h"
 #include "measures.h"
 
 namespace qal::ikcheck {
-
-namespace {
-
-// So many steps of a run that don't return, and the rest of it is left out. A hang costs its
-// timeout, a crash next to nothing.
-constexpr size_t kCrashesPerRun = 10;
-constexpr size_t kHangsPerRun = 2;
-constexpr size_t kHangsInAll = 15;
-
-struct RunEnded {};
-
-struct LoadFailure {
-  char text[1024];
-};
-
-Finding FindingOf(Loss::Kind kind) {
-  switch (kind) {
-    case Loss::Kind::kCrash:
-      return Finding::kCrash;
-    case Loss::Kind::kExit:
-      return Finding::kExit;
-    case Loss::Kind::kHang:
-      break;
-  }
-  return Finding::kHang;
-}
-
-}  // namespace
 
 Case CaseOf(const std::string& words, const Joints& joints) {
   return {words, {{"joints", {joints.begin(), joints.end()}}}};
@@ -46,138 +16,94 @@ Case CaseOf(const std::string& words, const IkRequest& request) {
   Case shown{words};
   if (request.from) shown = CaseOf(words, *request.from);
   const Pose& pose = request.pose;
-  shown.numbers.push_back({"eetrans", {pose.position, pose.position + 3}});
-  shown.numbers.push_back({"eerot", {pose.rotation, pose.rotation + 9}});
+  shown.numbers.push_back({"eetrans", {pose.position.data(), pose.position.data() + 3}});
+  shown.numbers.push_back({"eerot", {pose.rotation.data(), pose.rotation.data() + 9}});
   return shown;
 }
 
-Session::Session(const Options& options_in, Report& report_in)
-    : options(options_in),
-      report(report_in),
-      library_(options.library),
-      sandbox_(options.timeout_s),
-      engine_(options.seed) {}
-
-void Session::Run(size_t count, const std::function<void(const Solver&, size_t)>& step,
-                  const std::function<Case(size_t, std::string)>& case_of) {
-  size_t crashes = 0;
-  size_t hangs = 0;
-  const auto on_loss = [&](const Loss& loss) {
-    report.Judge(FindingOf(loss.kind), false, [&] { return case_of(loss.step, loss.how); });
-    ++lost_;
-    const bool hang = loss.kind == Loss::Kind::kHang;
-    ++(hang ? hangs : crashes);
-    if (hang && ++hangs_ >= kHangsInAll) throw GivenUp("too many calls have not returned");
-    if (hangs >= kHangsPerRun || crashes >= kCrashesPerRun) throw RunEnded();
-  };
-  SharedArray<LoadFailure> failure(1);
-  const auto load_and_step = [&](size_t i) {
-    try {
-      step(library_.Get(), i);
-    } catch (const LoadError& error) {
-      std::strncpy(failure[0].text, error.what(), sizeof(failure[0].text) - 1);
-    }
-  };
-  Printed printed;
-  try {
-    printed = sandbox_.Run(count, load_and_step, on_loss);
-  } catch (const RunEnded&) {
-  }
-  if (failure[0].text[0] != '\0') {
-    throw io::UsageError(fmt::format("cannot load {}", failure[0].text));
-  }
-  report.Judge(Finding::kPrints, printed.text.empty(), [&] {
-    return case_of(printed.step, fmt::format("wrote \"{}\"", printed.text.substr(0, 200)));
-  });
+Session::Session(const Options& options_in, Exchange& exchange, double reach_in)
+    : options(options_in), reach(reach_in), exchange_(exchange), engine_(options.seed) {
+  Run("when loaded and queried",
+      [this](const Solver&) { solver_ = Solver::Load(options.library); });
 }
 
-template <typename Answer>
-void Session::JudgeEnds(const SharedArray<Answer>& answers,
-                        const std::function<bool(size_t)>& finite,
-                        const std::function<Case(size_t, std::string)>& case_of) {
-  for (size_t i = 0; i < answers.size(); ++i) {
-    const Answer& answer = answers[i];
-    if (answer.outcome == Outcome::kNotRun) continue;  // lost, which is judged, or left out
-    report.Passed(Finding::kCrash);
-    report.Passed(Finding::kExit);
-    report.Judge(Finding::kHang, answer.outcome != Outcome::kEndless,
-                 [&] { return case_of(i, "adds solutions without end"); });
-    report.Judge(finite(i) ? Finding::kException : Finding::kThrowsNonFinite,
-                 answer.outcome != Outcome::kThrew,
-                 [&] { return case_of(i, fmt::format("threw \"{}\"", answer.what)); });
-  }
+void Session::Run(const char* what, const std::function<void(const Solver&)>& calls) {
+  exchange_.NoteCall(what);
+  calls(solver_);
+  JudgeProcess([&](const std::string& words) { return Case{what + (": " + words)}; });
 }
 
-SharedArray<FkAnswer> Session::Forward(const std::vector<Joints>& joints) {
-  SharedArray<FkAnswer> answers(joints.size());
-  const auto case_of = [&](size_t i, const std::string& words) {
-    return CaseOf("ComputeFk: " + words, joints[i]);
+std::optional<Pose> Session::Forward(const Joints& joints) {
+  const auto case_of = [&](const std::string& words) {
+    return CaseOf("ComputeFk: " + words, joints);
   };
-  Run(
-      joints.size(), [&](const Solver& solver, size_t i) { solver.Forward(joints[i], answers[i]); },
-      case_of);
-  JudgeEnds(
-      answers, [&](size_t i) { return AllFinite(joints[i]); }, case_of);
-  for (size_t i = 0; i < answers.size(); ++i) JudgePose(joints[i], answers[i]);
-  return answers;
-}
+  exchange_.NoteCall("ComputeFk", &joints);
+  const FkAnswer answer = solver_.Forward(joints);
+  // There is no right answer to joints that aren't finite.
+  const bool finite_joints = AllFinite(joints);
+  JudgeEnd(answer, finite_joints, case_of);
+  if (!answer.returned()) return std::nullopt;
+  if (!finite_joints) return answer.pose;
 
-// There is no right answer to joints that aren't finite.
-void Session::JudgePose(const Joints& joints, FkAnswer& answer) {
-  if (answer.outcome != Outcome::kReturned || !AllFinite(joints)) return;
   const bool finite = AllFinite(answer.pose);
   const double off = OffRotation(answer.pose.rotation);
   const bool pose = finite && off <= kLooseError;
   report.Judge(Finding::kForwardNotPose, pose, finite ? off : std::nan(""), [&] {
-    return CaseOf(finite ? fmt::format("ComputeFk: products of its columns off by {:.3g}", off)
-                         : "ComputeFk: not finite",
-                  joints);
+    return case_of(finite ? fmt::format("products of its columns off by {:.3g}", off)
+                          : "not finite");
   });
-  if (!pose) answer.outcome = Outcome::kNoPose;
+  return pose ? std::optional(answer.pose) : std::nullopt;
 }
 
-SharedArray<IkAnswer> Session::Solve(const std::vector<IkRequest>& requests) {
-  SharedArray<IkAnswer> answers(requests.size());
-  const auto case_of = [&](size_t i, const std::string& words) {
-    return CaseOf("ComputeIk: " + words, requests[i]);
+IkAnswer Session::Solve(const IkRequest& request) {
+  const auto case_of = [&](const std::string& words) {
+    return CaseOf("ComputeIk: " + words, request);
   };
-  Run(
-      requests.size(),
-      [&](const Solver& solver, size_t i) {
-        solver.Solve(requests[i].pose, requests[i].standing, answers[i]);
-      },
-      case_of);
-  JudgeEnds(
-      answers, [&](size_t i) { return AllFinite(requests[i].pose); }, case_of);
-  for (size_t i = 0; i < answers.size(); ++i) {
-    if (answers[i].outcome == Outcome::kReturned) JudgeContract(requests[i], answers[i]);
-  }
-  if (report.Count(Finding::kSolutionLayout) > 0) throw GivenUp("its solutions can't be read");
-  return answers;
-}
-
-void Session::JudgeLayout(const IkRequest& request, const IkAnswer& answer) {
-  if (answer.added == 0) return;  // nothing to see
-  constexpr size_t kPolymorphicBytes = 6 * 32;
-  report.Judge(Finding::kSolutionLayout, answer.odd_bytes == 0, [&] {
-    return CaseOf(fmt::format("a solution of {} bytes{}", answer.odd_bytes,
-                              answer.odd_bytes == kPolymorphicBytes
-                                  ? ": six entries of 32, so the solver was built with a header of "
-                                    "late 0x1000004b or after; build it again with an earlier one"
-                                  : ""),
-                  request);
-  });
-}
-
-void Session::JudgeContract(const IkRequest& request, const IkAnswer& answer) {
-  JudgeLayout(request, answer);
+  exchange_.NoteCall("ComputeIk", request.from ? &*request.from : nullptr, &request.pose);
+  IkAnswer answer = solver_.Solve(request.pose, request.standing);
+  JudgeEnd(answer, AllFinite(request.pose), case_of);
+  if (!answer.returned()) return answer;
+  if (answer.added > 0) JudgeLayout(answer, case_of);
   // What a list that isn't empty makes of the result is judged by a check of its own.
-  if (request.standing > 0) return;
+  if (request.standing > 0) return answer;
   report.Judge(Finding::kAppendsOnFailure, answer.found || answer.added == 0, [&] {
     return CaseOf(fmt::format("returned false, added {}", answer.added), request);
   });
   report.Judge(Finding::kTrueWithoutSolution, !answer.found || answer.added > 0,
                [&] { return CaseOf("returned true, added nothing", request); });
+  return answer;
+}
+
+void Session::JudgeLayout(const IkAnswer& answer, const CaseMaker& case_of) {
+  constexpr size_t kPolymorphicBytes = 6 * 32;
+  report.Judge(Finding::kSolutionLayout, answer.odd_bytes == 0, [&] {
+    return case_of(
+        fmt::format("a solution of {} bytes{}", answer.odd_bytes,
+                    answer.odd_bytes == kPolymorphicBytes
+                        ? ": six entries of 32, so the solver was built with a header of "
+                          "late 0x1000004b or after; build it again with an earlier one"
+                        : ""));
+  });
+  if (answer.odd_bytes > 0) throw GivenUp("its solutions can't be read");
+}
+
+void Session::JudgeEnd(const CallEnd& end, bool finite, const CaseMaker& case_of) {
+  report.Passed(Finding::kCrash);
+  report.Passed(Finding::kExit);
+  report.Judge(Finding::kHang, end.outcome != CallEnd::Outcome::kEndless,
+               [&] { return case_of("adds solutions without end"); });
+  report.Judge(finite ? Finding::kException : Finding::kThrowsNonFinite,
+               end.outcome != CallEnd::Outcome::kThrew,
+               [&] { return case_of(fmt::format("threw \"{}\"", end.what)); });
+  JudgeProcess(case_of);
+}
+
+// What a call has done to the process.
+void Session::JudgeProcess(const CaseMaker& case_of) {
+  const bool first = exchange_.HasOutput() && report.Count(Finding::kPrints) == 0;
+  report.Judge(Finding::kPrints, !first, [&] {
+    return case_of(fmt::format("wrote \"{}\"", exchange_.Output().substr(0, 200)));
+  });
 }
 
 Joints Session::RandomJoints() {
@@ -190,6 +116,14 @@ std::vector<Joints> Session::RandomJoints(size_t count) {
   std::vector<Joints> sets(count);
   for (Joints& joints : sets) joints = RandomJoints();
   return sets;
+}
+
+std::vector<IkRequest> Session::RandomPoses(size_t count) {
+  std::vector<IkRequest> requests;
+  for (const Joints& joints : RandomJoints(count)) {
+    if (const auto pose = Forward(joints)) requests.push_back({*pose, joints});
+  }
+  return requests;
 }
 
 }  // namespace qal::ikcheck

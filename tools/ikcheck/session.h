@@ -8,9 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "exchange.h"
 #include "report.h"
-#include "sandbox.h"
-#include "shared_array.h"
 #include "solver.h"
 
 namespace qal::ikcheck {
@@ -22,18 +21,20 @@ struct IkRequest {
   size_t standing = 0;              ///< entries that the list has beforehand
 };
 
-/// A joint set that is singular, and the joint that leads away from there.
-struct Singularity {
-  Joints joints;
-  size_t joint;
-};
-
 /// The arm that a library should be for.
 struct DescribedArm {
   std::string name;
   std::string file;  ///< what messages call it
   std::string kind;  ///< as in io::ArmFile
   std::function<Pose(const Joints&)> forward;
+};
+
+struct Options {
+  std::string library;
+  size_t poses = 20000;
+  unsigned seed = 1;
+  double timeout_s = 2.0;
+  std::optional<DescribedArm> arm = {};
 };
 
 /// There is no point in going on; the text says why.
@@ -45,61 +46,47 @@ struct GivenUp : std::runtime_error {
 Case CaseOf(const std::string& words, const Joints& joints);
 Case CaseOf(const std::string& words, const IkRequest& request);
 
-/// Calls the library under test in a child process and judges how each call ends and whether it
+/// Calls the library under test, in a child process, and judges how each call ends and whether it
 /// keeps to the interface. What the answers are worth is for the checks to judge.
 class Session {
  public:
-  struct Options {
-    std::string library;
-    size_t poses = 20000;
-    unsigned seed = 1;
-    double timeout_s = 2.0;
-    std::optional<DescribedArm> arm = {};
-  };
+  /// Loads the library.
+  /// @param reach as below, as far as it is known
+  /// @throw UsageError when it can't be loaded
+  Session(const Options& options, Exchange& exchange, double reach = 1.0);
 
-  Session(const Options& options, Report& report);
+  /// The pose of a joint set; nothing when the call didn't return, or what it gave for finite
+  /// joints is no pose.
+  std::optional<Pose> Forward(const Joints& joints);
+  /// Solutions of a pose.
+  /// @throw GivenUp when they can't be read
+  IkAnswer Solve(const IkRequest& request);
+  /// Calls of the solver that aren't judged one by one.
+  /// @param what for `Exchange::NoteCall`
+  void Run(const char* what, const std::function<void(const Solver&)>& calls);
 
-  /// Poses of joint sets, in one child as long as it lives.
-  /// @throw GivenUp after too many calls that didn't return
-  SharedArray<FkAnswer> Forward(const std::vector<Joints>& joints);
-  /// Solutions of poses, likewise.
-  /// @throw GivenUp also when the solutions can't be read
-  SharedArray<IkAnswer> Solve(const std::vector<IkRequest>& requests);
-  /// Steps of any kind. When too many don't return, the rest is left out.
-  /// @param case_of what is found of a step is shown with this
-  /// @throw UsageError when the library can't be loaded
-  void Run(size_t count, const std::function<void(const Solver&, size_t)>& step,
-           const std::function<Case(size_t, std::string)>& case_of);
-
-  /// Six joints between -180 and 180 degrees.
+  /// Six joints between -180 and 180 degrees. Each session draws the same ones again.
   Joints RandomJoints();
   std::vector<Joints> RandomJoints(size_t count);
+  /// Poses of as many of them, those left out that ComputeFk gives none for.
+  std::vector<IkRequest> RandomPoses(size_t count);
   /// A number from -1 to 1.
   double Random() { return range_(engine_); }
 
-  /// Steps that haven't returned since `StartCheck`.
-  size_t lost() const { return lost_; }
-  void StartCheck() { lost_ = 0; }
-
-  const Options options;
-  Report& report;
-  double reach = 1.0;  ///< the farthest that the tool comes from the base's origin
-  std::vector<Singularity> singularities;  ///< as far as they have been looked for
+  const Options& options;
+  Report report;
+  double reach;  ///< the farthest that the tool comes from the base's origin
 
  private:
-  template <typename Answer>
-  void JudgeEnds(const SharedArray<Answer>& answers, const std::function<bool(size_t)>& finite,
-                 const std::function<Case(size_t, std::string)>& case_of);
-  void JudgePose(const Joints& joints, FkAnswer& answer);
-  void JudgeLayout(const IkRequest& request, const IkAnswer& answer);
-  void JudgeContract(const IkRequest& request, const IkAnswer& answer);
+  using CaseMaker = std::function<Case(std::string)>;
+  void JudgeEnd(const CallEnd& end, bool finite, const CaseMaker& case_of);
+  void JudgeLayout(const IkAnswer& answer, const CaseMaker& case_of);
+  void JudgeProcess(const CaseMaker& case_of);
 
-  Library library_;
-  Sandbox sandbox_;
+  Exchange& exchange_;
+  Solver solver_;
   std::mt19937_64 engine_;
   std::uniform_real_distribution<double> range_{-1.0, 1.0};
-  size_t lost_ = 0;
-  size_t hangs_ = 0;
 };
 
 }  // namespace qal::ikcheck

@@ -1,11 +1,11 @@
 #ifndef QAL_TOOLS_IKCHECK_SOLVER_H_
 #define QAL_TOOLS_IKCHECK_SOLVER_H_
 
+#include <Eigen/Core>
 #include <array>
 #include <cstddef>
-#include <optional>
-#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "../../src/kinematics/ikfast.h"
 
@@ -13,23 +13,26 @@ namespace qal::ikcheck {
 
 using Joints = std::array<double, 6>;  ///< [rad]
 
+using Rotation = Eigen::Matrix<double, 3, 3, Eigen::RowMajor>;
+
 /// A tool pose in the arm's base frame, as the solver takes and gives it.
 struct Pose {
-  double position[3];  ///< [the solver's length unit]
-  double rotation[9];  ///< row-major, tool frame to base frame
+  Eigen::Vector3d position = Eigen::Vector3d::Zero();  ///< [the solver's length unit]
+  Rotation rotation = Rotation::Zero();                ///< tool frame to base frame
 };
 
-/// How a call ended; kEndless: it would not stop adding solutions; kNoPose: what ComputeFk gave for
-/// finite joints is no pose, which the session sees.
-enum class Outcome { kNotRun = 0, kReturned, kThrew, kEndless, kNoPose };
+/// What any call of a solver may come to. kEndless: it would not stop adding solutions.
+struct CallEnd {
+  enum class Outcome { kReturned, kThrew, kEndless };
+  Outcome outcome = Outcome::kReturned;
+  std::string what = {};       ///< what was thrown
+  bool wrote_outside = false;  ///< beside its results, or over its arguments
+  bool returned() const { return outcome == Outcome::kReturned; }
+};
 
-constexpr size_t kWhatBytes = 80;
-
-/// What one call of ComputeFk did.
-struct FkAnswer {
-  Outcome outcome;
-  char what[kWhatBytes];  ///< what was thrown
-  Pose pose;              ///< NaN where nothing was written
+/// What one call of ComputeFk did. Of the pose NaN is left where nothing was written.
+struct FkAnswer : CallEnd {
+  Pose pose = {};
 };
 
 struct Solution {
@@ -37,25 +40,14 @@ struct Solution {
   bool free;      ///< depends on a free parameter all the same
 };
 
-/// More solutions than this are counted, not kept. A six-joint arm has 16 at most; at singularities
-/// solvers are known to repeat them.
-constexpr size_t kKeptSolutions = 64;
-
 /// What one call of ComputeIk did.
-struct IkAnswer {
-  Outcome outcome;
-  char what[kWhatBytes];  ///< what was thrown
-  bool found;             ///< what it returned
-  bool cleared;           ///< it called Clear()
-  size_t added;           ///< entries that it has added to those it left standing
-  size_t kept;            ///< entries in `solutions`
+struct IkAnswer : CallEnd {
+  bool found = false;    ///< what it returned
+  bool cleared = false;  ///< it called Clear()
+  size_t added = 0;      ///< entries that it has added to those it left standing
   /// Bytes of a solution's joint vector that weren't six entries of this interface; 0: all were.
-  size_t odd_bytes;
-  Solution solutions[kKeptSolutions];
-};
-
-struct LoadError : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  size_t odd_bytes = 0;
+  std::vector<Solution> solutions = {};  ///< of those added the ones that can be read
 };
 
 /// The functions of one loaded library. Null where there is none.
@@ -71,23 +63,14 @@ struct Solver {
   decltype(&ikfast::GetIkType) type = nullptr;
   decltype(&ikfast::GetKinematicsHash) hash = nullptr;
 
+  /// Loads a library. That runs its code: in child processes only.
+  /// @throw UsageError "cannot load " and the loader's reason
+  static Solver Load(const std::string& path);
+
   /// Never throws what the library throws.
-  void Forward(const Joints& joints, FkAnswer& answer) const;
+  FkAnswer Forward(const Joints& joints) const;
   /// @param standing empty entries that the list has beforehand
-  void Solve(const Pose& pose, size_t standing, IkAnswer& answer) const;
-};
-
-/// A library that is loaded when it is first used. That runs its code: in child processes
-/// only.
-class Library {
- public:
-  explicit Library(const std::string& path);
-  /// @throw LoadError with the loader's reason
-  const Solver& Get();
-
- private:
-  std::string path_;
-  std::optional<Solver> solver_;
+  IkAnswer Solve(const Pose& pose, size_t standing = 0) const;
 };
 
 }  // namespace qal::ikcheck
