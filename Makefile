@@ -1,8 +1,8 @@
 # Thin calls of the CMake presets. Each target first installs the Debian packages that it needs and
 # that are missing (as root, or through sudo).
 
-BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libfmt-dev libtinyxml2-dev libtomlplusplus-dev \
-              libyaml-dev nlohmann-json3-dev
+BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libtinyxml2-dev \
+              libtomlplusplus-dev libyaml-dev nlohmann-json3-dev
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 valgrind
 TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
              $(BENCH_DEPS)

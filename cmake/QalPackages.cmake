@@ -15,6 +15,7 @@ set(QAL_TOOL_PACKAGES
     CLI11=libcli11-dev
     Eigen3=libeigen3-dev
     fmt=libfmt-dev
+    libelf=libelf-dev
     libyaml=libyaml-dev
     nlohmann_json=nlohmann-json3-dev
     tinyxml2=libtinyxml2-dev

@@ -7,7 +7,6 @@
 #include <memory>
 
 #include "checks.h"
-#include "elf_file.h"
 #include "jacobian.h"
 
 namespace qal::ikcheck {
@@ -101,7 +100,7 @@ void JudgeQueries(Report& report, const Solver& solver) {
 
 void CheckInterface(Session& session, Row&) {
   session.Run("when loaded and queried", [&](const Solver& solver) {
-    JudgeNames(session.report, solver, ExportedFunctions(session.options.library));
+    JudgeNames(session.report, solver, session.functions);
     JudgeQueries(session.report, solver);
   });
 }

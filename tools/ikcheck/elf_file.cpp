@@ -1,11 +1,11 @@
 #include "elf_file.h"
 
-#include <elf.h>
+#include <fcntl.h>
 #include <fmt/format.h>
+#include <gelf.h>
+#include <unistd.h>
 
-#include <cstring>
-#include <fstream>
-#include <optional>
+#include <memory>
 
 #include "../../io/error.h"
 #include "../../io/files.h"
@@ -15,17 +15,10 @@ namespace qal::ikcheck {
 
 namespace {
 
-// The value at an offset, unless the file ends before.
-template <typename T>
-std::optional<T> At(const std::string& file, size_t offset) {
-  if (offset > file.size() || file.size() - offset < sizeof(T)) return std::nullopt;
-  T value;
-  std::memcpy(&value, file.data() + offset, sizeof(T));
-  return value;
-}
+using File = std::unique_ptr<Elf, decltype(&elf_end)>;
 
-std::string MachineName(const Elf64_Ehdr& header) {
-  switch (header.e_machine) {  // at the same place in 32-bit files
+std::string MachineName(const GElf_Ehdr& header) {
+  switch (header.e_machine) {
     case EM_386:
       return "x86, 32 bits";
     case EM_X86_64:
@@ -39,65 +32,73 @@ std::string MachineName(const Elf64_Ehdr& header) {
   }
 }
 
-bool SameMachine(const Elf64_Ehdr& a, const Elf64_Ehdr& b) {
+bool SameMachine(const GElf_Ehdr& a, const GElf_Ehdr& b) {
   return a.e_machine == b.e_machine && a.e_ident[EI_CLASS] == b.e_ident[EI_CLASS] &&
          a.e_ident[EI_DATA] == b.e_ident[EI_DATA];
 }
 
 // This program's own, which says what a library has to be for.
-Elf64_Ehdr OwnHeader() {
-  Elf64_Ehdr header = {};
-  std::ifstream("/proc/self/exe", std::ios::binary)
-      .read(reinterpret_cast<char*>(&header), sizeof(header));
+GElf_Ehdr OwnHeader() {
+  GElf_Ehdr header = {};
+  const int file = ::open("/proc/self/exe", O_RDONLY | O_CLOEXEC);
+  (void)gelf_getehdr(File(elf_begin(file, ELF_C_READ, nullptr), elf_end).get(), &header);
+  (void)::close(file);
   return header;
 }
 
-Elf64_Ehdr CheckedHeader(const std::string& path, const std::string& file) {
-  const auto header = At<Elf64_Ehdr>(file, 0);
-  if (!header || std::memcmp(header->e_ident, ELFMAG, SELFMAG) != 0) {
-    throw io::UsageError(path + ": not a shared library (no ELF file)");
+// Whether the file has all that its program headers would have loaded.
+bool IsWhole(Elf* file, const GElf_Ehdr& header, size_t size) {
+  for (int i = 0; i < header.e_phnum; ++i) {
+    GElf_Phdr part;
+    if (gelf_getphdr(file, i, &part) == nullptr || part.p_offset > size ||
+        part.p_filesz > size - part.p_offset) {
+      return false;
+    }
   }
-  const Elf64_Ehdr own = OwnHeader();
-  if (!SameMachine(*header, own)) {
-    throw io::UsageError(fmt::format("{}: built for {}, this machine's programs are {}", path,
-                                     MachineName(*header), MachineName(own)));
-  }
-  if (header->e_type != ET_DYN) {
-    throw io::UsageError(
-        fmt::format("{}: not a shared library but {}; link it with g++ -shared", path,
-                    header->e_type == ET_REL ? "an object file" : "another kind of ELF file"));
-  }
-  return *header;
+  return true;
 }
 
-void AppendFunctions(const std::string& file, const Elf64_Shdr& table, const Elf64_Shdr& names,
-                     std::vector<std::string>& functions) {
-  for (size_t offset = 0; offset < table.sh_size; offset += sizeof(Elf64_Sym)) {
-    const auto symbol = At<Elf64_Sym>(file, table.sh_offset + offset);
-    if (!symbol) return;
-    const size_t name = names.sh_offset + symbol->st_name;
-    if (ELF64_ST_TYPE(symbol->st_info) != STT_FUNC || symbol->st_shndx == SHN_UNDEF ||
-        name >= file.size()) {
-      continue;
-    }
-    functions.emplace_back(file, name, file.find('\0', name) - name);
+void CheckHeader(const std::string& path, Elf* file, size_t size) {
+  GElf_Ehdr header;
+  if (elf_kind(file) != ELF_K_ELF || gelf_getehdr(file, &header) == nullptr) {
+    throw io::UsageError(path + ": not a shared library (no ELF file)");
+  }
+  const GElf_Ehdr own = OwnHeader();
+  if (!SameMachine(header, own)) {
+    throw io::UsageError(fmt::format("{}: built for {}, this machine's programs are {}", path,
+                                     MachineName(header), MachineName(own)));
+  }
+  if (header.e_type != ET_DYN) {
+    throw io::UsageError(
+        fmt::format("{}: not a shared library but {}; link it with g++ -shared", path,
+                    header.e_type == ET_REL ? "an object file" : "another kind of ELF file"));
+  }
+  if (!IsWhole(file, header, size)) {
+    throw io::UsageError(fmt::format(
+        "{}: not a whole shared library, it is cut off after {} bytes; copy or link it again", path,
+        size));
   }
 }
 
 }  // namespace
 
 std::vector<std::string> ExportedFunctions(const std::string& path) {
-  const std::string file = io::ReadFile(path, io::kLargestLibrary);
-  const Elf64_Ehdr header = CheckedHeader(path, file);
-  const auto section = [&](size_t index) {
-    return At<Elf64_Shdr>(file, header.e_shoff + index * sizeof(Elf64_Shdr));
-  };
+  std::string bytes = io::ReadFile(path, io::kLargestLibrary);
+  (void)elf_version(EV_CURRENT);
+  const File file(elf_memory(bytes.data(), bytes.size()), elf_end);
+  CheckHeader(path, file.get(), bytes.size());
   std::vector<std::string> functions;
-  for (size_t i = 0; i < header.e_shnum; ++i) {
-    const auto table = section(i);
-    if (!table || table->sh_type != SHT_DYNSYM) continue;
-    if (const auto names = section(table->sh_link)) {
-      AppendFunctions(file, *table, *names, functions);
+  for (Elf_Scn* section = nullptr; (section = elf_nextscn(file.get(), section)) != nullptr;) {
+    GElf_Shdr header;
+    Elf_Data* const table = elf_getdata(section, nullptr);
+    if (gelf_getshdr(section, &header) == nullptr || header.sh_type != SHT_DYNSYM) continue;
+    GElf_Sym symbol;
+    for (int i = 0; gelf_getsym(table, i, &symbol) != nullptr; ++i) {
+      const char* const name = elf_strptr(file.get(), header.sh_link, symbol.st_name);
+      if (GELF_ST_TYPE(symbol.st_info) == STT_FUNC && symbol.st_shndx != SHN_UNDEF &&
+          name != nullptr) {
+        functions.emplace_back(name);
+      }
     }
   }
   return functions;

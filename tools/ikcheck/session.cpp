@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "elf_file.h"
 #include "measures.h"
 
 namespace qal::ikcheck {
@@ -22,7 +23,11 @@ Case CaseOf(const std::string& words, const IkRequest& request) {
 }
 
 Session::Session(const Options& options_in, Exchange& exchange, double reach_in)
-    : options(options_in), reach(reach_in), exchange_(exchange), engine_(options.seed) {
+    : options(options_in),
+      functions(ExportedFunctions(options.library)),
+      reach(reach_in),
+      exchange_(exchange),
+      engine_(options.seed) {
   Run("when loaded and queried",
       [this](const Solver&) { solver_ = Solver::Load(options.library); });
 }

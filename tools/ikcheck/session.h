@@ -50,9 +50,9 @@ Case CaseOf(const std::string& words, const IkRequest& request);
 /// keeps to the interface. What the answers are worth is for the checks to judge.
 class Session {
  public:
-  /// Loads the library.
+  /// Looks at the library's file and loads it.
   /// @param reach as below, as far as it is known
-  /// @throw UsageError when it can't be loaded
+  /// @throw UsageError when it is none or can't be loaded
   Session(const Options& options, Exchange& exchange, double reach = 1.0);
 
   /// The pose of a joint set; nothing when the call didn't return, or what it gave for finite
@@ -74,6 +74,7 @@ class Session {
   double Random() { return range_(engine_); }
 
   const Options& options;
+  const std::vector<std::string> functions;  ///< that the library exports, as its file says
   Report report;
   double reach;  ///< the farthest that the tool comes from the base's origin
 
