@@ -4,9 +4,14 @@
 // containers are exported.
 
 #include <sched.h>
+#if defined(__SSE__)
+#include <xmmintrin.h>
+#endif
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
+#include <cfenv>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
@@ -14,10 +19,12 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <map>
 #include <new>
 #include <numeric>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "../../solver/reference_arm.h"
@@ -78,9 +85,35 @@ void FillSharedMemory() {
   for (;;) (void)::sched_yield();
 }
 
+// Faults that show in what a call has done to its process.
+void Meddle() {
+  if (Is("rounds up")) (void)std::fesetround(FE_UPWARD);
+  if (Is("traps")) (void)::feenableexcept(FE_DIVBYZERO);
+  if (Is("other folder")) (void)!::chdir("/");
+  if (Is("own handler")) (void)std::signal(SIGTERM, SIG_IGN);
+  if (Is("closed output")) (void)::close(STDOUT_FILENO);
+  if (Is("leaves a process") && ::fork() == 0) {
+    (void)::setsid();
+    (void)::sleep(47);
+    std::_Exit(0);
+  }
+  static bool first = true;
+  if (Is("two of it") && std::exchange(first, false)) (void)::fork();
+  static std::atomic<char*> kept;
+  if (Is("overrun")) {
+    char* const memory = new char[24];
+    std::memset(memory, 0, static_cast<size_t>(std::atoi("28")));
+    delete[] memory;
+  }
+  if (Is("leak")) kept = new char[16];
+  static std::map<double, std::vector<char>> cache;
+  if (Is("cache") && cache.size() < 100) cache[static_cast<double>(cache.size())].resize(1000);
+}
+
 // Faults that show in how a call ends. Only poses low in front have them.
 void Misbehave(const double* eetrans, List& list) {
   if (!(eetrans[0] > 0.05 && eetrans[2] < 0.35)) return;
+  Meddle();
   if (Is("crash")) (void)std::raise(SIGSEGV);
   if (Is("exit")) std::_Exit(3);
   if (Is("exit 0 over all that is shared")) FillSharedMemory();
@@ -137,6 +170,10 @@ void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
     TakeForZero(solution);
     if (front) Spoil(solution);
   }
+  if (Is("wrong after 70") && front) {
+    solutions.resize(70, solutions[0]);
+    solutions.back()[0] += 0.1;
+  }
   if (Is("duplicate") && front) solutions.push_back(solutions[0]);
   if (Is("miss") && front) solutions.resize(1);
   if (Is("miss near 0")) Drop(solutions, 1e-9, 1e-4);
@@ -145,7 +182,8 @@ void Spoil(const double* eetrans, std::vector<Joints>& solutions) {
   if (Is("unsolved at 0") && std::fabs(std::sin(solutions[0][4])) < 1e-9) solutions.clear();
 
   static int calls = 0;
-  if (Is("drift") && ++calls % 7 == 0) solutions[0][0] = std::nextafter(solutions[0][0], 0.0);
+  const int period = Is("drift") ? 7 : Is("drift seldom") ? 5003 : 0;
+  if (period != 0 && ++calls % period == 0) solutions[0][0] = std::nextafter(solutions[0][0], 0.0);
   static Joints shared;
   if (Is("shared buffer")) {
     shared = solutions[0];
@@ -209,7 +247,9 @@ void Add(const std::vector<Joints>& solutions, List& list) {
 struct AtLoad {
   AtLoad() {
     if (Is("print at load")) std::puts("\xFFhello");
-    if (Is("exit at load")) std::_Exit(0);
+#if defined(__SSE__)
+    if (Is("flush at load")) _mm_setcsr(_mm_getcsr() | 0x8040);  // as -ffast-math does
+#endif
     if (Is("crash at load")) (void)std::raise(SIGABRT);
   }
 } at_load;
@@ -230,6 +270,7 @@ bool ComputeIk(const double* eetrans, const double* eerot, const double*, List& 
   for (const Joints& joints : rotation ? Solve(kArm, target) : Solutions()) {
     solutions.push_back(joints);
   }
+  if (Is("writes to its pose")) const_cast<double*>(eerot)[8] += 1e-12;
   bool found = !solutions.empty();
   if (found) {
     Spoil(position, solutions);
@@ -261,6 +302,8 @@ void ComputeFk(const double* joints, double* eetrans, double* eerot) {
   const Frame tool = Forward(kArm, moved.data());
   std::copy(tool.position.element, tool.position.element + 3, eetrans);
   for (int i = 0; i < 9; ++i) eerot[i] = tool.rotation[i / 3][i % 3];
+  if (Is("position of four")) eetrans[3] = 1;
+  if (Is("rotation of sixteen")) eerot[15] = 1;
   if (Is("nan forward") && moved[0] > 2) eetrans[1] = std::nan("");
   if (Is("skewed forward")) eerot[0] += 1e-8;
   for (int i = 0; i < 3 && Is("longer tool"); ++i) eetrans[i] += 0.1 * eerot[3 * i + 2];

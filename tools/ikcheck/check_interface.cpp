@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 
 #include "checks.h"
@@ -61,7 +62,9 @@ class Queries {
  private:
   static Json Shown(int value) { return value; }
   static Json Shown(const char* text) {
-    return text != nullptr && *text != '\0' ? Json(text) : Json(kNotTold);
+    constexpr size_t kShownBytes = 128;
+    if (text == nullptr || *text == '\0') return kNotTold;
+    return std::string(text, ::strnlen(text, kShownBytes));
   }
   static constexpr char kNotTold[] = "not told";
 };

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <csignal>
+#include <cstring>
 
 #include "../../io/error.h"
 #include "child.h"
@@ -31,6 +32,7 @@ constexpr Check kChecks[] = {
     {"list with entries beforehand", CheckStandingEntries},
     {"repeated calls", CheckRepeatedCalls},
     {"two threads", CheckTwoThreads},
+    {"heap", CheckHeap},
     {"arm as described", CheckArm},
     {"time per call, on this machine", CheckTime},
 };
@@ -55,6 +57,7 @@ Bytes Answer(const Check& check, const Options& options, double reach, Exchange&
     } catch (const GivenUp& reason) {
       answer["stopped"] = reason.what();
     }
+    session.JudgeState();
     answer["row"] = row.values;
     answer["interface"] = session.report.interface;
     answer["judgements"] = session.report.Judgements();
@@ -63,6 +66,18 @@ Bytes Answer(const Check& check, const Options& options, double reach, Exchange&
     answer["refused"] = error.what();
   }
   return Json::to_cbor(answer);
+}
+
+// The line in which an allocator says that the heap is damaged; empty when there is none.
+std::string HeapComplaint(const std::string& output) {
+  for (const char* words :
+       {"free(): ", "malloc(): ", "realloc(): ", "malloc: ", "malloc_consolidate(): ",
+        "munmap_chunk(): ", "corrupted size vs. prev_size", "double free or corruption",
+        "AddressSanitizer: heap-", "AddressSanitizer: attempting "}) {
+    const size_t at = output.find(words);
+    if (at != std::string::npos) return output.substr(at, output.find('\n', at) - at);
+  }
+  return "";
 }
 
 // Runs the checks one by one, and puts their answers together.
@@ -80,13 +95,21 @@ class Checker {
   Report Run() {
     for (const Check& check : kChecks) {
       Exchange exchange;
-      ChildEnd end =
-          runner_.Run(exchange, [&] { return Answer(check, options_, reach_, exchange); });
+      ChildEnd end = runner_.Run(exchange, [&] {
+        if (check.run == CheckHeap) StartWithHeapChecker(options_, exchange);
+        return Answer(check, options_, reach_, exchange);
+      });
       if (end.kind == ChildEnd::Kind::kAnswered && !Take(check, end.answer)) {
         end.kind = ChildEnd::Kind::kExit;
         end.how = "no answer that can be read";
       }
-      if (end.kind != ChildEnd::Kind::kAnswered) TakeLoss(check, end, exchange.Call());
+      if (end.kind != ChildEnd::Kind::kAnswered) {
+        TakeLoss(check, end, exchange.Call());
+      } else {
+        report_.Judge(Finding::kProcess, !end.left_processes, [&] {
+          return Case{fmt::format("\"{}\": processes that go on", check.name)};
+        });
+      }
       if (!report_.stopped.empty()) break;
     }
     if (report_.Judged(Finding::kSolutionLayout) > report_.Count(Finding::kSolutionLayout)) {
@@ -114,10 +137,12 @@ class Checker {
   }
 
   void TakeLoss(const Check& check, const ChildEnd& end, const CallNote& call) {
-    const Finding finding = end.kind == ChildEnd::Kind::kCrash  ? Finding::kCrash
-                            : end.kind == ChildEnd::Kind::kExit ? Finding::kExit
-                                                                : Finding::kHang;
-    const std::string words = call.what + ": " + end.how;
+    const std::string heap = end.kind == ChildEnd::Kind::kHang ? "" : HeapComplaint(end.output);
+    const Finding finding = !heap.empty()                        ? Finding::kHeap
+                            : end.kind == ChildEnd::Kind::kCrash ? Finding::kCrash
+                            : end.kind == ChildEnd::Kind::kExit  ? Finding::kExit
+                                                                 : Finding::kHang;
+    const std::string words = call.what + ": " + end.how + (heap.empty() ? "" : ", " + heap);
     report_.Judge(finding, false, [&] {
       if (call.pose) return CaseOf(words, IkRequest{*call.pose, call.joints});
       return call.joints ? CaseOf(words, *call.joints) : Case{words};
@@ -141,6 +166,16 @@ class Checker {
 };
 
 }  // namespace
+
+void RunHeapCheck(int argc, const char* const* argv) {
+  if (argc != 5 || std::strcmp(argv[1], kHeapOption) != 0) return;
+  Options options;
+  options.library = argv[3];
+  options.seed = static_cast<unsigned>(std::stoul(argv[4]));
+  Exchange exchange(std::stoi(argv[2]));
+  exchange.Enter();
+  exchange.Answer(Answer({"heap", CheckHeap}, options, 1.0, exchange));
+}
 
 Report RunChecks(const Options& options) try {
   return Checker(options).Run();

@@ -16,6 +16,8 @@
 #include <iterator>
 #include <system_error>
 
+#include "sanitized.h"
+
 namespace qal::ikcheck {
 
 namespace {
@@ -34,7 +36,7 @@ void Limit(__rlimit_resource resource, rlim_t most) {
 
 // Far above what a solver needs, below what brings a machine to a halt.
 void SetLimits(double whole_s) {
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // these reserve terabytes
+#ifndef QAL_SANITIZER
   Limit(RLIMIT_AS, rlim_t{4} << 30);
 #endif
   Limit(RLIMIT_FSIZE, Exchange::kOutputBytes);

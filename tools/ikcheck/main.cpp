@@ -118,6 +118,7 @@ void Describe(CLI::App& app, Arguments& arguments) {
 
 // NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message
 int main(int argc, char** argv) {
+  ikcheck::RunHeapCheck(argc, argv);
   Arguments arguments;
   return tools::RunTool("ikcheck", tools::ArgumentsOf(argc, argv),
                         [&](CLI::App& app) { Describe(app, arguments); });

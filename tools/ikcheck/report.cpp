@@ -117,8 +117,10 @@ Json Report::Judgements() const {
   for (size_t i = 0; i < kFindingCount; ++i) {
     const Tally& tally = tallies_[i];
     if (tally.judged == 0) continue;
-    judgements.push_back(
-        {i, tally.judged, tally.bad, tally.badness, tally.worst.words, tally.worst.numbers});
+    // Names of a library's functions may be of any length and number.
+    constexpr size_t kWordsBytes = 4000;
+    judgements.push_back({i, tally.judged, tally.bad, tally.badness,
+                          tally.worst.words.substr(0, kWordsBytes), tally.worst.numbers});
   }
   return judgements;
 }

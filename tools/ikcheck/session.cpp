@@ -100,6 +100,8 @@ void Session::JudgeEnd(const CallEnd& end, bool finite, const CaseMaker& case_of
   report.Judge(finite ? Finding::kException : Finding::kThrowsNonFinite,
                end.outcome != CallEnd::Outcome::kThrew,
                [&] { return case_of(fmt::format("threw \"{}\"", end.what)); });
+  report.Judge(Finding::kWritesOutside, !end.wrote_outside,
+               [&] { return case_of("wrote to its arguments, or to memory beside them"); });
   JudgeProcess(case_of);
 }
 
@@ -109,6 +111,15 @@ void Session::JudgeProcess(const CaseMaker& case_of) {
   report.Judge(Finding::kPrints, !first, [&] {
     return case_of(fmt::format("wrote \"{}\"", exchange_.Output().substr(0, 200)));
   });
+  const std::string odd = OddFloatingPointMode();
+  report.Judge(Finding::kFloatingPoint, odd.empty(), [&] { return case_of("changed: " + odd); });
+  // What is judged after it is right, and the next call to be seen.
+  if (!odd.empty()) ResetFloatingPointMode();
+}
+
+void Session::JudgeState() {
+  const std::string changed = Differences(state_before_, CurrentProcessState());
+  report.Judge(Finding::kProcess, changed.empty(), [&] { return Case{"changed: " + changed}; });
 }
 
 Joints Session::RandomJoints() {

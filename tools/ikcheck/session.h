@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "exchange.h"
+#include "process_state.h"
 #include "report.h"
 #include "solver.h"
 
@@ -65,6 +66,9 @@ class Session {
   /// @param what for `Exchange::NoteCall`
   void Run(const char* what, const std::function<void(const Solver&)>& calls);
 
+  /// What all calls together have done to the process. Judged at the end.
+  void JudgeState();
+
   /// Six joints between -180 and 180 degrees. Each session draws the same ones again.
   Joints RandomJoints();
   std::vector<Joints> RandomJoints(size_t count);
@@ -85,6 +89,7 @@ class Session {
   void JudgeProcess(const CaseMaker& case_of);
 
   Exchange& exchange_;
+  const ProcessState state_before_ = CurrentProcessState();
   Solver solver_;
   std::mt19937_64 engine_;
   std::uniform_real_distribution<double> range_{-1.0, 1.0};

@@ -97,7 +97,8 @@ void Watch(CallEnd& end, Call call) {
     call();
   } catch (const std::exception& error) {
     end.outcome = Outcome::kThrew;
-    end.what = error.what();
+    constexpr size_t kWhatBytes = 200;
+    end.what.assign(error.what(), ::strnlen(error.what(), kWhatBytes));
   } catch (const Endless&) {
     end.outcome = Outcome::kEndless;
   } catch (...) {
