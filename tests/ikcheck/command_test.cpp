@@ -101,6 +101,23 @@ TEST_F(IkcheckCommand, TakesTheLibraryAndTheArmFromAFileOfAnArm) {
   }
 }
 
+// A lock is held as long as any process has its file open, among them one that a solver has started
+// and moved to a session of its own.
+TEST_F(IkcheckCommand, StopsWithNothingLeftBehind) {
+  const ToolRun run = Shell(
+      "{ QAL_FOREIGN_FAULT='hang, deaf' timeout --preserve-status -s INT 1 " QAL_IKCHECK
+      " --timeout 30 " QAL_FAULTY_SOLVER "; echo $?; flock 9; } 9>lock; flock -n lock echo free");
+  EXPECT_EQ(run.out, "130\nfree\n") << run.err;
+}
+
+TEST_F(IkcheckCommand, ShowsProgressOnATerminal) {
+  const std::string shown =
+      Shell("script -qec '" QAL_IKCHECK " --poses 10 " QAL_SOUND_SOLVER " >report' /dev/null").out;
+  EXPECT_EQ(shown.rfind("\r\033[Kikcheck: check 1 of 17, interface", 0), 0u) << shown;
+  EXPECT_EQ(shown.substr(shown.rfind('\r')), "\r\033[K");
+  EXPECT_EQ(FileContent("report").rfind("ikcheck " QAL_SOUND_SOLVER "\n", 0), 0u);
+}
+
 TEST_F(IkcheckCommand, SaysInOneLineWhatItCannotUse) {
   const std::string missing = QAL_LIBRARIES "/libwants_missing.so";
   const std::pair<std::string, std::string> kRefused[] = {
@@ -111,6 +128,8 @@ TEST_F(IkcheckCommand, SaysInOneLineWhatItCannotUse) {
       {kFaulty + "--arm " QAL_SOUND_SOLVER,
        QAL_SOUND_SOLVER ": a solver library without a description; a URDF or a table is expected"},
       {missing, "cannot load " + missing + ": undefined symbol: _Z14NowhereDefinedv"},
+      {kFaulty + "--timeout nan",
+       "--timeout: Value nan not in range 0.1 to 3600; ikcheck --help says how"},
       {kFaulty + "--poses 0",
        "--poses: Value 0 not in range 1 to 10000000; ikcheck --help says how"},
   };

@@ -92,13 +92,13 @@ void Meddle() {
   if (Is("other folder")) (void)!::chdir("/");
   if (Is("own handler")) (void)std::signal(SIGTERM, SIG_IGN);
   if (Is("closed output")) (void)::close(STDOUT_FILENO);
-  if (Is("leaves a process") && ::fork() == 0) {
+  static bool forked = false;
+  const bool leaves = Is("leaves a process");
+  if ((leaves || Is("two of it")) && !std::exchange(forked, true) && ::fork() == 0 && leaves) {
     (void)::setsid();
     (void)::sleep(47);
     std::_Exit(0);
   }
-  static bool first = true;
-  if (Is("two of it") && std::exchange(first, false)) (void)::fork();
   static std::atomic<char*> kept;
   if (Is("overrun")) {
     char* const memory = new char[24];

@@ -1,9 +1,12 @@
 #include "checks.h"
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 #include <cstring>
+#include <iterator>
 
 #include "../../io/error.h"
 #include "child.h"
@@ -80,6 +83,21 @@ std::string HeapComplaint(const std::string& output) {
   return "";
 }
 
+// Says on a terminal which check runs, in one line that is gone at the end.
+class Progress {
+ public:
+  Progress() = default;
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  ~Progress() { Show(""); }
+  void Show(const std::string& text) const {
+    if (terminal_) (void)std::fputs(("\r\033[K" + text).c_str(), stderr);
+  }
+
+ private:
+  bool terminal_ = ::isatty(STDERR_FILENO) == 1;
+};
+
 // Runs the checks one by one, and puts their answers together.
 class Checker {
  public:
@@ -94,6 +112,8 @@ class Checker {
 
   Report Run() {
     for (const Check& check : kChecks) {
+      progress_.Show(fmt::format("ikcheck: check {} of {}, {}", &check - kChecks + 1,
+                                 std::size(kChecks), check.name));
       Exchange exchange;
       ChildEnd end = runner_.Run(exchange, [&] {
         if (check.run == CheckHeap) StartWithHeapChecker(options_, exchange);
@@ -161,6 +181,7 @@ class Checker {
 
   const Options& options_;
   ChildRunner runner_;
+  Progress progress_;
   double reach_ = 1.0;
   Report report_;
 };

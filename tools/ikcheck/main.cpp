@@ -3,6 +3,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "../../io/error.h"
@@ -82,6 +83,16 @@ std::string Version(const Arguments& arguments) {
       subject.library.empty() ? "none named" : subject.library);
 }
 
+// CLI::Range takes NaN for in range.
+CLI::Validator Seconds(double least, double most) {
+  const auto check = [=](const std::string& text) {
+    double value = std::numeric_limits<double>::quiet_NaN();
+    const bool good = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
+    return good ? "" : fmt::format("Value {} not in range {} to {}", text, least, most);
+  };
+  return {check, fmt::format("FLOAT in [{} - {}]", least, most)};
+}
+
 void Describe(CLI::App& app, Arguments& arguments) {
   app.description(
       "Checks a solver library, libik.so, in a process of its own, so that nothing it does ends\n"
@@ -103,7 +114,7 @@ void Describe(CLI::App& app, Arguments& arguments) {
       ->capture_default_str();
   app.add_option("--seed", options.seed, "of the random numbers")->capture_default_str();
   app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
-      ->check(CLI::Range(0.1, 3600.0))
+      ->check(Seconds(0.1, 3600.0))
       ->capture_default_str();
   tools::AddReadOptions(app, arguments.read);
   app.add_flag("--json", arguments.json, "JSON instead of the table");
