@@ -34,8 +34,8 @@ TEST(Report, KeepsTheWorstCase) {
   // Another report's, as a child sends it, is counted like its cases.
   Report both;
   both.Judge(Finding::kWrongSolution, false, 9.0, [] { return Case{"ours"}; });
-  both.Add(Json::from_cbor(Json::to_cbor(report.Judgements())));
-  both.Add(report.Judgements());
+  both.Add(Json::from_cbor(Json::to_cbor(report.Packed())));
+  both.Add(report.Packed());
   const Json sum = both.ToJson()["findings"][0];
   EXPECT_EQ(sum["count"], 15);
   EXPECT_EQ(sum["of"], 17);

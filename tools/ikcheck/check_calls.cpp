@@ -33,6 +33,7 @@ std::vector<RecordedCall> RecordCalls(Session& session, size_t count) {
 // To the last bit, which takes NaN for the same as itself.
 template <typename T>
 bool SameBits(const T& a, const T& b) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): see above
   return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 bool Same(const IkAnswer& a, const IkAnswer& b) {
@@ -42,32 +43,26 @@ bool Same(const IkAnswer& a, const IkAnswer& b) {
              [](const Solution& x, const Solution& y) { return SameBits(x.joints, y.joints); });
 }
 
-// Repeats calls, one after the other, and compares with the answers before.
-class Repeater {
- public:
-  Repeater(const Solver& solver, const std::vector<RecordedCall>& recorded, bool backwards)
-      : solver_(solver), recorded_(recorded), backwards_(backwards) {}
-
-  void Repeat() {
-    const size_t i = calls++ % recorded_.size();
-    const RecordedCall& call = recorded_[backwards_ ? recorded_.size() - 1 - i : i];
-    const bool same = Same(solver_.Solve(call.request.pose), call.answer) &&
-                      SameBits(solver_.Forward(*call.request.from).pose, call.request.pose);
-    if (!same && different++ == 0) first_different = &call.request;
-  }
-  void RepeatUntil(Clock::time_point end) {
-    while (Clock::now() < end) Repeat();
-  }
-
+// How calls compare with the same ones before.
+struct Repeats {
   size_t calls = 0;
   size_t different = 0;
-  const IkRequest* first_different = nullptr;
-
- private:
-  const Solver& solver_;
-  const std::vector<RecordedCall>& recorded_;
-  bool backwards_;
+  const IkRequest* last_different = nullptr;
 };
+
+void RepeatUntil(Clock::time_point end, const Solver& solver,
+                 const std::vector<RecordedCall>& recorded, bool backwards, Repeats& repeats) {
+  while (Clock::now() < end) {
+    const size_t i = repeats.calls++ % recorded.size();
+    const auto& [request, answer] = recorded[backwards ? recorded.size() - 1 - i : i];
+    if (Same(solver.Solve(request.pose), answer) &&
+        SameBits(solver.Forward(*request.from).pose, request.pose)) {
+      continue;
+    }
+    ++repeats.different;
+    repeats.last_different = &request;
+  }
+}
 
 // Nanoseconds of one call in a row of them.
 template <typename Call>
@@ -122,46 +117,37 @@ void CheckRepeatedCalls(Session& session, Row& row) {
   row.values["different"] = session.report.Count(Finding::kUnrepeatable);
 }
 
-// The same calls in the same order first from one thread: what differs there as well doesn't come
-// of the threads.
+// From one thread first: what differs there as well doesn't come of the threads.
 void CheckTwoThreads(Session& session, Row& row) {
   const std::vector<RecordedCall> recorded = RecordCalls(session, 500);
   if (recorded.empty()) return;
   // Long enough for both to run side by side on a busy machine.
   const auto duration = std::chrono::duration_cast<Clock::duration>(
       std::chrono::duration<double>(std::min(0.2, session.options.timeout_s / 3)));
-  const auto repeat = [&](Finding finding, const char* what, auto run) {
-    size_t calls = 0;
-    size_t different = 0;
+  for (const bool together : {false, true}) {
+    Repeats one;
+    Repeats other;
+    const char* const what = together ? "calls from two threads at once" : "calls from one thread";
     session.Run(what, [&](const Solver& solver) {
-      Repeater one(solver, recorded, false);
-      Repeater other(solver, recorded, true);
-      run(one, other, Clock::now() + duration);
-      calls = one.calls + other.calls;
-      different = one.different + other.different;
-      session.report.Judge(finding, different == 0, [&] {
-        return CaseOf(fmt::format("{}: {} of {} differ", what, different, calls),
-                      one.different > 0 ? *one.first_different : *other.first_different);
-      });
+      const auto end = Clock::now() + duration;
+      if (together) {
+        std::thread thread([&] { RepeatUntil(end, solver, recorded, true, other); });
+        RepeatUntil(end, solver, recorded, false, one);
+        thread.join();
+      } else {
+        RepeatUntil(end - duration / 2, solver, recorded, false, one);
+        RepeatUntil(end, solver, recorded, true, other);
+      }
     });
-    row.values["calls"] = calls;
+    const size_t different = one.different + other.different;
+    row.values["calls"] = one.calls + other.calls;
     row.values["different"] = different;
-    return different == 0;
-  };
-  const bool repeatable = repeat(Finding::kUnrepeatable, "calls from one thread",
-                                 [](Repeater& one, Repeater& other, Clock::time_point end) {
-                                   while (Clock::now() < end) {
-                                     one.Repeat();
-                                     other.Repeat();
-                                   }
-                                 });
-  if (!repeatable) return;
-  (void)repeat(Finding::kThreads, "calls from two threads at once",
-               [](Repeater& one, Repeater& other, Clock::time_point end) {
-                 std::thread thread([&] { other.RepeatUntil(end); });
-                 one.RepeatUntil(end);
-                 thread.join();
-               });
+    session.report.Judge(
+        together ? Finding::kThreads : Finding::kUnrepeatable, different == 0, [&] {
+          return CaseOf(fmt::format("{}: {} of {}", what, different, one.calls + other.calls),
+                        *(one.different > 0 ? one : other).last_different);
+        });
+  }
 }
 
 // The heap is looked at now and then: what is kept for good, or for the next call, comes with the

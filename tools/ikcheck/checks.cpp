@@ -49,26 +49,20 @@ double LongestCheck(const Options& options) {
   return options.timeout_s * (30 + static_cast<double>(options.poses) / 200);
 }
 
-// What a child answers: what it has found, in a form that keeps NaN and any text.
-Bytes Answer(const Check& check, const Options& options, double reach, Exchange& exchange) {
-  Json answer;
+// What a child answers, in a form that keeps NaN and any text.
+Bytes Answer(const Check& check, const Options& options, double reach, Exchange& exchange) try {
+  Session session(options, exchange, reach);
+  Row row{check.name};
   try {
-    Session session(options, exchange, reach);
-    Row row{check.name};
-    try {
-      check.run(session, row);
-    } catch (const GivenUp& reason) {
-      answer["stopped"] = reason.what();
-    }
-    session.JudgeState();
-    answer["row"] = row.values;
-    answer["interface"] = session.report.interface;
-    answer["judgements"] = session.report.Judgements();
-    answer["reach"] = session.reach;
-  } catch (const io::UsageError& error) {
-    answer["refused"] = error.what();
+    check.run(session, row);
+  } catch (const GivenUp& reason) {
+    session.report.stopped = fmt::format("at \"{}\": {}", check.name, reason.what());
   }
-  return Json::to_cbor(answer);
+  session.JudgeState();
+  if (!row.values.empty()) session.report.rows.push_back(row);
+  return Json::to_cbor({{"report", session.report.Packed()}, {"reach", session.reach}});
+} catch (const io::UsageError& error) {
+  return Json::to_cbor({{"refused", error.what()}});
 }
 
 // The line in which an allocator says that the heap is damaged; empty when there is none.
@@ -119,7 +113,7 @@ class Checker {
         if (check.run == CheckHeap) StartWithHeapChecker(options_, exchange);
         return Answer(check, options_, reach_, exchange);
       });
-      if (end.kind == ChildEnd::Kind::kAnswered && !Take(check, end.answer)) {
+      if (end.kind == ChildEnd::Kind::kAnswered && !Take(end.answer)) {
         end.kind = ChildEnd::Kind::kExit;
         end.how = "no answer that can be read";
       }
@@ -140,17 +134,13 @@ class Checker {
 
  private:
   // Whether it is an answer.
-  bool Take(const Check& check, const Bytes& bytes) try {
+  bool Take(const Bytes& bytes) try {
     const Json answer = Json::from_cbor(bytes);
     if (answer.contains("refused")) throw io::UsageError(answer["refused"].get<std::string>());
     Report report = report_;
-    report.Add(answer.at("judgements"));
-    report.interface.update(answer.at("interface"));
-    if (!answer.at("row").empty()) report.rows.push_back({check.name, answer["row"]});
-    const std::string stopped = answer.value("stopped", "");
+    report.Add(answer.at("report"));
     reach_ = answer.at("reach").get<double>();
     report_ = report;
-    if (!stopped.empty()) Stop(check, stopped);
     return true;
   } catch (const Json::exception&) {
     return false;
@@ -168,15 +158,11 @@ class Checker {
       return call.joints ? CaseOf(words, *call.joints) : Case{words};
     });
     report_.unfinished.emplace_back(check.name, end.how);
-    if (check.run == CheckInterface) {
-      Stop(check, "it can't be loaded or doesn't answer the queries");
-    } else if (report_.Count(Finding::kHang) >= kHangs) {
-      Stop(check, "too many calls have not returned");
-    }
-  }
-
-  void Stop(const Check& check, const std::string& why) {
-    report_.stopped = fmt::format("at \"{}\": {}", check.name, why);
+    const char* const why =
+        check.run == CheckInterface ? "it can't be loaded or doesn't answer the queries"
+        : report_.Count(Finding::kHang) >= kHangs ? "too many calls have not returned"
+                                                  : nullptr;
+    if (why != nullptr) report_.stopped = fmt::format("at \"{}\": {}", check.name, why);
   }
 
   const Options& options_;

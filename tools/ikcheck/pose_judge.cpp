@@ -111,29 +111,30 @@ void PoseJudge::JudgeDuplicates(const IkRequest& request, const std::vector<Join
   }
 }
 
-void PoseJudge::JudgeOriginal(const Original& original, const PoseResult& result) {
-  const double smallest = original.smallest;
+// A pose made from joints that are to be found again.
+// @param smallest     singular value of the Jacobian
+// @param self_motion  they may come back moved by it
+void PoseJudge::JudgeOriginal(const IkRequest& original, double smallest,
+                              const std::optional<Joints>& self_motion, const PoseResult& result) {
   const bool regular = smallest >= kRegularValue;
   const auto shown = [&](const std::string& words) {
     return ikcheck::CaseOf(fmt::format("{}, smallest singular value {:.3g}", words, smallest),
-                           original.request);
+                           original);
   };
   report_.Judge(regular ? Finding::kUnsolved : Finding::kUnsolvedSingular, result.solved,
                 [&] { return shown("no solution"); });
   if (!result.solved || !result.complete) return;
   // Such branches take other joints for these, and that is found already.
   if (!regular && result.lax) return;
-  if (smallest < kSingularValue && !original.self_motion) return;
+  if (smallest < kSingularValue && !self_motion) return;
 
   double nearest = 2 * kPi;
   for (const Joints& solution : result.solutions) {
-    const Joints& from = *original.request.from;
-    nearest =
-        std::min(nearest, original.self_motion ? OffLine(solution, from, *original.self_motion)
-                                               : Difference(solution, from));
+    nearest = std::min(nearest, self_motion ? OffLine(solution, *original.from, *self_motion)
+                                            : Difference(solution, *original.from));
   }
   // What is left of an error of the pose comes back in the joints divided by the singular value.
-  const double worst = original.self_motion ? kRegularValue : std::min(smallest, kRegularValue);
+  const double worst = self_motion ? kRegularValue : std::min(smallest, kRegularValue);
   const bool found = nearest <= std::max(kLooseError, result.error) / worst;
   if (!found) ++missed_;
   report_.Judge(regular ? Finding::kMissedJoints : Finding::kMissedSingular, found, nearest,
@@ -144,13 +145,14 @@ void PoseJudge::JudgeJoints(const Joints& joints, bool self_motion) {
   const auto pose = session_.Forward(joints);
   if (!pose) return;
   const Jacobian jacobian = JacobianAt(session_, joints);
-  Original original = {{*pose, joints}, SmallestSingularValue(jacobian), {}};
-  if (std::isnan(original.smallest)) return;
-  if (self_motion && original.smallest < kSingularValue) {
-    original.self_motion = SelfMotion(jacobian);
-  }
-  const PoseResult result = JudgePose(original.request);
-  if (result.answered) JudgeOriginal(original, result);
+  const double smallest = SmallestSingularValue(jacobian);
+  if (std::isnan(smallest)) return;
+  const IkRequest original = {*pose, joints};
+  const PoseResult result = JudgePose(original);
+  if (!result.answered) return;
+  JudgeOriginal(original, smallest,
+                self_motion && smallest < kSingularValue ? SelfMotion(jacobian) : std::nullopt,
+                result);
 }
 
 void PoseJudge::Fill(Row& row) {

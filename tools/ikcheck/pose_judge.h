@@ -43,13 +43,8 @@ class PoseJudge {
                   bool singular);
   void JudgeRange(const IkRequest& request, const Joints& solution);
   void JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions);
-  // A pose made from joints that are to be found again.
-  struct Original {
-    IkRequest request;
-    double smallest;                    // singular value of the Jacobian
-    std::optional<Joints> self_motion;  // they may come back moved by it
-  };
-  void JudgeOriginal(const Original& original, const PoseResult& result);
+  void JudgeOriginal(const IkRequest& original, double smallest,
+                     const std::optional<Joints>& self_motion, const PoseResult& result);
 
   Session& session_;
   Report& report_;

@@ -1,6 +1,7 @@
 #include "report.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <cmath>
@@ -10,9 +11,6 @@
 namespace qal::ikcheck {
 
 namespace {
-
-constexpr size_t kLabelWidth = 30;
-constexpr size_t kValueWidth = 7;
 
 // What a library says may hold anything; a terminal takes control characters at their word.
 std::string Printable(std::string text) {
@@ -29,62 +27,62 @@ std::string Plain(const Json& value) {
   return number >= 1000 ? fmt::format("{:.0f}", number) : fmt::format("{:.3g}", number);
 }
 
-// The text's name of a value, and its unit, which follows the number.
-const std::pair<const char*, const char*> kUnits[] = {
-    {"reach", " m"}, {"largest_distance", " m"}, {"largest_angle_rad", " rad"}};
-std::string Unit(const std::string& key) {
-  for (const auto& [name, unit] : kUnits) {
-    if (key == name) return unit;
-  }
-  return "";
-}
-std::string Label(std::string key) {
-  if (key.size() > 4 && key.rfind("_rad") == key.size() - 4) key.resize(key.size() - 4);
+// A value's name in the text, and its unit, which follows the number.
+std::pair<std::string, const char*> NameAndUnit(std::string key) {
+  const bool angle = key.size() > 4 && key.rfind("_rad") == key.size() - 4;
+  const bool length = key == "reach" || key == "largest_distance";
+  if (angle) key.resize(key.size() - 4);
   std::replace(key.begin(), key.end(), '_', ' ');
-  return key;
+  return {key, angle ? " rad" : length ? " m" : ""};
 }
 
-bool SameKeys(const Json& a, const Json& b) {
-  return a.size() == b.size() &&
-         std::equal(a.items().begin(), a.items().end(), b.items().begin(),
-                    [](const auto& x, const auto& y) { return x.key() == y.key(); });
+std::string Line(const std::string& label, const std::string& values) {
+  return fmt::format("  {:30}  {}\n", label, values);
 }
 
-std::string Header(const Json& values) {
-  std::string line = fmt::format("  {:{}}", "", kLabelWidth);
-  for (const auto& item : values.items())
-    line += fmt::format("  {:>{}}", Label(item.key()), kValueWidth);
-  return line + '\n';
-}
-
-std::string TableLine(const Row& row) {
-  std::string line = fmt::format("  {:{}}", row.check, kLabelWidth);
+std::string RowLine(const Row& row) {
+  std::vector<std::string> values;
   for (const auto& item : row.values.items()) {
-    line += fmt::format("  {:>{}}", Plain(item.value()), std::max(kValueWidth, item.key().size()));
+    const auto [name, unit] = NameAndUnit(item.key());
+    values.push_back(fmt::format("{} {}{}", name, Plain(item.value()), unit));
   }
-  return line + '\n';
+  return Line(row.check, fmt::format("{}", fmt::join(values, ", ")));
 }
 
-std::string Line(const Row& row) {
-  std::string values;
-  for (const auto& item : row.values.items()) {
-    values += fmt::format("{}{} {}{}", values.empty() ? "" : ", ", Label(item.key()),
-                          Plain(item.value()), Unit(item.key()));
+using RowIterator = std::vector<Row>::const_iterator;
+
+std::string Table(RowIterator from, RowIterator to) {
+  const auto line = [&](const std::string& label, const auto& value_of) {
+    std::vector<std::string> cells;
+    for (const auto& column : from->values.items()) {
+      const std::string name = NameAndUnit(column.key()).first;
+      cells.push_back(
+          fmt::format("{:>{}}", value_of(column.key(), name), std::max<size_t>(7, name.size())));
+    }
+    return Line(label, fmt::format("{}", fmt::join(cells, "  ")));
+  };
+  std::string text = line("", [](const auto&, const auto& name) { return name; });
+  for (auto row = from; row != to; ++row) {
+    text += line(row->check, [&](const auto& key, const auto&) { return Plain(row->values[key]); });
   }
-  return fmt::format("  {:{}}  {}\n", row.check, kLabelWidth, values);
+  return text;
 }
 
 // Rows with the same values stand below each other as a table.
 std::string Rows(const std::vector<Row>& rows) {
+  const auto keys = [](const Row& row) {
+    std::vector<std::string> names;
+    for (const auto& item : row.values.items()) names.push_back(item.key());
+    return names;
+  };
   std::string text;
   bool in_table = false;
-  for (size_t i = 0; i < rows.size(); ++i) {
-    const bool as_before = i > 0 && SameKeys(rows[i].values, rows[i - 1].values);
-    const bool as_after = i + 1 < rows.size() && SameKeys(rows[i].values, rows[i + 1].values);
-    if (!as_before && (as_after || in_table)) text += '\n';
-    if (!as_before && as_after) text += Header(rows[i].values);
-    in_table = as_before || as_after;
-    text += in_table ? TableLine(rows[i]) : Line(rows[i]);
+  for (auto from = rows.begin(), to = from; from != rows.end(); from = to) {
+    to = std::find_if(from, rows.end(), [&](const Row& row) { return keys(row) != keys(*from); });
+    const bool after_table = in_table;
+    in_table = to - from > 1;
+    if (in_table || after_table) text += '\n';
+    text += in_table ? Table(from, to) : RowLine(*from);
   }
   return text;
 }
@@ -93,10 +91,7 @@ std::string Numbers(const Case& shown) {
   std::string text;
   for (const auto& [name, values] : shown.numbers) {
     const char* unit = name == "eerot" ? "" : name == "eetrans" ? "[m]" : "[rad]";
-    text += fmt::format("\n      {:8} {:5} ", name, unit);
-    for (size_t i = 0; i < values.size(); ++i) {
-      text += fmt::format("{}{}", i == 0 ? "" : ", ", fmt::format("{:.9g}", values[i]));
-    }
+    text += fmt::format("\n      {:8} {:5} {:.9g}", name, unit, fmt::join(values, ", "));
   }
   return text;
 }
@@ -112,27 +107,30 @@ bool Report::Tally::Count(size_t count, double how_bad) {
   return keep;
 }
 
-Json Report::Judgements() const {
-  Json judgements = Json::array();
+Json Report::Packed() const {
+  Json packed = {{"interface", interface}, {"stopped", stopped}};
+  for (const Row& row : rows) packed["rows"].push_back({row.check, row.values});
   for (size_t i = 0; i < kFindingCount; ++i) {
-    const Tally& tally = tallies_[i];
-    if (tally.judged == 0) continue;
+    const auto& [judged, bad, badness, worst] = tallies_[i];
     // Names of a library's functions may be of any length and number.
-    constexpr size_t kWordsBytes = 4000;
-    judgements.push_back({i, tally.judged, tally.bad, tally.badness,
-                          tally.worst.words.substr(0, kWordsBytes), tally.worst.numbers});
+    const std::string words = worst.words.substr(0, 4000);
+    packed["tallies"].push_back({judged, bad, badness, words, worst.numbers});
   }
-  return judgements;
+  return packed;
 }
 
-void Report::Add(const Json& judgements) {
-  for (const Json& theirs : judgements) {
-    Tally& tally = tallies_.at(theirs.at(0).get<size_t>());
-    tally.judged += theirs.at(1).get<size_t>();
-    const auto bad = theirs.at(2).get<size_t>();
-    if (bad == 0 || !tally.Count(bad, theirs.at(3).get<double>())) continue;
-    theirs.at(4).get_to(tally.worst.words);
-    theirs.at(5).get_to(tally.worst.numbers);
+void Report::Add(const Json& packed) {
+  interface.update(packed.at("interface"));
+  packed.at("stopped").get_to(stopped);
+  for (const Json& row : packed.value("rows", Json::array())) {
+    rows.push_back({row.at(0).get<std::string>(), row.at(1)});
+  }
+  for (size_t i = 0; i < kFindingCount; ++i) {
+    const Json& theirs = packed.at("tallies").at(i);
+    tallies_[i].judged += theirs.at(0).get<size_t>();
+    const auto bad = theirs.at(1).get<size_t>();
+    if (bad == 0 || !tallies_[i].Count(bad, theirs.at(2).get<double>())) continue;
+    tallies_[i].worst = {theirs.at(3), theirs.at(4)};
   }
 }
 
@@ -195,7 +193,7 @@ std::string Report::Text() const {
               : fmt::format("compared with {} from {}\n", Plain(arm["name"]), Plain(arm["file"]));
   text += '\n';
   for (const auto& item : interface.items()) {
-    text += fmt::format("  {:{}}  {}\n", Label(item.key()), kLabelWidth, Plain(item.value()));
+    text += Line(NameAndUnit(item.key()).first, Plain(item.value()));
   }
   if (!rows.empty()) text += Rows(rows) + '\n';
   for (const auto& [check, why] : unfinished) {

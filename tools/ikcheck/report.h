@@ -60,11 +60,11 @@ class Report {
   /// Every check came to its end and found no fault.
   bool Sound() const;
 
-  /// What has been judged, for the report of another process.
-  Json Judgements() const;
-  /// Counts what another report has judged as well.
+  /// What checks have come to, for the report of another process.
+  Json Packed() const;
+  /// Takes over what another report's checks have come to.
   /// @throw Json::exception when it isn't that
-  void Add(const Json& judgements);
+  void Add(const Json& packed);
 
   std::string library;              ///< its path
   Json arm = nullptr;               ///< the arm it is compared with: name, file and kind

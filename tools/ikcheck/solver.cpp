@@ -82,6 +82,7 @@ class Guarded {
   /// Whether the values are these, too.
   bool Intact(const double* values) const {
     const Guarded made(values);
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): to the last bit, as NaN is no number
     return std::memcmp(&numbers_, &made.numbers_, sizeof(numbers_)) == 0;
   }
 
