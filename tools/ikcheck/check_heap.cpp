@@ -23,27 +23,20 @@ void Prepend(const char* variable, const std::string& value) {
 }  // namespace
 
 void StartWithHeapChecker(const Options& options, const Exchange& exchange) {
-#ifndef QAL_ADDRESS_SANITIZER
-  if (::dlopen(kChecker, RTLD_LAZY) == nullptr) return;
+  if (kAddressSanitizer || ::dlopen(kChecker, RTLD_LAZY) == nullptr) return;
   Prepend("LD_PRELOAD", kChecker);
   Prepend("GLIBC_TUNABLES", "glibc.malloc.check=3");
   const std::string file = std::to_string(exchange.file());
   const std::string seed = std::to_string(options.seed);
   (void)::execl("/proc/self/exe", "ikcheck", kHeapOption, file.c_str(), options.library.c_str(),
                 seed.c_str(), nullptr);
-#else
-  (void)options;
-  (void)exchange;
-#endif
 }
 
 void CheckHeap(Session& session, Row& row) {
-#ifdef QAL_ADDRESS_SANITIZER
-  const std::string checker = "the address sanitizer";
-#else
   const bool loaded = ::dlopen(kChecker, RTLD_LAZY | RTLD_NOLOAD) != nullptr;
-  const std::string checker = (loaded ? "" : "nothing, for lack of ") + std::string(kChecker);
-#endif
+  const std::string checker = kAddressSanitizer ? "the address sanitizer"
+                              : loaded          ? kChecker
+                                                : "nothing, for lack of " + std::string(kChecker);
   std::vector<IkRequest> requests = session.RandomPoses(1000);
   for (const Singularity& at : FindSingularities(session, 4)) {
     if (const auto pose = session.Forward(at.joints)) requests.push_back({*pose, at.joints});

@@ -58,8 +58,8 @@ void Exchange::Enter() {
 void Exchange::NoteCall(const char* what, const Joints* joints, const Pose* pose) {
   Note& at = note();
   std::strncpy(at.what, what, sizeof(at.what) - 1);
-  at.has_joints = joints != nullptr;
-  at.has_pose = pose != nullptr;
+  at.has_joints = joints != nullptr ? 1 : 0;
+  at.has_pose = pose != nullptr ? 1 : 0;
   if (joints != nullptr) at.joints = *joints;
   if (pose != nullptr) at.pose = *pose;
   ++at.calls;
@@ -84,8 +84,8 @@ std::string Exchange::Output() const {
 CallNote Exchange::Call() const {
   const Note& at = note();
   CallNote call = {{at.what, ::strnlen(at.what, sizeof(at.what))}};
-  if (at.has_joints) call.joints = at.joints;
-  if (at.has_pose) call.pose = at.pose;
+  if (at.has_joints != 0) call.joints = at.joints;
+  if (at.has_pose != 0) call.pose = at.pose;
   return call;
 }
 

@@ -64,7 +64,7 @@ class Exchange {
   struct Note {
     std::atomic<std::uint64_t> calls;
     char what[40];
-    bool has_joints, has_pose;
+    std::uint8_t has_joints, has_pose;  // any number may be there
     Joints joints;
     Pose pose;
   };

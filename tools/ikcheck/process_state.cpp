@@ -11,7 +11,8 @@
 #include <limits>
 #include <system_error>
 
-#include "sanitized.h"
+// Of the address sanitizer; not every compiler has its header.
+extern "C" __attribute__((weak)) size_t __sanitizer_get_current_allocated_bytes();
 
 namespace qal::ikcheck {
 
@@ -70,12 +71,11 @@ std::string Differences(const ProcessState& before, const ProcessState& after) {
 }
 
 size_t HeapBytes() {
-#ifdef QAL_ADDRESS_SANITIZER
-  return __sanitizer_get_current_allocated_bytes();
-#else
+  if (__sanitizer_get_current_allocated_bytes != nullptr) {
+    return __sanitizer_get_current_allocated_bytes();
+  }
   const struct mallinfo2 info = ::mallinfo2();
   return info.uordblks + info.hblkhd;
-#endif
 }
 
 }  // namespace qal::ikcheck

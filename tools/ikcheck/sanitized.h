@@ -1,28 +1,21 @@
 #ifndef QAL_TOOLS_IKCHECK_SANITIZED_H_
 #define QAL_TOOLS_IKCHECK_SANITIZED_H_
 
-// QAL_ADDRESS_SANITIZER, where this program has one, with an allocator of its own; QAL_SANITIZER,
-// where it has any that reserves terabytes.
+namespace qal::ikcheck {
 
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QAL_ADDRESS_SANITIZER
-#endif
-#if __has_feature(thread_sanitizer)
-#define QAL_SANITIZER
-#endif
-#endif
-
+/// Whether this program is built with a sanitizer. The one of addresses has an allocator of its
+/// own; it and that of threads reserve terabytes.
 #ifdef __SANITIZE_ADDRESS__
-#define QAL_ADDRESS_SANITIZER
+constexpr bool kAddressSanitizer = true;
+#else
+constexpr bool kAddressSanitizer = false;
 #endif
 #ifdef __SANITIZE_THREAD__
-#define QAL_SANITIZER
+constexpr bool kThreadSanitizer = true;
+#else
+constexpr bool kThreadSanitizer = false;
 #endif
 
-#ifdef QAL_ADDRESS_SANITIZER
-#define QAL_SANITIZER
-#include <sanitizer/allocator_interface.h>
-#endif
+}  // namespace qal::ikcheck
 
 #endif  // QAL_TOOLS_IKCHECK_SANITIZED_H_
