@@ -70,6 +70,7 @@ const Planted kPlanted[] = {
     {"throws", {"exception"}},
     {"throws for nan", {"throws-non-finite"}, true},
     {"prints", {"prints"}},
+    {"prints a flood", {"prints"}},
     {"print at load", {"prints"}},
     {"position of four", {"writes-outside"}},
     {"rotation of sixteen", {"writes-outside"}},

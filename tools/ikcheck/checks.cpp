@@ -187,7 +187,7 @@ void RunHeapCheck(int argc, const char* const* argv) {
 Report RunChecks(const Options& options) try {
   return Checker(options).Run();
 } catch (const Interrupted& end) {
-  (void)std::raise(end.signal);
+  (void)::kill(::getpid(), end.signal);
   throw io::Failure("stopped");
 }
 
