@@ -127,8 +127,8 @@ void Describe(CLI::App& app, Arguments& arguments) {
 
 }  // namespace
 
-// NOLINTNEXTLINE(bugprone-exception-escape): only for lack of memory, without a message, and for
-// the private option by hand
+// Only for lack of memory, without a message, and for the private option by hand.
+// NOLINTNEXTLINE(bugprone-exception-escape): see above
 int main(int argc, char** argv) {
   ikcheck::RunHeapCheck(argc, argv);
   Arguments arguments;

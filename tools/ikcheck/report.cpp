@@ -181,7 +181,9 @@ std::string Report::Summary() const {
     std::string& list = names[kind.fault ? 0 : 1];
     list += (list.empty() ? "" : ", ") + std::string(kind.name);
   }
-  const std::string faults = names[0].empty() ? "" : "faults: " + names[0];
+  const std::string faults = !names[0].empty() ? "faults: " + names[0]
+                             : Sound()         ? ""
+                                               : "not checked to the end";
   const std::string notes = names[1].empty() ? "" : "notes: " + names[1];
   return faults + (faults.empty() || notes.empty() ? "" : "; ") + notes;
 }
