@@ -3,8 +3,8 @@
 
 namespace qal::ikcheck {
 
-/// Whether this program is built with a sanitizer. The one of addresses has an allocator of its
-/// own; it and that of threads reserve terabytes.
+/// Whether this program is built with a sanitizer of gcc. The one of addresses has an allocator of
+/// its own; it and that of threads reserve terabytes.
 #ifdef __SANITIZE_ADDRESS__
 constexpr bool kAddressSanitizer = true;
 #else
