@@ -61,6 +61,7 @@ const Planted kPlanted[] = {
     {"crash at load", {"crash"}},
     {"exit", {"exit"}},
     {"crash for nan", {"crash"}},
+    {"exit at load", {"exit"}},
     {"exit 0", {"exit"}},
     {"exit 0 over all that is shared", {"exit"}},
     {"hang", {"hang"}},

@@ -101,8 +101,9 @@ void Meddle() {
   }
   static std::atomic<char*> kept;
   if (Is("overrun")) {
-    char* const memory = new char[24];
-    std::memset(memory, 0, static_cast<size_t>(std::atoi("28")));
+    const volatile size_t size = 20;  // not a constant: the compiler would see what is wrong
+    char* const memory = new char[size];
+    std::memset(memory, 0, size + 1);  // into what is rounded up: only a checker sees it
     delete[] memory;
   }
   if (Is("leak")) kept = new char[16];
@@ -248,6 +249,7 @@ void Add(const std::vector<Joints>& solutions, List& list) {
 struct AtLoad {
   AtLoad() {
     if (Is("print at load")) std::puts("\xFFhello");
+    if (Is("exit at load")) std::_Exit(0);
 #if defined(__SSE__)
     if (Is("flush at load")) _mm_setcsr(_mm_getcsr() | 0x8040);  // as -ffast-math does
 #endif
