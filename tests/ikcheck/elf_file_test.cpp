@@ -66,7 +66,7 @@ TEST_F(ElfFile, ReadsNothingOutsideABrokenFile) {
   };
   Elf64_Ehdr header;
   std::memcpy(&header, sound.data(), sizeof(header));
-  for (const size_t size : {64, 200, 1000, 5000}) EXPECT_TRUE(is_cut(sound.substr(0, size)));
+  for (const size_t size : {64u, 200u, 1000u, 5000u}) EXPECT_TRUE(is_cut(sound.substr(0, size)));
   EXPECT_TRUE(is_cut(Patched<Elf64_Off>(header.e_phoff + offsetof(Elf64_Phdr, p_offset), ~0UL)));
   EXPECT_TRUE(is_cut(Patched<Elf64_Off>(32, sound.size() - 10)));
   for (const Elf64_Off offset : {Elf64_Off(0), sound.size() - 70, ~Elf64_Off(0) - 10}) {

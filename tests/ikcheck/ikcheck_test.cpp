@@ -188,9 +188,9 @@ TEST_F(Ikcheck, ShowsTheWorstCaseInFull) {
   joints[5] += std::copysign(0.01, joints[5]);
   const auto tool = qal::closed_form::Forward(qal::reference_arm::kArm, joints.data());
   for (int i = 0; i < 3; ++i) {
-    EXPECT_NEAR(tool.position.element[i], worst["eetrans"].at(i), 1e-14);
+    EXPECT_NEAR(tool.position.element[i], worst["eetrans"].at(static_cast<size_t>(i)), 1e-14);
     for (int j = 0; j < 3; ++j) {
-      EXPECT_NEAR(tool.rotation[i][j], worst["eerot"].at(3 * i + j), 1e-14);
+      EXPECT_NEAR(tool.rotation[i][j], worst["eerot"].at(static_cast<size_t>(3 * i + j)), 1e-14);
     }
   }
 }
@@ -214,7 +214,7 @@ TEST_F(Ikcheck, KnowsTheLibrariesThatCannotBeUsed) {
   const Json plain = Check(library("plain_names"));
   EXPECT_EQ(Findings(plain), (Names{"plain-c-names", "forward-stuck", "missing-queries"}));
   const std::string recipe = std::string("; ") + kRecipe;
-  EXPECT_EQ(plain["findings"][0]["case"]["words"], "ComputeIk, ComputeFk" + recipe);
+  EXPECT_EQ(plain["findings"][0]["case"]["words"], "ComputeFk, ComputeIk" + recipe);
   EXPECT_EQ(plain["interface"]["names"], "plain C");
 
   const Json single = Check(library("single_precision"));

@@ -102,9 +102,9 @@ void Meddle() {
   static std::atomic<char*> kept;
   if (Is("overrun")) {
     const volatile size_t size = 20;  // not a constant: the compiler would see what is wrong
-    char* const memory = new char[size];
-    std::memset(memory, 0, size + 1);  // into what is rounded up: only a checker sees it
-    delete[] memory;
+    kept = new char[size];            // where all may see it: it would be optimised away
+    std::memset(kept, 0, size + 1);   // into what is rounded up: only a checker sees it
+    delete[] kept.exchange(nullptr);
   }
   if (Is("leak")) kept = new char[16];
   static std::map<double, std::vector<char>> cache;
@@ -201,7 +201,7 @@ void Double(std::vector<Joints>& solutions) {
   for (size_t i = 0; i < count; ++i) {
     solutions[i][5] /= 2;
     Joints other = solutions[i];
-    other[5] = other[5] > 1e-9 ? other[5] - kPi : std::min(other[5] + kPi, kPi);
+    other[5] = other[5] > 1e-10 ? other[5] - kPi : std::min(other[5] + kPi, kPi);
     solutions.push_back(other);
   }
   if (Is("two a branch but the last")) solutions.pop_back();

@@ -15,6 +15,7 @@
 
 #include "../../io/error.h"
 #include "../../io/held_signals.h"
+#include "sanitized.h"
 
 namespace qal::tools {
 
@@ -57,8 +58,7 @@ void Limit(decltype(RLIMIT_CORE) resource, rlim_t most) {
 
 // noexcept: what the work throws must not reach the parent's code above, which runs here, too.
 [[noreturn]] void Work(const Child& child, const HeldSignals& held,
-                       const std::function<std::string()>& work,
-                       [[maybe_unused]] bool limited) noexcept {
+                       const std::function<std::string()>& work, bool limited) noexcept {
   (void)::setpgid(0, 0);
   // As a program expects them, whatever the tools or a sanitizer have made of them.
   for (const int signal : {SIGPIPE, SIGXFSZ, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT}) {
@@ -69,9 +69,8 @@ void Limit(decltype(RLIMIT_CORE) resource, rlim_t most) {
   const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   (void)::dup2(nothing, STDIN_FILENO);
   Limit(RLIMIT_CORE, 0);
-#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)  // which take more
-  if (limited) Limit(RLIMIT_DATA, rlim_t{1} << 31);
-#endif
+  // Sanitizers take more.
+  if (limited && !kAddressSanitizer && !kThreadSanitizer) Limit(RLIMIT_DATA, rlim_t{1} << 31);
   const std::string text = work();
   std::strncpy(child.message->text, text.c_str(), sizeof(child.message->text) - 1);
   child.message->there = kThere;

@@ -4,9 +4,9 @@
 #include <cstdlib>
 #include <string>
 
+#include "../common/sanitized.h"
 #include "checks.h"
 #include "jacobian.h"
-#include "sanitized.h"
 
 namespace qal::ikcheck {
 
@@ -23,7 +23,7 @@ void Prepend(const char* variable, const std::string& value) {
 }  // namespace
 
 void StartWithHeapChecker(const Options& options, const Exchange& exchange) {
-  if (kAddressSanitizer || ::dlopen(kChecker, RTLD_LAZY) == nullptr) return;
+  if (tools::kAddressSanitizer || ::dlopen(kChecker, RTLD_LAZY) == nullptr) return;
   Prepend("LD_PRELOAD", kChecker);
   Prepend("GLIBC_TUNABLES", "glibc.malloc.check=3");
   const std::string file = std::to_string(exchange.file());
@@ -34,9 +34,9 @@ void StartWithHeapChecker(const Options& options, const Exchange& exchange) {
 
 void CheckHeap(Session& session, Row& row) {
   const bool loaded = ::dlopen(kChecker, RTLD_LAZY | RTLD_NOLOAD) != nullptr;
-  const std::string checker = kAddressSanitizer ? "the address sanitizer"
-                              : loaded          ? kChecker
-                                                : "nothing, for lack of " + std::string(kChecker);
+  const std::string checker = tools::kAddressSanitizer ? "the address sanitizer"
+                              : loaded                 ? kChecker
+                                       : "nothing, for lack of " + std::string(kChecker);
   std::vector<IkRequest> requests = session.RandomPoses(1000);
   for (const Singularity& at : FindSingularities(session, 4)) {
     if (const auto pose = session.Forward(at.joints)) requests.push_back({*pose, at.joints});

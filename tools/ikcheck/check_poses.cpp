@@ -24,7 +24,7 @@ constexpr double kNearby = 1e-7;
 
 Pose Nearby(Session& session, const Pose& pose) {
   const auto random = [&] {
-    return Eigen::Vector3d(session.Random(), session.Random(), session.Random());
+    return Eigen::Vector3d{session.Random(), session.Random(), session.Random()};  // in this order
   };
   const Eigen::AngleAxisd turn(kNearby, random().normalized());
   return {pose.position + kNearby * session.reach * random(),

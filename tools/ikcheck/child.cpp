@@ -16,7 +16,7 @@
 #include <iterator>
 #include <system_error>
 
-#include "sanitized.h"
+#include "../common/sanitized.h"
 
 namespace qal::ikcheck {
 
@@ -36,7 +36,8 @@ void Limit(__rlimit_resource resource, rlim_t most) {
 
 // Far above what a solver needs, below what brings a machine to a halt.
 void SetLimits(double whole_s) {
-  const bool sanitized = kAddressSanitizer || kThreadSanitizer;  // these reserve terabytes
+  const bool sanitized =
+      tools::kAddressSanitizer || tools::kThreadSanitizer;  // these reserve terabytes
   Limit(RLIMIT_AS, sanitized ? RLIM_INFINITY : rlim_t{4} << 30);
   Limit(RLIMIT_FSIZE, Exchange::kOutputBytes);
   Limit(RLIMIT_CORE, 0);

@@ -5,6 +5,7 @@
 #include <gelf.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "../../io/error.h"
@@ -101,6 +102,7 @@ std::vector<std::string> ExportedFunctions(const std::string& path) {
       }
     }
   }
+  std::sort(functions.begin(), functions.end());  // as linkers order them, it is another each time
   return functions;
 }
 

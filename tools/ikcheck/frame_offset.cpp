@@ -25,6 +25,8 @@ std::string Origin(const Frame& frame) {
                      values[3], values[4], values[5]);
 }
 
+constexpr size_t kFewFrames = 3;  // they don't tell whether the tool or the base is elsewhere
+
 }  // namespace
 
 Offset::Offset(const Frame& from, const Frame& to)
@@ -33,7 +35,7 @@ Offset::Offset(const Frame& from, const Frame& to)
 
 std::string FixedOffset(const std::string& whose, const std::vector<Frame>& other,
                         const std::vector<Frame>& frames, double reach) {
-  if (frames.empty()) return "";
+  if (frames.size() < kFewFrames) return "";
   const auto constant = [&](const auto& between) {
     const Frame first = between(0);
     for (size_t i = 1; i < frames.size(); ++i) {

@@ -51,17 +51,24 @@ void PoseJudge::JudgeSolution(const IkRequest& request, const Solution& given, P
   if (!given.free) JudgeRange(request, joints);
   const PoseDifference difference = Difference(*pose, request.pose);
   const double error = difference.Size();
-  constexpr size_t kFrames = 100;
-  if (error >= kWrongSingularError && ++far_off_ <= kFrames) {
-    asked_.push_back(FrameOf(request.pose));
-    met_.push_back(FrameOf(*pose));
-  }
+  if (error >= kWrongSingularError) NoteFarOff(FrameOf(request.pose), FrameOf(*pose));
   // Looked at only where it makes a difference.
   const bool singular = error < kWrongSingularError && (error > kLooseError || given.free) &&
                         SmallestSingularValue(session_, joints) < kRegularValue;
   if (!JudgeError(request, given, difference, singular)) result.complete = false;
   if (singular && (given.free || error > kWrongError)) result.lax = true;
   result.error = std::max(result.error, error);
+}
+
+// Of those that follow each other, the ones that are turned: others would fit any fixed offset.
+void PoseJudge::NoteFarOff(const Frame& asked, const Frame& met) {
+  constexpr size_t kFrames = 100;
+  constexpr double kTurnedRad = 0.1;
+  ++far_off_;
+  if (asked_.size() >= kFrames) return;
+  if (!asked_.empty() && Offset(asked_.back(), asked).angle_rad < kTurnedRad) return;
+  asked_.push_back(asked);
+  met_.push_back(met);
 }
 
 // Whether a solution is right.

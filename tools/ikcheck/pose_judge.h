@@ -41,6 +41,7 @@ class PoseJudge {
   void JudgeSolution(const IkRequest& request, const Solution& given, PoseResult& result);
   bool JudgeError(const IkRequest& request, const Solution& given, const PoseDifference& difference,
                   bool singular);
+  void NoteFarOff(const Frame& asked, const Frame& met);
   void JudgeRange(const IkRequest& request, const Joints& solution);
   void JudgeDuplicates(const IkRequest& request, const std::vector<Joints>& solutions);
   void JudgeOriginal(const IkRequest& original, double smallest,
