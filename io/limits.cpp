@@ -24,6 +24,16 @@ void ExpectText(std::string_view text) {
   throw UsageError(fmt::format("line {}: a NUL byte; text is expected", LineAt(text, place)));
 }
 
+void LookThrough(std::string_view text, const std::function<size_t(size_t)>& step) {
+  ExpectText(text);
+  size_t place = 0;
+  try {
+    while (place < text.size()) place = step(place);
+  } catch (const UsageError& error) {
+    throw UsageError(fmt::format("line {}: {}", LineAt(text, place), error.what()));
+  }
+}
+
 size_t LineAt(std::string_view text, size_t place) {
   const std::string_view before = text.substr(0, place);
   return 1 + static_cast<size_t>(std::count(before.begin(), before.end(), '\n'));

@@ -2,6 +2,7 @@
 #define QAL_IO_LIMITS_H_
 
 #include <cstddef>
+#include <functional>
 #include <string_view>
 
 namespace qal::io {
@@ -27,6 +28,11 @@ void ExpectCount(size_t values);
 
 /// @throw UsageError "line N: ..." when there is a NUL byte: text has none, and it would cut names
 void ExpectText(std::string_view text);
+
+/// Takes a text part by part.
+/// @param step  takes what begins at a place; the place behind it
+/// @throw UsageError "line N: ..." where `step` has thrown one, or at a NUL byte
+void LookThrough(std::string_view text, const std::function<size_t(size_t)>& step);
 
 /// The line of a place in a text, counted from 1.
 size_t LineAt(std::string_view text, size_t place);

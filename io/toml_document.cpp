@@ -46,17 +46,6 @@ class TomlCheck {
  public:
   explicit TomlCheck(const std::string& text) : text_(text) {}
 
-  // @throw UsageError "line N: REASON"
-  void Run() {
-    size_t place = 0;
-    try {
-      while (place < text_.size()) place = Step(place);
-    } catch (const UsageError& error) {
-      throw UsageError(fmt::format("line {}: {}", LineAt(text_, place), error.what()));
-    }
-  }
-
- private:
   // Takes what begins at a place; the place behind it.
   size_t Step(size_t place) {
     const char sign = text_[place];
@@ -70,6 +59,7 @@ class TomlCheck {
     return place + 1;
   }
 
+ private:
   const std::string& text_;
   size_t values_ = 0;
   size_t open_ = 0;
@@ -136,8 +126,8 @@ toml::table Parse(const std::string& text, const std::string& path) {
 
 Document ParseToml(const std::string& text, const std::string& path) {
   try {
-    ExpectText(text);
-    TomlCheck(text).Run();
+    TomlCheck check(text);
+    LookThrough(text, [&](size_t place) { return check.Step(place); });
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}, {}", path, error.what()));
   }

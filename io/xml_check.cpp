@@ -15,16 +15,6 @@ class XmlCheck {
  public:
   explicit XmlCheck(std::string_view text) : text_(text) {}
 
-  void Run() {
-    size_t place = 0;
-    try {
-      while (place < text_.size()) place = Step(place);
-    } catch (const UsageError& error) {
-      throw UsageError(fmt::format("line {}: {}", LineAt(text_, place), error.what()));
-    }
-  }
-
- private:
   // Takes what begins at a place; the place behind it.
   size_t Step(size_t place) {
     if (text_[place] != '<') return Until("<", place);
@@ -43,6 +33,7 @@ class XmlCheck {
     return TakeTag(place);
   }
 
+ private:
   size_t TakeTag(size_t place) {
     constexpr size_t kMostAttributes = 100;
     size_t attributes = 0;
@@ -72,8 +63,8 @@ class XmlCheck {
 }  // namespace
 
 void CheckXml(std::string_view text) {
-  ExpectText(text);
-  XmlCheck(text).Run();
+  XmlCheck check(text);
+  LookThrough(text, [&](size_t place) { return check.Step(place); });
 }
 
 }  // namespace qal::io

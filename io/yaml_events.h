@@ -7,12 +7,12 @@
 
 namespace qal::io {
 
-/// The events of a YAML text one after the other.
+/// The events of a YAML text one after the other, from libyaml: yaml-cpp 0.7 does not return from a
+/// text of three bytes, two quotes and a comma.
 class YamlEvents {
  public:
   /// @throw UsageError "line N: REASON" for a NUL byte, or many %TAG directives: the parser
-  /// compares
-  ///        each with all before, and a trajectory has none
+  ///        compares each with all before, and a trajectory has none
   explicit YamlEvents(std::string_view text);
   ~YamlEvents();
   YamlEvents(const YamlEvents&) = delete;
