@@ -69,8 +69,7 @@ void Limit(decltype(RLIMIT_CORE) resource, rlim_t most) {
   const int nothing = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
   (void)::dup2(nothing, STDIN_FILENO);
   Limit(RLIMIT_CORE, 0);
-  // Sanitizers take more.
-  if (limited && !kAddressSanitizer && !kThreadSanitizer) Limit(RLIMIT_DATA, rlim_t{1} << 31);
+  if (limited && !kLargeSanitizer) Limit(RLIMIT_DATA, rlim_t{1} << 31);
   const std::string text = work();
   std::strncpy(child.message->text, text.c_str(), sizeof(child.message->text) - 1);
   child.message->there = kThere;

@@ -10,17 +10,19 @@
 
 namespace qal::tools {
 
-/// Whether this program is built with a sanitizer. The one of addresses has an allocator of its own;
-/// it and that of threads reserve terabytes.
+/// Whether this program is built with the sanitizer of addresses, which has an allocator of its
+/// own.
 #if defined(__SANITIZE_ADDRESS__) || QAL_HAS_FEATURE(address_sanitizer)
 constexpr bool kAddressSanitizer = true;
 #else
 constexpr bool kAddressSanitizer = false;
 #endif
-#if defined(__SANITIZE_THREAD__) || QAL_HAS_FEATURE(thread_sanitizer)
-constexpr bool kThreadSanitizer = true;
+/// Whether it is built with one that reserves terabytes.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || \
+    QAL_HAS_FEATURE(address_sanitizer) || QAL_HAS_FEATURE(thread_sanitizer)
+constexpr bool kLargeSanitizer = true;
 #else
-constexpr bool kThreadSanitizer = false;
+constexpr bool kLargeSanitizer = false;
 #endif
 
 }  // namespace qal::tools

@@ -36,9 +36,7 @@ void Limit(__rlimit_resource resource, rlim_t most) {
 
 // Far above what a solver needs, below what brings a machine to a halt.
 void SetLimits(double whole_s) {
-  const bool sanitized =
-      tools::kAddressSanitizer || tools::kThreadSanitizer;  // these reserve terabytes
-  Limit(RLIMIT_AS, sanitized ? RLIM_INFINITY : rlim_t{4} << 30);
+  Limit(RLIMIT_AS, tools::kLargeSanitizer ? RLIM_INFINITY : rlim_t{4} << 30);
   Limit(RLIMIT_FSIZE, Exchange::kOutputBytes);
   Limit(RLIMIT_CORE, 0);
   Limit(RLIMIT_CPU, 2 * static_cast<rlim_t>(whole_s) + 1);  // of two threads
