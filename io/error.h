@@ -11,8 +11,8 @@ constexpr int kDone = 0;
 constexpr int kFailed = 1;    // a sound request, but there is no answer, or a check found something
 constexpr int kBadUsage = 2;  // arguments, input files or output files are not as they have to be
 
-/// A sound request that has no answer: one line, exit status 1. Whatever names of files are in the
-/// text, it is one line and not long: `OneLine`.
+/// A sound request that has no answer: one line, exit status 1. Whatever a file has put into
+/// the text, it is one line and not long: `OneLine`.
 class Failure : public std::runtime_error {
  public:
   explicit Failure(const std::string& text);

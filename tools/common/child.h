@@ -11,7 +11,7 @@ namespace qal::tools {
 struct ChildEnd {
   std::optional<std::string> said;  ///< what its work returned; nothing: it didn't return
   bool succeeded;                   ///< with exit status 0
-  std::string how;  ///< "status 1", "signal 11 (Segmentation fault)", "no end in 30 s"
+  std::string how;  ///< "status 1", "signal 11, Segmentation fault", "no end in 30 s"
 };
 
 /// Runs `work` in a child process and waits for its end. What it does stays there: it is the first
