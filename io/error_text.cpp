@@ -193,6 +193,13 @@ std::string Words::OfMove() const {
           units_.millimetres ? error_.bound * 1000 : error_.bound, LengthUnit());
     case Reason::kTooManyPoints:
       return fmt::format("{:.9g} points, at most {:.9g} are planned", error_.value, error_.bound);
+    case Reason::kEndRate:
+      return fmt::format("{}: the {} is {}; {} are allowed", Joint(), Name(), Named(error_.value),
+                         Named(error_.bound));
+    case Reason::kSingularity:
+      return fmt::format(
+          "the path leads through a {}singularity, where joints would have to turn at once",
+          error_.detail.empty() ? "" : error_.detail + ' ');
     default:
       return "";
   }

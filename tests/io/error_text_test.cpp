@@ -42,6 +42,8 @@ TEST(ErrorText, SaysEachReasonWithItsNumbers) {
       {{Reason::kConfiguration, 4, 2, 0.518}, "the line arrives with other joints than the end's: joint 5 would jump 2 rad to the last point, at most 0.518 rad are one step"},
       {{Reason::kMotorSpeed, 0, 10681.7, 3000}, "joint 1 would need its motor at 10682 rpm; 3000 rpm are the limit"},
       {{Reason::kAccelerationTooLow, -1, 0.5, 0.8}, "the acceleration, 0.5 m/s^2, is built up within 20 ms; it has to be above 0.8 m/s^2"},
+      {{Reason::kEndRate, 1, 1.5, 0.86, "start_velocity_rad_s"}, "joint 2: the start velocity is 1.5 rad/s; 0.86 rad/s are allowed"},
+      {{Reason::kSingularity, -1, 1e-9, 0, "wrist"}, "the path leads through a wrist singularity, where joints would have to turn at once"},
       {{Reason::kTooManyPoints, -1, 5e7, 1e6}, "50000000 points, at most 1000000 are planned"},
   };
   for (const auto& [error, text] : rows) EXPECT_EQ(ErrorText(error), text);

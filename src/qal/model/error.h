@@ -42,6 +42,10 @@ enum class Reason {
   kMotorSpeed,     ///< the motor of `joint` would need `value` [rpm], `bound` [rpm] are allowed
   kAccelerationTooLow,  ///< the acceleration is `value` [m/s^2]; it has to be above `bound`
   kTooManyPoints,       ///< the plan would have `value` points, `bound` at the most
+  kEndRate,  ///< a rate of `joint` at an end of the move, named in `detail`, is `value`; `bound` is
+             ///< allowed
+  kSingularity,  ///< the path leads through a singularity, named in `detail`, where joints would
+                 ///< have to turn at once; `value` is the smallest singular value of the Jacobian
 };
 
 /// A failure: the reason and its numbers. The text is made elsewhere, in the caller's units.
