@@ -53,3 +53,10 @@ qal_test_program(
   SOURCES qal/classic_test.cpp
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
   LIBRARIES qal_io QAL_kinematics)
+
+# Lines that keep every limit. QAL_LINES says how many for each arm.
+qal_test_program(
+  qal_line_test
+  SOURCES qal/line_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  LIBRARIES qal_io)

@@ -1,0 +1,70 @@
+#include "joint_path.h"
+
+#include <algorithm>
+
+namespace qal {
+
+// Hermite's interpolation with three derivatives at both ends. With the powers up to three from the
+// first end, the others meet what is left at the second end: of the value, r0, and of the first
+// three derivatives, r1 to r3, all with respect to u = (s - begin) / length.
+void JointPath::Append(const PathPoint& point) {
+  if (point.s > last_.s) {
+    Piece piece = {last_.s, point.s - last_.s, {}};
+    const double h = piece.length;
+    auto& c = piece.coefficient;
+    for (size_t j = 0; j < 6; ++j) {
+      c[0][j] = last_.value[j];
+      c[1][j] = h * last_.first[j];
+      c[2][j] = h * h * last_.second[j] / 2;
+      c[3][j] = h * h * h * last_.third[j] / 6;
+      const double r0 = point.value[j] - (c[0][j] + c[1][j] + c[2][j] + c[3][j]);
+      const double r1 = h * point.first[j] - (c[1][j] + 2 * c[2][j] + 3 * c[3][j]);
+      const double r2 = h * h * point.second[j] - (2 * c[2][j] + 6 * c[3][j]);
+      const double r3 = h * h * h * point.third[j] - 6 * c[3][j];
+      c[4][j] = 35 * r0 - 15 * r1 + 2.5 * r2 - r3 / 6;
+      c[5][j] = -84 * r0 + 39 * r1 - 7 * r2 + r3 / 2;
+      c[6][j] = 70 * r0 - 34 * r1 + 6.5 * r2 - r3 / 2;
+      c[7][j] = -20 * r0 + 10 * r1 - 2 * r2 + r3 / 6;
+    }
+    pieces_.push_back(piece);
+  }
+  last_ = point;
+}
+
+size_t JointPath::PieceAt(double s, size_t near) const {
+  const auto holds = [&](size_t i) {
+    return s >= pieces_[i].begin && (i + 1 == pieces_.size() || s < pieces_[i + 1].begin);
+  };
+  if (near < pieces_.size() && holds(near)) return near;
+  if (near + 1 < pieces_.size() && holds(near + 1)) return near + 1;
+  const auto after = std::upper_bound(pieces_.begin(), pieces_.end(), s,
+                                      [](double x, const Piece& p) { return x < p.begin; });
+  return after == pieces_.begin() ? 0 : static_cast<size_t>(after - pieces_.begin()) - 1;
+}
+
+PathPoint JointPath::At(double s, size_t piece) const {
+  const auto& [begin, length, c] = pieces_[piece];
+  const double u = (s - begin) / length;
+  PathPoint point = {s, c[7], {}, {}, {}};
+  // Horner's scheme for the polynomial, its derivative, and halves and sixths of the next two.
+  for (int power = 6; power >= 0; --power) {
+    const Joints& add = c[static_cast<size_t>(power)];
+    for (size_t j = 0; j < 6; ++j) {
+      point.third[j] = point.third[j] * u + point.second[j];
+      point.second[j] = point.second[j] * u + point.first[j];
+      point.first[j] = point.first[j] * u + point.value[j];
+      point.value[j] = point.value[j] * u + add[j];
+    }
+  }
+  const double one = 1 / length;
+  const double two = 2 * one * one;
+  const double three = 3 * two * one;
+  for (size_t j = 0; j < 6; ++j) {
+    point.first[j] *= one;
+    point.second[j] *= two;
+    point.third[j] *= three;
+  }
+  return point;
+}
+
+}  // namespace qal

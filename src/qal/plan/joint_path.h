@@ -1,0 +1,51 @@
+#ifndef QAL_PLAN_JOINT_PATH_H_
+#define QAL_PLAN_JOINT_PATH_H_
+
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "../model/pose.h"
+
+// Internal: joints along a path.
+namespace qal {
+
+/// Six joints at a place of a path, and their derivatives with respect to its parameter s.
+struct PathPoint {
+  double s;
+  Joints value;  ///< [rad]
+  Joints first;
+  Joints second;
+  Joints third;
+};
+
+/// Joints as piecewise polynomials of degree 7 of a parameter s from 0 to 1. Neighbouring pieces
+/// agree in the joints and their first three derivatives.
+class JointPath {
+ public:
+  /// One more point; the first is at 0, each next one at a larger s.
+  void Append(const PathPoint& point);
+
+  const PathPoint& last() const { return last_; }
+  size_t size() const { return pieces_.size(); }
+  double begin(size_t piece) const { return pieces_[piece].begin; }
+  double length(size_t piece) const { return pieces_[piece].length; }
+
+  /// The piece that holds s. Quick where it is `near` or one after it.
+  size_t PieceAt(double s, size_t near = 0) const;
+  PathPoint At(double s, size_t piece) const;
+  PathPoint At(double s) const { return At(s, PieceAt(s)); }
+
+ private:
+  struct Piece {
+    double begin;
+    double length;
+    std::array<Joints, 8> coefficient;  // of powers of (s - begin) / length
+  };
+  std::vector<Piece> pieces_;
+  PathPoint last_ = {};
+};
+
+}  // namespace qal
+
+#endif  // QAL_PLAN_JOINT_PATH_H_

@@ -1,0 +1,171 @@
+#include "path_follower.h"
+
+#include <algorithm>
+
+#include "linear_system.h"
+
+namespace qal {
+
+namespace {
+
+// The joints' polynomials keep the path within this, in metres and radians.
+constexpr double kPathTolerance = 5e-11;
+// And their own values within this; more means another solution.
+constexpr double kJointTolerance = 1e-8;
+// A step of Newton's method after which the next one is rounding.
+constexpr double kLastStepRad = 1e-9;
+// A step that leads somewhere else.
+constexpr double kLargestStepRad = 1;
+constexpr int kMostSteps = 8;
+// Below it the equations say nothing any more.
+constexpr double kSingularPivot = 1e-12;
+// Pieces as short as this are needed only next to a singularity, or where the path ends.
+constexpr double kShortestPiece = 1e-8;
+constexpr double kLongestPiece = 0.25;
+
+LinearSystem EquationsOf(const std::array<Twist, 6>& axes) {
+  double matrix[6][6];
+  for (int j = 0; j < 6; ++j) {
+    for (int i = 0; i < 3; ++i) {
+      matrix[i][j] = axes[static_cast<size_t>(j)].linear[i];
+      matrix[i + 3][j] = axes[static_cast<size_t>(j)].angular[i];
+    }
+  }
+  return LinearSystem(matrix);
+}
+
+Joints Solved(const LinearSystem& equations, const Twist& right) {
+  const auto& [v, w] = right;
+  return equations.Solve({v[0], v[1], v[2], w[0], w[1], w[2]});
+}
+
+// The rotation vector from one orientation to another, of small rotations.
+Vector3 RotationBetween(const Matrix3& from, const Matrix3& to) {
+  const Matrix3 r = to * Transposed(from);
+  return {{(r[2][1] - r[1][2]) / 2, (r[0][2] - r[2][0]) / 2, (r[1][0] - r[0][1]) / 2}};
+}
+
+// The twists of the axes move with the joints before them: the velocities of the tool and of the
+// joints are T = sum q_j' A_j with A_j' = [W_j, A_j], W_j = sum of q_i' A_i before j. Derived twice
+// more:
+//
+//     T'  = sum q_j'' A_j + q_j' A_j'
+//     T'' = sum q_j''' A_j + 2 q_j'' A_j' + q_j' A_j''
+//
+// of which T' is the path's and T'' is 0 on a line.
+PathPoint WithDerivatives(double s, const Joints& joints, const std::array<Twist, 6>& axes,
+                          const LinearSystem& equations, const LinePath& path) {
+  PathPoint point = {s, joints, {}, {}, {}};
+  point.first = Solved(equations, path.TwistAt(s));
+  std::array<Twist, 6> changes;
+  std::array<Twist, 6> before;
+  Twist sum = {};
+  Twist rate = {};
+  for (size_t j = 0; j < 6; ++j) {
+    before[j] = sum;
+    changes[j] = Bracket(sum, axes[j]);
+    sum = sum + point.first[j] * axes[j];
+    rate = rate + point.first[j] * changes[j];
+  }
+  point.second = Solved(equations, path.TwistRate() + -1.0 * rate);
+  Twist sum_rate = {};
+  rate = {};
+  for (size_t j = 0; j < 6; ++j) {
+    const Twist second = Bracket(sum_rate, axes[j]) + Bracket(before[j], changes[j]);
+    sum_rate = sum_rate + point.second[j] * axes[j] + point.first[j] * changes[j];
+    rate = rate + 2 * point.second[j] * changes[j] + point.first[j] * second;
+  }
+  point.third = Solved(equations, -1.0 * rate);
+  return point;
+}
+
+double Largest(const Joints& a, const Joints& b) {
+  double largest = 0;
+  for (size_t j = 0; j < a.size(); ++j) largest = Larger(largest, std::fabs(a[j] - b[j]));
+  return largest;
+}
+
+// Where the joints of `point` go, by its derivatives.
+Joints Extrapolated(const PathPoint& point, double s) {
+  const double h = s - point.s;
+  Joints joints;
+  for (size_t j = 0; j < joints.size(); ++j) {
+    joints[j] =
+        point.value[j] + h * (point.first[j] + h * (point.second[j] / 2 + h * point.third[j] / 6));
+  }
+  return joints;
+}
+
+}  // namespace
+
+std::optional<PathPoint> PathSolver::Solve(double s, const Joints& guess) const {
+  const Frame target = path_.FrameAt(s);
+  Joints joints = guess;
+  for (int step = 0; step < kMostSteps; ++step) {
+    const PlacedArm placed = screws_.At(joints);
+    const LinearSystem equations = EquationsOf(placed.axes);
+    if (!(equations.smallest_pivot() > kSingularPivot)) return std::nullopt;
+    const Vector3 turn = RotationBetween(placed.tool.rotation, target.rotation);
+    const Vector3 move = target.position - placed.tool.position;
+    const Joints change = Solved(equations, {move - Cross(turn, placed.tool.position), turn});
+    const double size = Largest(change, Joints{});
+    if (!(size <= kLargestStepRad)) return std::nullopt;
+    for (size_t j = 0; j < joints.size(); ++j) joints[j] += change[j];
+    // What is left to correct, the equations of the joints before are good for.
+    if (size <= kLastStepRad) return WithDerivatives(s, joints, placed.axes, equations, path_);
+  }
+  return std::nullopt;
+}
+
+double PathSolver::Deviation(double s, const Joints& joints) const {
+  const Frame target = path_.FrameAt(s);
+  const Frame tool = screws_.At(joints).tool;
+  return std::max(Length(target.position - tool.position),
+                  Length(RotationBetween(tool.rotation, target.rotation)));
+}
+
+FollowedPath Follow(const PathSolver& solver, const Joints& start) {
+  FollowedPath followed;
+  const auto first = solver.Solve(0, start);
+  if (!first || Largest(first->value, start) > kJointTolerance) return {{}, 0};
+  JointPath& joints = followed.joints;
+  joints.Append(*first);
+  double length = kLongestPiece;
+  while (joints.last().s < 1) {
+    const PathPoint& from = joints.last();
+    const double left = 1 - from.s;
+    // The last two pieces are of one length, so that none is very short.
+    length = std::min(length, left <= length ? left : std::max(left / 2, std::min(length, left)));
+    const double to = left <= length ? 1.0 : from.s + length;
+    double shrink = 0.25;
+    if (const auto next = solver.Solve(to, Extrapolated(from, to))) {
+      JointPath piece;
+      piece.Append({0, from.value, from.first, from.second, from.third});
+      // (A piece of its own, from s = 0.)
+      PathPoint end = *next;
+      end.s = to - from.s;
+      piece.Append(end);
+      const double middle = from.s + end.s / 2;
+      const Joints guess = piece.At(end.s / 2, 0).value;
+      const double deviation = solver.Deviation(middle, guess);
+      const auto exact = solver.Solve(middle, guess);
+      if (exact && deviation <= kPathTolerance && Largest(exact->value, guess) <= kJointTolerance) {
+        joints.Append(*next);
+        length *= std::clamp(0.9 * std::pow(kPathTolerance / std::max(deviation, 1e-16), 0.125),
+                             0.5, 3.0);
+        length = std::min(length, kLongestPiece);
+        continue;
+      }
+      // The error of such a piece goes with the eighth power of its length.
+      if (exact) shrink = std::clamp(0.9 * std::pow(kPathTolerance / deviation, 0.125), 0.1, 0.8);
+    }
+    length *= shrink;
+    if (length < kShortestPiece) {
+      followed.stopped = from.s;
+      break;
+    }
+  }
+  return followed;
+}
+
+}  // namespace qal

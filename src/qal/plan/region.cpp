@@ -1,0 +1,117 @@
+#include "region.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qal {
+
+namespace {
+
+// Twice the area of a triangle, positive when it is passed counter-clockwise.
+double Area(const PathState& a, const PathState& b, const PathState& c) {
+  return (b.square - a.square) * (c.acceleration - a.acceleration) -
+         (b.acceleration - a.acceleration) * (c.square - a.square);
+}
+
+// Whether two corners are one but for rounding: an edge between them would lead anywhere.
+bool Same(const PathState& a, const PathState& b) {
+  constexpr double kRounding = 1e-12;
+  return std::fabs(a.square - b.square) <= kRounding * std::fabs(a.square) &&
+         std::fabs(a.acceleration - b.acceleration) <= kRounding * std::fabs(a.acceleration);
+}
+
+}  // namespace
+
+Region::Region(const PathState& low, const PathState& high) : size_(4) {
+  corners_[0].state = low;
+  corners_[1].state = {high.square, low.acceleration};
+  corners_[2].state = high;
+  corners_[3].state = {low.square, high.acceleration};
+}
+
+Region Region::Between(const PathState& a, const PathState& b) {
+  Region line;
+  line.corners_[0].state = a;
+  line.corners_[1].state = b;
+  line.size_ = 2;
+  return line;
+}
+
+HalfPlane Region::Edge(size_t i) const {
+  const size_t corner = i % size_;
+  const PathState& a = corners_[corner].state;
+  const PathState& b = corners_[corner + 1 == size_ ? 0 : corner + 1].state;
+  const double along_square = b.square - a.square;
+  const double along_acceleration = b.acceleration - a.acceleration;
+  if (i >= size_) {
+    return {along_square, along_acceleration,
+            along_square * b.square + along_acceleration * b.acceleration};
+  }
+  return {along_acceleration, -along_square,
+          along_acceleration * a.square - along_square * a.acceleration};
+}
+
+// I. E. Sutherland and G. W. Hodgman, "Reentrant polygon clipping", CACM 17 (1974).
+void Region::Cut(const HalfPlane& plane) {
+  double excess[kMostCorners];
+  bool all = true;
+  for (size_t i = 0; i < size_; ++i) {
+    excess[i] = plane.Excess(corners_[i].state);
+    all = all && excess[i] <= 0;
+  }
+  if (all) return;
+  std::array<Corner, kMostCorners + 2> kept;
+  size_t count = 0;
+  const auto keep = [&](const Corner& corner) {
+    if (count == 0 || !Same(corner.state, kept[count - 1].state)) kept[count++] = corner;
+  };
+  for (size_t i = 0; i < size_; ++i) {
+    const size_t next = i + 1 == size_ ? 0 : i + 1;
+    if (excess[i] <= 0) keep(corners_[i]);
+    if ((excess[i] < 0 && excess[next] > 0) || (excess[i] > 0 && excess[next] < 0)) {
+      const double part = excess[i] / (excess[i] - excess[next]);
+      const PathState& a = corners_[i].state;
+      const PathState& b = corners_[next].state;
+      keep({{a.square + part * (b.square - a.square),
+             a.acceleration + part * (b.acceleration - a.acceleration)},
+            false});
+    }
+  }
+  if (count > 1 && Same(kept[0].state, kept[count - 1].state)) --count;
+  size_ = std::min(count, kMostCorners);
+  std::copy_n(kept.begin(), size_, corners_.begin());
+}
+
+void Region::KeepLookedAt() {
+  const auto end = corners_.begin() + static_cast<std::ptrdiff_t>(size_);
+  size_ = static_cast<size_t>(
+      std::remove_if(corners_.begin(), end, [](const Corner& c) { return !c.looked_at; }) -
+      corners_.begin());
+}
+
+// The corner of the highest speed stays: motions at a limit of speed pass through it.
+void Region::Simplify() {
+  while (size_ > kFewCorners) {
+    size_t least = 0;
+    size_t fastest = 0;
+    double least_area = INFINITY;
+    for (size_t i = 1; i < size_; ++i) {
+      if (corners_[i].state.square > corners_[fastest].state.square) fastest = i;
+    }
+    for (size_t i = 0; i < size_; ++i) {
+      if (i == fastest) continue;
+      const double area = Area(corners_[i == 0 ? size_ - 1 : i - 1].state, corners_[i].state,
+                               corners_[i + 1 == size_ ? 0 : i + 1].state);
+      if (area < least_area) {
+        least_area = area;
+        least = i;
+      }
+    }
+    std::copy(corners_.begin() + static_cast<std::ptrdiff_t>(least) + 1,
+              corners_.begin() + static_cast<std::ptrdiff_t>(size_),
+              corners_.begin() + static_cast<std::ptrdiff_t>(least));
+    --size_;
+  }
+}
+
+}  // namespace qal
