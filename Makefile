@@ -3,7 +3,7 @@
 
 BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libtinyxml2-dev \
               libtomlplusplus-dev libyaml-dev nlohmann-json3-dev
-BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 valgrind
+BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
 TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
              $(BENCH_DEPS)
 

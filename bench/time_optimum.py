@@ -86,7 +86,7 @@ class Problem:
         return bounds, np.einsum("nmrd,nmd->nmr", self.rows, y)
 
     def excess(self, x):
-        """By interval, how many times slower it would have to be to keep the limits at its points."""
+        """By interval, how many times slower it would have to be to keep limits at the points."""
         bounds, loads = self.bounds_and_loads(self.values(x))
         return np.max((np.abs(loads) / bounds)**(1 / self.power), (1, 2))
 
@@ -117,7 +117,7 @@ class Problem:
         by_y = np.einsum("nmar,nmard,nmare->nmde", stiffness, slopes, slopes, optimize=True)
         by_y[..., 0, 0] += 0.75 * self.weights * b**-2.5
         concave = 0.75 * b**-2.5 * multipliers.sum(2)[..., self.is_jerk].sum(-1)
-        # With all curvature of the jerks' bounds it converges soonest, without any it always descends.
+        # With all curvature of the jerks' bounds it is soon there, without any it surely descends.
         for share in (1, 0.5, 0):
             bent = by_y.copy()
             bent[..., 0, 0] -= share * concave
@@ -223,6 +223,6 @@ def seven_phases(length, velocity, acceleration, jerk):
 def bound(path):
     """A duration below which there is no motion: velocities and accelerations are a convex problem,
     and s and each joint have to get to their ends."""
-    *_, (_, _, coarse), (_, _, fine) = refine(path, BY_ACCELERATION, (50, 100, 200))
+    *_, (_, _, coarse), (_, _, fine) = refine(path, BY_ACCELERATION, (50, 100, 200, 400))
     ways = np.abs(np.append(1, path.dq.integrate(0, 1)))
     return max(min(fine, 2 * fine - coarse), *map(seven_phases, ways, *path.limits))
