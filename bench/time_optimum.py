@@ -133,7 +133,7 @@ class Problem:
 
 
 def minimise(problem, x):
-    """The x of least duration. The one to start from may exceed limits: it is slowed down."""
+    """The x of least duration. That to start from has b > 0; beyond limits, it is slowed down."""
     x = 0.8 * x / max(1, problem.excess(x).max())**2
     y = problem.values(x)
     slacks = problem.slacks(y)
