@@ -7,16 +7,16 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
-#include <random>
 #include <sstream>
 
+#include "../../bench/seeded_lines.h"
 #include "../../io/loaded_arm.h"
 
 namespace qal {
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
-constexpr double kDegree = kPi / 180;
+using bench::Line;
+using bench::LineKind;
 
 double FromEnvironment(const char* name, double otherwise) {
   const char* const text = std::getenv(name);
@@ -35,80 +35,6 @@ std::vector<Arm> Arms() {
   for (const std::string& file : files) arms.push_back(io::ReadArm(file).arm);
   return arms;
 }
-
-struct Line {
-  State from;
-  Pose to;
-  LineLimits limits;
-};
-
-// Lines of every kind, some of which have no plan.
-class Draw {
- public:
-  explicit Draw(const Arm& arm, unsigned seed) : arm_(arm), engine_(seed) {}
-
-  double Between(double low, double high) {
-    return std::uniform_real_distribution<double>(low, high)(engine_);
-  }
-
-  Line Next(int kind) {
-    Line line;
-    const double scale[] = {1, 1, 0.5, 0.1};
-    const double speeds[] = {0.05, 0.25, 1, 3};
-    line.limits.speed_m_s = speeds[engine_() % 4];
-    line.limits.turn_speed_rad_s = 4 * line.limits.speed_m_s;
-    const double factor = scale[engine_() % 4];
-    line.limits.scale = {factor, factor, factor};
-    Joints joints;
-    for (size_t j = 0; j < 6; ++j) {
-      const JointModel& joint = arm_.joints()[j];
-      joints[j] =
-          Between(std::max(joint.lower_rad.value, -3.0), std::min(joint.upper_rad.value, 3.0));
-    }
-    double length = std::pow(10, Between(-5, -0.2));
-    if (kind == 1) joints[4] = Between(-1, 1) * 0.1 * kDegree;
-    const auto middle = Forward(arm_, joints);
-    Vec3 direction = {Between(-1, 1), Between(-1, 1), Between(-1, 1)};
-    Vec3 turn = {Between(-1, 1), Between(-1, 1), Between(-1, 1)};
-    double angle = kind == 2 ? 0 : std::pow(10, Between(-4, 0.4));
-    if (kind == 3) length = 0;
-    Pose start = *middle;
-    Pose end = *middle;
-    if (kind == 4) {  // past axis 1, 5 mm beside it
-      const double z = middle->position.z;
-      const double side = Between(0, 2 * kPi);
-      const double c = std::cos(side);
-      const double s = std::sin(side);
-      length = Between(0.1, 0.6);
-      start.position = {0.005 * c - length / 2 * s, 0.005 * s + length / 2 * c, z};
-      end.position = {0.005 * c + length / 2 * s, 0.005 * s - length / 2 * c, z};
-    } else {
-      const double size = std::hypot(direction.x, direction.y, direction.z);
-      const auto moved = [&](double by) {
-        const Vec3& p = middle->position;
-        return Vec3{p.x + by * direction.x / size, p.y + by * direction.y / size,
-                    p.z + by * direction.z / size};
-      };
-      start.position = moved(-length / 2);
-      end.position = moved(length / 2);
-      const auto turned = [&](double by) {
-        const double t = std::hypot(turn.x, turn.y, turn.z);
-        const double s = std::sin(by / 2) / t;
-        return Quat{std::cos(by / 2), s * turn.x, s * turn.y, s * turn.z} * middle->orientation;
-      };
-      start.orientation = turned(-angle / 2);
-      end.orientation = turned(angle / 2);
-    }
-    const auto solved = Nearest(arm_, start, joints);
-    line.from = solved ? *solved : State{joints, *middle};
-    line.to = end;
-    return line;
-  }
-
- private:
-  const Arm& arm_;
-  std::mt19937 engine_;
-};
 
 // By how much a motion exceeds its limits, seen from outside: by differences of what it says of
 // itself, at 32 times the cycle's rate.
@@ -183,15 +109,14 @@ Findings Examine(const Arm& arm, const Line& line, const LineMotion& motion) {
 }
 
 TEST(PlanLine, KeepsEveryLimitBetweenSamplesAndTheLine) {
-  const auto lines = static_cast<int>(FromEnvironment("QAL_LINES", 60));
+  const auto lines = static_cast<int>(FromEnvironment("QAL_LINES", 84));
   std::map<Reason, int> outcomes;
   for (const Arm& arm : Arms()) {
     for (int i = 0; i < lines; ++i) {
-      const unsigned seed =
-          static_cast<unsigned>(FromEnvironment("QAL_SEED", 20261125)) + static_cast<unsigned>(i);
+      const unsigned seed = 20261125 + static_cast<unsigned>(i);
       SCOPED_TRACE(arm.name() + ", seed " + std::to_string(seed));
-      Draw draw(arm, seed);
-      const Line line = draw.Next(static_cast<int>((seed - 20261125) % 5));
+      const auto kind = static_cast<LineKind>(i % bench::kLineKinds);
+      const Line line = bench::SeededLines(arm, seed).Next(kind);
       const auto motion = PlanLine(arm, line.from, line.to, line.limits);
       ++outcomes[motion ? Reason::kNone : motion.error().error.reason];
       if (!motion) continue;
