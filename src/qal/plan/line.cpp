@@ -168,7 +168,7 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
   if (auto failure = OutOfRange(arm, held->line, held->joints)) return *failure;
   held->end.joints = held->joints.last().value;
   held->path_limits = LimitsAlong(arm, limits, held->line.length_m(), held->line.angle_rad());
-  held->law = FastestLaw(held->joints, held->path_limits, 4 * held->cycle_s);
+  held->law = FastestLaw(held->joints, held->path_limits, held->cycle_s);
   return LineMotion(std::move(held));
 }
 

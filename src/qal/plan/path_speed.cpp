@@ -104,9 +104,56 @@ Region AllowedAt(const PlaceLimits& at, double reference) {
   return region;
 }
 
-// What bounds the change d of a step, seen from the state before it: factor * d <= bound -
-// square * b - acceleration * a. Of jerk rows there are two each; one row keeps the motion going,
-// and one for each edge of the region after the step leads into it.
+// Bounds of one side of a number: each linear in a state.
+class Side {
+ public:
+  void Add(double bound, double square, double acceleration) {
+    bound_[count_] = bound;
+    square_[count_] = square;
+    acceleration_[count_] = acceleration;
+    ++count_;
+  }
+  double At(size_t i, const PathState& state) const {
+    return bound_[i] - square_[i] * state.square - acceleration_[i] * state.acceleration;
+  }
+  // The least bound at a state, and which it is.
+  double Least(const PathState& state) const {
+    // Two at a time: the processor has them both under way.
+    double even = kInfinity;
+    double odd = kInfinity;
+    size_t i = 0;
+    for (; i + 1 < count_; i += 2) {
+      even = std::min(even, At(i, state));
+      odd = std::min(odd, At(i + 1, state));
+    }
+    if (i < count_) even = std::min(even, At(i, state));
+    return std::min(even, odd);
+  }
+  size_t IndexOfLeast(const PathState& state) const {
+    size_t least = 0;
+    for (size_t i = 1; i < count_; ++i) {
+      if (At(i, state) < At(least, state)) least = i;
+    }
+    return least;
+  }
+  // Where the sum of two bounds is not negative.
+  friend HalfPlane Meeting(const Side& a, size_t i, const Side& b, size_t j) {
+    return {a.square_[i] + b.square_[j], a.acceleration_[i] + b.acceleration_[j],
+            a.bound_[i] + b.bound_[j]};
+  }
+
+ private:
+  static constexpr size_t kMost = 2 * kRows + 1 + Region::kFewCorners;
+
+  size_t count_ = 0;
+  double bound_[kMost];
+  double square_[kMost];
+  double acceleration_[kMost];
+};
+
+// What bounds the change d of a step, seen from the state before it. Of jerk rows there are two
+// each; one row keeps the motion going, and one for each edge of the region after the step leads
+// into it.
 class Bounds {
  public:
   Bounds(const StepLimits& step, const Region& after) {
@@ -127,53 +174,25 @@ class Bounds {
       Add(edge.square * 2 * step.h * step.after + edge.acceleration,
           {edge.square, edge.square * 2 * step.h + edge.acceleration, edge.bound});
     }
-    // Rows that say nothing, so that there are pairs.
-    if (count_ % 2 == 1) Add(0, {0, 0, 0});
   }
 
-  struct Range {
-    double low = -kInfinity;
-    double high = kInfinity;
-  };
+  double Low(const PathState& state) const { return -below_.Least(state); }
+  double High(const PathState& state) const { return above_.Least(state); }
 
-  Range At(const PathState& state) const {
-    Range range;
-    for (size_t row = 0; row < count_; ++row) {
-      const double d = Limit(row, state);
-      range.high = std::min(range.high, d + not_high_[row]);
-      range.low = std::max(range.low, d - not_low_[row]);
-    }
-    return range;
-  }
-
-  // The states from which some d is possible: of those of `region`, all.
+  // Takes away the states from which no d is possible.
   void CutImpossible(Region& region) const;
 
  private:
-  static constexpr size_t kMost = 2 * kRows + 2 + Region::kFewCorners;
-
+  // factor * d <= bound - square * b - acceleration * a.
   void Add(double factor, const HalfPlane& right) {
-    const double inverse = factor == 0 ? 0 : 1 / factor;
-    const size_t row = count_++;
-    inverse_[row] = inverse;
-    bound_[row] = right.bound * inverse;
-    square_[row] = right.square * inverse;
-    acceleration_[row] = right.acceleration * inverse;
-    not_high_[row] = factor > 0 ? 0 : kInfinity;
-    not_low_[row] = factor < 0 ? 0 : kInfinity;
-  }
-  // What a row makes of d: its right side over its factor.
-  double Limit(size_t row, const PathState& state) const {
-    return bound_[row] - square_[row] * state.square - acceleration_[row] * state.acceleration;
+    if (factor == 0) return;
+    const double inverse = 1 / std::fabs(factor);
+    (factor > 0 ? above_ : below_)
+        .Add(inverse * right.bound, inverse * right.square, inverse * right.acceleration);
   }
 
-  size_t count_ = 0;
-  double inverse_[kMost];
-  double bound_[kMost];
-  double square_[kMost];
-  double acceleration_[kMost];
-  double not_high_[kMost];  // infinity where the row is no upper bound
-  double not_low_[kMost];   // infinity where it is no lower one
+  Side above_;  // of d
+  Side below_;  // of -d
 };
 
 // Elimination of d (J. Fourier, T. Motzkin) as far as it is needed: where at a corner a lower bound
@@ -185,27 +204,23 @@ void Bounds::CutImpossible(Region& region) const {
     double worst = 0;
     size_t where = 0;
     for (size_t i = 0; i < region.size(); ++i) {
-      if (region[i].looked_at) continue;
-      const auto [low, high] = At(region[i].state);
-      const double over = low - high - kRounding * (std::fabs(low) + std::fabs(high));
-      region[i].looked_at = !(over > 0);
-      if (!(over > worst)) continue;
-      worst = over;
+      Region::Corner& corner = region[i];
+      if (!corner.known) {
+        const double low = Low(corner.state);
+        const double high = High(corner.state);
+        corner.outside = low - high - kRounding * (std::fabs(low) + std::fabs(high));
+        corner.known = true;
+      }
+      if (!(corner.outside > worst)) continue;
+      worst = corner.outside;
       where = i;
     }
     if (worst == 0) return;
     const PathState state = region[where].state;
-    size_t upper = 0;
-    size_t lower = 0;
-    const Range range = At(state);
-    for (size_t row = 0; row < count_; ++row) {
-      if (Limit(row, state) + not_high_[row] == range.high) upper = row;
-      if (Limit(row, state) - not_low_[row] == range.low) lower = row;
-    }
-    region.Cut({square_[upper] - square_[lower], acceleration_[upper] - acceleration_[lower],
-                bound_[upper] - bound_[lower]});
+    region.Cut(Meeting(above_, above_.IndexOfLeast(state), below_, below_.IndexOfLeast(state)));
   }
-  region.KeepLookedAt();
+  // What is left may be impossible.
+  region.KeepInside();
 }
 
 // A state next to a region, moved into it, towards its middle. Rounding would otherwise add up.
@@ -232,7 +247,8 @@ PathState Within(const Region& region, PathState state) {
 // The state after a step that accelerates as fast as the bounds allow.
 PathState After(const StepLimits& step, const PathState& state, const Bounds& bounds,
                 const Region& region) {
-  const auto [low, high] = bounds.At(state);
+  const double low = bounds.Low(state);
+  const double high = bounds.High(state);
   // By rounding there may be no room.
   const double d = low <= high ? high : (low + high) / 2;
   return Within(region, {state.square + 2 * step.h * (state.acceleration + step.after * d),

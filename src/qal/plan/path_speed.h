@@ -3,28 +3,11 @@
 
 #include <vector>
 
-#include "joint_path.h"
+#include "draft.h"
 #include "region.h"
 
-// Internal: what limits a motion along a path, and the fastest states that keep them.
+// Internal: the fastest states of a motion along a path.
 namespace qal {
-
-/// Limits of a motion along a path: of the parameter s itself, and of each joint.
-struct PathLimits {
-  double speed;
-  double acceleration;
-  double jerk;
-  Joints joint_velocity;
-  Joints joint_acceleration;
-  Joints joint_jerk;
-};
-
-/// A motion from rest to rest along a path, by its speeds at places.
-struct Draft {
-  std::vector<double> places;  ///< from s = 0 to 1
-  std::vector<double> speed;   ///< there; at the ends 0
-  std::vector<double> half;    ///< at half the time between two places
-};
 
 /// How much of the limits to use from one place to the next.
 struct Margin {

@@ -72,9 +72,8 @@ void Region::Cut(const HalfPlane& plane) {
       const double part = excess[i] / (excess[i] - excess[next]);
       const PathState& a = corners_[i].state;
       const PathState& b = corners_[next].state;
-      keep({{a.square + part * (b.square - a.square),
-             a.acceleration + part * (b.acceleration - a.acceleration)},
-            false});
+      keep(Corner{{a.square + part * (b.square - a.square),
+                   a.acceleration + part * (b.acceleration - a.acceleration)}});
     }
   }
   if (count > 1 && Same(kept[0].state, kept[count - 1].state)) --count;
@@ -82,10 +81,11 @@ void Region::Cut(const HalfPlane& plane) {
   std::copy_n(kept.begin(), size_, corners_.begin());
 }
 
-void Region::KeepLookedAt() {
+void Region::KeepInside() {
   const auto end = corners_.begin() + static_cast<std::ptrdiff_t>(size_);
   size_ = static_cast<size_t>(
-      std::remove_if(corners_.begin(), end, [](const Corner& c) { return !c.looked_at; }) -
+      std::remove_if(corners_.begin(), end,
+                     [](const Corner& c) { return !c.known || c.outside > 0; }) -
       corners_.begin());
 }
 

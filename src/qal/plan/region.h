@@ -29,11 +29,12 @@ struct HalfPlane {
 class Region {
  public:
   /// Corners of a simplified region at the most.
-  static constexpr size_t kFewCorners = 14;
+  static constexpr size_t kFewCorners = 10;
 
   struct Corner {
     PathState state;
-    bool looked_at = false;  ///< a mark of the user's; new corners have none
+    bool known = false;  ///< whether `outside` is; not of new corners
+    double outside = 0;  ///< the user's: above 0 where the corner doesn't belong to the region
   };
 
   Region() = default;
@@ -53,8 +54,8 @@ class Region {
 
   /// Takes away what is outside.
   void Cut(const HalfPlane& plane);
-  /// Cuts the corners off that aren't looked at.
-  void KeepLookedAt();
+  /// Cuts the corners off that are outside or not known.
+  void KeepInside();
   /// Cuts the least corners off until there are few.
   void Simplify();
 

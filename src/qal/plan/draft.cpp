@@ -1,0 +1,144 @@
+#include "draft.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace qal {
+
+namespace {
+
+// At each place as fast as its speed, and its bends without an acceleration, allow; and from place
+// to place with what acceleration the joints' limits leave.
+Draft Outline(const JointPath& path, const PathLimits& limits) {
+  Draft draft;
+  std::vector<double> acceleration;
+  const auto add = [&](double s, size_t piece) {
+    const PathPoint q = path.At(s, piece);
+    double jerk = limits.jerk;
+    double speed = limits.speed;
+    double most = limits.acceleration;
+    for (size_t j = 0; j < 6; ++j) {
+      const double first = std::fabs(q.first[j]);
+      speed = std::min({speed, limits.joint_velocity[j] / first,
+                        std::sqrt(limits.joint_acceleration[j] / std::fabs(q.second[j])),
+                        std::cbrt(limits.joint_jerk[j] / std::fabs(q.third[j]))});
+      most = std::min(most, limits.joint_acceleration[j] / first);
+      jerk = std::min(jerk, limits.joint_jerk[j] / first);
+    }
+    // From rest at the constant jerk: s = j t^3 / 6, v = j t^2 / 2.
+    const double from_end = std::min(s, 1 - s);
+    const double time_s = std::cbrt(6 * from_end / jerk);
+    draft.places.push_back(s);
+    draft.speed.push_back(std::min(speed, jerk * time_s * time_s / 2));
+    acceleration.push_back(most);
+  };
+  constexpr int kParts = 8;
+  for (size_t piece = 0; piece < path.size(); ++piece) {
+    const bool first = piece == 0;
+    const bool final = piece + 1 == path.size();
+    for (int i = 0; i < kParts; ++i) {
+      // Towards the ends the places come closer, as the cube.
+      double u = static_cast<double>(i) / kParts;
+      if (first && !final) u = u * u * u;
+      if (final && !first) u = 1 - (1 - u) * (1 - u) * (1 - u);
+      add(path.begin(piece) + u * path.length(piece), piece);
+    }
+  }
+  add(1, path.size() - 1);
+  const auto limit = [&](size_t from, size_t to) {
+    const double h = std::fabs(draft.places[to] - draft.places[from]);
+    const double most = std::min(acceleration[from], acceleration[to]);
+    const double square = draft.speed[from] * draft.speed[from] + 2 * most * h;
+    draft.speed[to] = std::min(draft.speed[to], std::sqrt(square));
+  };
+  const size_t last = draft.places.size() - 1;
+  for (size_t k = 2; k <= last; ++k) limit(k - 1, k);
+  for (size_t k = last - 1; k > 1; --k) limit(k, k - 1);
+  return draft;
+}
+
+// A draft over time: between its places the speed is linear in time, but quadratic from and to
+// rest.
+class TimedDraft {
+ public:
+  explicit TimedDraft(const Draft& draft) : draft_(draft), times_(draft.places.size(), 0.0) {
+    const size_t last = times_.size() - 1;
+    for (size_t k = 0; k < last; ++k) {
+      const double h = draft.places[k + 1] - draft.places[k];
+      const double speed = draft.speed[k] + draft.speed[k + 1];
+      times_[k + 1] = times_[k] + (k == 0 || k + 1 == last ? 3 : 2) * h / speed;
+    }
+  }
+
+  double duration_s() const { return times_.back(); }
+
+  /// Place and speed at a time; times are asked for in their order.
+  std::pair<double, double> At(double time_s) {
+    while (k_ + 2 < times_.size() && times_[k_ + 1] <= time_s) ++k_;
+    const double part = (time_s - times_[k_]) / (times_[k_ + 1] - times_[k_]);
+    const double left = 1 - part;
+    const double from = draft_.places[k_];
+    const double h = draft_.places[k_ + 1] - from;
+    const double v0 = draft_.speed[k_];
+    const double v1 = draft_.speed[k_ + 1];
+    if (k_ == 0) return {h * part * part * part, v1 * part * part};
+    if (k_ + 2 == times_.size()) return {from + h * (1 - left * left * left), v0 * left * left};
+    const double speed = v0 + part * (v1 - v0);
+    return {from + h * part * (v0 + speed) / (v0 + v1), speed};
+  }
+
+ private:
+  const Draft& draft_;
+  std::vector<double> times_;
+  size_t k_ = 0;
+};
+
+// The draft by other places, `step_s` apart, and closer where the path's pieces are shorter: there
+// the joints bend most.
+Draft Spaced(const Draft& draft, const JointPath& path, double step_s) {
+  TimedDraft timed(draft);
+  // Fewer would not show the phases of a short motion.
+  constexpr double kLeast = 24;
+  const double count = std::max(kLeast, std::ceil(timed.duration_s() / step_s));
+  const double interval_s = timed.duration_s() / count;
+  std::vector<double> times;
+  size_t piece = 0;
+  double before = 0;
+  for (double i = 1; i <= count; ++i) {
+    const double s = i < count ? timed.At(i * interval_s).first : 1;
+    double shortest = path.length(piece);
+    for (; piece + 1 < path.size() && path.begin(piece + 1) < s; ++piece) {
+      shortest = std::min(shortest, path.length(piece + 1));
+    }
+    const double parts = std::ceil(3 * (s - before) / shortest);
+    for (double part = 1; part <= parts; ++part) {
+      times.push_back((i - 1 + part / parts) * interval_s);
+    }
+    before = s;
+  }
+  times.pop_back();
+  TimedDraft again(draft);
+  Draft spaced = {{0}, {0}, {}};
+  for (const double time_s : times) {
+    const auto [place, speed] = again.At(time_s);
+    spaced.places.push_back(place);
+    spaced.speed.push_back(speed);
+  }
+  spaced.places.push_back(1);
+  spaced.speed.push_back(0);
+  for (size_t i = 1; i < spaced.speed.size(); ++i) {
+    const double v0 = spaced.speed[i - 1];
+    const double v1 = spaced.speed[i];
+    spaced.half.push_back((v0 + v1) / (v0 == 0 || v1 == 0 ? 4 : 2));
+  }
+  return spaced;
+}
+
+}  // namespace
+
+Draft DraftOf(const JointPath& path, const PathLimits& limits, double step_s) {
+  return Spaced(Outline(path, limits), path, step_s);
+}
+
+}  // namespace qal

@@ -1,0 +1,73 @@
+#include "load.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace qal {
+
+namespace {
+
+// NaN is larger than any.
+double Larger(double a, double b) { return b <= a ? a : b; }
+
+// What a moment of a motion needs.
+Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathLimits& limits) {
+  const auto& [s, v, a, jerk] = moment;
+  Load load = {std::fabs(v) / limits.speed, std::fabs(a) / limits.acceleration,
+               std::fabs(jerk) / limits.jerk};
+  for (size_t j = 0; j < 6; ++j) {
+    const double first = joints.first[j];
+    const double second = joints.second[j];
+    const double velocity = first * v;
+    const double acceleration = second * v * v + first * a;
+    const double third = joints.third[j] * v * v * v + 3 * second * v * a + first * jerk;
+    load.velocity = std::max(load.velocity, std::fabs(velocity) / limits.joint_velocity[j]);
+    load.acceleration =
+        std::max(load.acceleration, std::fabs(acceleration) / limits.joint_acceleration[j]);
+    load.jerk = std::max(load.jerk, std::fabs(third) / limits.joint_jerk[j]);
+  }
+  return load;
+}
+
+}  // namespace
+
+double Load::Slowdown() const {
+  return Larger(Larger(1.0, velocity), Larger(std::sqrt(acceleration), std::cbrt(jerk)));
+}
+
+Load Larger(const Load& a, const Load& b) {
+  return {Larger(a.velocity, b.velocity), Larger(a.acceleration, b.acceleration),
+          Larger(a.jerk, b.jerk)};
+}
+
+Load LoadMeter::At(double time_s) const { return LoadAt(here_, law_.At(time_s, piece_), limits_); }
+
+void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
+  const size_t before = path_piece_;
+  const double s = std::clamp(law_.At(to_s, piece_).s, 0.0, 1.0);
+  const size_t there = path_.PieceAt(s, before);
+  // A law that is faster than its numbers can tell is none.
+  constexpr double kShortestS = 1e-9;
+  if (there > before + 1 && to_s - from_s > kShortestS) {
+    const double middle_s = (from_s + to_s) / 2;
+    MoveTo(from_s, middle_s, most);
+    MoveTo(middle_s, to_s, most);
+    return;
+  }
+  path_piece_ = there;
+  here_ = path_.At(s, there);
+  most = Larger(most, At(to_s));
+}
+
+Load LoadMeter::Next() {
+  // Within a piece nothing jumps, and what bends does so over some of its lengths.
+  constexpr int kLooks = 4;
+  const double begin_s = law_.begin_s(piece_);
+  const double look_s = law_.length_s(piece_) / kLooks;
+  Load most = At(begin_s);
+  for (int i = 0; i < kLooks; ++i) MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
+  ++piece_;
+  return most;
+}
+
+}  // namespace qal

@@ -1,0 +1,47 @@
+#ifndef QAL_PLAN_LOAD_H_
+#define QAL_PLAN_LOAD_H_
+
+#include "joint_path.h"
+#include "path_limits.h"
+#include "time_law.h"
+
+// Internal: what a motion along a path needs of its limits.
+namespace qal {
+
+/// How much of each limit is needed, as a multiple of it: the most of all that are of a kind.
+struct Load {
+  double velocity = 0;
+  double acceleration = 0;
+  double jerk = 0;
+
+  /// How much slower a motion has to be to keep the limits; 1 when it does.
+  double Slowdown() const;
+};
+
+Load Larger(const Load& a, const Load& b);
+
+/// Looks at a law's pieces, one after the other.
+class LoadMeter {
+ public:
+  LoadMeter(const JointPath& path, const PathLimits& limits, const TimeLaw& law)
+      : path_(path), limits_(limits), law_(law), here_(path.At(0, 0)) {}
+
+  /// The most that the next piece needs, at its ends and at moments within it, so close that no
+  /// piece of the path is passed over: there the joints bend most.
+  Load Next();
+
+ private:
+  Load At(double time_s) const;
+  void MoveTo(double from_s, double to_s, Load& most);
+
+  const JointPath& path_;
+  const PathLimits& limits_;
+  const TimeLaw& law_;
+  size_t piece_ = 0;
+  size_t path_piece_ = 0;
+  PathPoint here_;
+};
+
+}  // namespace qal
+
+#endif  // QAL_PLAN_LOAD_H_
