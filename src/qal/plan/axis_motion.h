@@ -5,6 +5,13 @@
 
 namespace qal {
 
+/// What an axis may do at most, in its unit of length and in seconds; each above 0.
+struct AxisLimits {
+  double velocity;
+  double acceleration;
+  double jerk;
+};
+
 /// Where an axis is at a moment, in its own unit of length: rad for a joint, m along a line.
 struct AxisState {
   double position = 0;

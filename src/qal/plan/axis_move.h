@@ -5,13 +5,6 @@
 
 namespace qal {
 
-/// What an axis may do at most, in its unit of length and in seconds; each above 0.
-struct AxisLimits {
-  double velocity;
-  double acceleration;
-  double jerk;
-};
-
 /// How a move from rest to rest spends its time: jerk, hold, jerk back, cruise, and the same
 /// mirrored. Any of them may be 0.
 struct SevenPhases {

@@ -1,0 +1,52 @@
+#ifndef QAL_PLAN_AXIS_TRANSFER_H_
+#define QAL_PLAN_AXIS_TRANSFER_H_
+
+#include <optional>
+
+#include "axis_move.h"
+#include "axis_reach.h"
+
+namespace qal {
+
+/// The velocity that a state leads to even if its acceleration is taken away at once.
+double UnavoidableVelocity(const AxisState& state, double jerk);
+
+/// One axis from any state to any other, in any time in which that can be done.
+///
+/// In a given time the motions that keep the limits are a convex set, since all of its bounds are
+/// linear. So every displacement between the farthest and the nearest (the farthest the other way)
+/// is that of a blend of those two motions, which keeps the limits as they do.
+class AxisTransfer {
+ public:
+  /// Each state has to be one that the limits allow (joint_move.cpp checks them).
+  AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits);
+
+  /// The shortest time from `duration_s` on in which it can be done. Times that are long enough
+  /// can be followed by some that are not, but not by infinitely many stretches of them.
+  double NextDuration(double duration_s) const;
+
+  /// Appends the pieces of a motion that takes `duration_s`, one of these.
+  void AddPieces(double duration_s, AxisMotion& motion) const;
+
+  /// Whether the velocity is 0 at both ends, and the acceleration.
+  bool rests() const { return !reaches_; }
+
+ private:
+  struct Reaches {
+    explicit Reaches(const AxisTask& task) : farthest(task), nearest(task.Mirrored()) {}
+    Reach farthest, nearest;
+  };
+
+  AxisState from_;
+  double distance_;
+  SevenPhases phases_;  // between rests
+  std::optional<Reaches> reaches_;
+  double time_s_ = 0;  // the units of an AxisTask
+  double acceleration_ = 0;
+  double length_ = 0;
+  double least_time_ = 0;  // in which the acceleration can change as it has to
+};
+
+}  // namespace qal
+
+#endif  // QAL_PLAN_AXIS_TRANSFER_H_

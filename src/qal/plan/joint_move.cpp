@@ -1,0 +1,220 @@
+#include "joint_move.h"
+
+#include <cmath>
+#include <optional>
+
+#include "../solve/kinematics.h"
+#include "axis_transfer.h"
+#include "quadratic.h"
+
+namespace qal {
+
+namespace {
+
+constexpr int kJoints = 6;
+
+// A state that a motion within the limits was sampled at may be some roundings beyond them.
+constexpr double kAtLimit = 1 + 1e-10;
+// How far a move may pass its end [rad] that stands at the limit of its joint's range: roundings.
+constexpr double kAtRangeRad = 1e-11;
+
+AxisState StateOf(const MotionState& state, size_t j) {
+  return {state.joints[j], state.velocities[j], state.accelerations[j]};
+}
+
+PlanFailure Failed(const Arm& arm, Error error, double along, const Joints& before) {
+  PlanFailure failure{std::move(error), along, {before, {}}};
+  if (const Result<Pose> pose = Forward(arm, before)) failure.before.pose = *pose;
+  return failure;
+}
+
+// Whether all are finite, without a branch for each.
+bool AllFinite(const MotionState& state) {
+  double zero = 0;
+  for (const Joints* numbers : {&state.joints, &state.velocities, &state.accelerations}) {
+    for (const double number : *numbers) zero += 0 * number;
+  }
+  return zero == 0;
+}
+
+Error NotFinite(const MotionState& from, const MotionState& to) {
+  for (const MotionState* state : {&from, &to}) {
+    for (const Joints* numbers : {&state->joints, &state->velocities, &state->accelerations}) {
+      for (int j = 0; j < kJoints; ++j) {
+        const double number = (*numbers)[static_cast<size_t>(j)];
+        if (!std::isfinite(number)) return {Reason::kNotFinite, j, number};
+      }
+    }
+  }
+  return {Reason::kNotFinite};
+}
+
+std::optional<Error> RefusedSetting(const JointLimits& limits) {
+  const auto& [velocity, acceleration, jerk] = limits.scale;
+  const std::pair<const char*, double> scales[] = {
+      {"velocity_scale", velocity}, {"acceleration_scale", acceleration}, {"jerk_scale", jerk}};
+  for (const auto& [name, value] : scales) {
+    if (!(value > 0 && value <= 1)) return Error{Reason::kSetting, -1, value, 1, name};
+  }
+  if (limits.duration_s >= 0 && std::isfinite(limits.duration_s)) return std::nullopt;
+  return Error{Reason::kSetting, -1, limits.duration_s, 0, "duration_s"};
+}
+
+std::optional<Error> RefusedRate(int joint, const AxisState& from, const AxisState& to,
+                                 const AxisLimits& limits) {
+  const struct {
+    const char* name;
+    double value, bound;
+  } rates[] = {
+      {"start_velocity_rad_s", from.velocity, limits.velocity},
+      {"start_acceleration_rad_s2", from.acceleration, limits.acceleration},
+      {"end_velocity_rad_s", to.velocity, limits.velocity},
+      {"end_acceleration_rad_s2", to.acceleration, limits.acceleration},
+      {"unavoidable_start_velocity_rad_s", UnavoidableVelocity(from, limits.jerk), limits.velocity},
+      {"unavoidable_end_velocity_rad_s",
+       UnavoidableVelocity({0, to.velocity, -to.acceleration}, limits.jerk), limits.velocity}};
+  for (const auto& [name, value, bound] : rates) {
+    if (std::fabs(value) > bound * kAtLimit) {
+      return Error{Reason::kEndRate, joint, value, bound, name};
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<Error> RefusedRange(int joint, const JointModel& model, double position_rad,
+                                  double slack_rad = 0) {
+  const double lower = model.lower_rad.value;
+  const double upper = model.upper_rad.value;
+  if (position_rad < lower - slack_rad)
+    return Error{Reason::kJointRange, joint, position_rad, lower};
+  if (position_rad > upper + slack_rad)
+    return Error{Reason::kJointRange, joint, position_rad, upper};
+  return std::nullopt;
+}
+
+// When a joint that its range ends at `bound` leaves it, in a piece that goes there in one
+// direction from `begin_s` to `end_s`.
+double LeavesAt(const Cubic& piece, double begin_s, double end_s, double bound) {
+  const bool up = piece.At(end_s).position > bound;
+  constexpr int kHalvings = 60;
+  for (int i = 0; i < kHalvings; ++i) {
+    const double middle = (begin_s + end_s) / 2;
+    ((piece.At(middle).position > bound) == up ? end_s : begin_s) = middle;
+  }
+  return begin_s;
+}
+
+}  // namespace
+
+class JointPlanner {
+ public:
+  JointPlanner(const Arm& arm, JointMotion& motion) : arm_(arm), motion_(motion) {}
+
+  std::optional<PlanFailure> Plan(const JointLimits& limits) {
+    const MotionState& from = motion_.from_;
+    if (!AllFinite(from) || !AllFinite(motion_.to_)) {
+      return PlanFailure{NotFinite(from, motion_.to_)};
+    }
+    if (auto refused = RefusedSetting(limits)) return Fail(*std::move(refused), 0);
+    for (int j = 0; j < kJoints; ++j) {
+      if (auto failure = Prepare(j, limits.scale)) return failure;
+    }
+    motion_.duration_s_ = CommonDuration(limits.duration_s);
+    for (size_t j = 0; j < kJoints; ++j)
+      axes_[j]->AddPieces(motion_.duration_s_, motion_.joints_[j]);
+    for (int j = 0; j < kJoints; ++j) {
+      if (axes_[static_cast<size_t>(j)]->rests()) continue;
+      if (auto failure = LeavesRange(j)) return failure;
+    }
+    return std::nullopt;
+  }
+
+ private:
+  PlanFailure Fail(Error error, double along) const {
+    return Failed(arm_, std::move(error), along, motion_.from_.joints);
+  }
+
+  std::optional<PlanFailure> Prepare(int joint, const LimitScale& scale) {
+    const auto j = static_cast<size_t>(joint);
+    const JointModel& model = arm_.joints()[j];
+    const AxisState from = StateOf(motion_.from_, j);
+    const AxisState to = StateOf(motion_.to_, j);
+    if (auto refused = RefusedRange(joint, model, from.position))
+      return Fail(*std::move(refused), 0);
+    if (auto refused = RefusedRange(joint, model, to.position)) return Fail(*std::move(refused), 1);
+    AxisLimits& limits = motion_.limits_[j];
+    limits = {model.velocity_rad_s.value * scale.velocity,
+              model.acceleration_rad_s2.value * scale.acceleration,
+              model.jerk_rad_s3.value * scale.jerk};
+    axes_[j].emplace(from, to, limits);
+    if (axes_[j]->rests()) return std::nullopt;
+    if (auto refused = RefusedRate(joint, from, to, limits)) {
+      const bool at_end = refused->detail.find("end_") != std::string::npos;
+      return Fail(*std::move(refused), at_end ? 1 : 0);
+    }
+    return std::nullopt;
+  }
+
+  // The shortest duration from `duration_s` on that every joint can take.
+  double CommonDuration(double duration_s) const {
+    int agreed = 0;
+    for (size_t j = 0; agreed < kJoints; j = (j + 1) % kJoints) {
+      const double next_s = axes_[j]->NextDuration(duration_s);
+      agreed = next_s > duration_s ? 1 : agreed + 1;
+      duration_s = next_s;
+    }
+    return duration_s;
+  }
+
+  std::optional<PlanFailure> LeavesRange(int joint) const {
+    const auto j = static_cast<size_t>(joint);
+    const AxisMotion& pieces = motion_.joints_[j];
+    for (int i = 0; i < pieces.size(); ++i) {
+      const double piece_s = pieces.begin_s(i);
+      const double end_s =
+          (i + 1 < pieces.size() ? pieces.begin_s(i + 1) : motion_.duration_s_) - piece_s;
+      const Cubic& piece = pieces.cubic(i);
+      Times<3> turns;
+      AddRoots({piece.velocity, piece.acceleration, piece.jerk / 2}, 0, end_s, turns);
+      turns.Add(end_s);
+      double before_s = 0;
+      for (const double time_s : turns) {
+        if (auto refused =
+                RefusedRange(joint, arm_.joints()[j], piece.At(time_s).position, kAtRangeRad)) {
+          const double left_s = piece_s + LeavesAt(piece, before_s, time_s, refused->bound);
+          return Failed(arm_, *std::move(refused), left_s / motion_.duration_s_,
+                        motion_.At(left_s).joints);
+        }
+        before_s = time_s;
+      }
+    }
+    return std::nullopt;
+  }
+
+  const Arm& arm_;
+  JointMotion& motion_;
+  std::array<std::optional<AxisTransfer>, kJoints> axes_;
+};
+
+MotionState JointMotion::At(double t_s) const {
+  if (!(t_s > 0)) return from_;
+  if (t_s >= duration_s_) return to_;
+  MotionState state;
+  for (size_t j = 0; j < kJoints; ++j) {
+    const auto [position, velocity, acceleration] = joints_[j].At(t_s);
+    state.joints[j] = position;
+    state.velocities[j] = velocity;
+    state.accelerations[j] = acceleration;
+  }
+  return state;
+}
+
+Result<JointMotion, PlanFailure> PlanJoint(const Arm& arm, const MotionState& from,
+                                           const MotionState& to, const JointLimits& limits) {
+  // Planned where it is returned, since a motion is some kilobytes.
+  Result<JointMotion, PlanFailure> planned = JointMotion(from, to, limits.scale);
+  if (auto failure = JointPlanner(arm, *planned).Plan(limits)) planned = *std::move(failure);
+  return planned;
+}
+
+}  // namespace qal

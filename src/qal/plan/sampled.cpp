@@ -1,0 +1,63 @@
+#include "sampled.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "../solve/kinematics.h"
+
+namespace qal {
+
+namespace {
+
+// A duration this much of a cycle beyond a whole number of cycles is that number.
+constexpr double kRounding = 1e-9;
+
+double WholeCycles(double duration_s, double cycle_s) {
+  return std::ceil(duration_s / cycle_s - kRounding);
+}
+
+PlanFailure TooMany(double cycles) {
+  return {{Reason::kTooManyPoints, -1, cycles + 1, kMostSamples}};
+}
+
+Result<Trajectory, PlanFailure> Played(const Arm& arm, const JointMotion& motion, size_t cycles) {
+  Trajectory samples;
+  samples.reserve(cycles + 1);
+  for (size_t i = 0; i <= cycles; ++i) {
+    const double time_s = static_cast<double>(i) * arm.cycle_s().value;
+    const auto [joints, velocities, accelerations] = i < cycles ? motion.At(time_s) : motion.to();
+    const Result<Pose> pose = Forward(arm, joints);
+    if (!pose) {
+      const double along = static_cast<double>(i) / static_cast<double>(cycles);
+      PlanFailure failure{pose.error(), along};
+      if (!samples.empty()) failure.before = {samples.back().joints, samples.back().pose};
+      return failure;
+    }
+    samples.push_back({time_s, joints, velocities, accelerations, *pose});
+  }
+  return samples;
+}
+
+}  // namespace
+
+Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotion& motion) {
+  const double cycle_s = arm.cycle_s().value;
+  double cycles = WholeCycles(motion.duration_s(), cycle_s);
+  if (cycles >= kMostSamples) return TooMany(cycles);
+  if (motion.duration_s() >= cycles * cycle_s) {
+    return Played(arm, motion, static_cast<size_t>(cycles));
+  }
+  for (;;) {
+    const auto slower =
+        PlanJoint(arm, motion.from(), motion.to(), {motion.scale(), cycles * cycle_s});
+    if (!slower) return slower.error();
+    if (slower->duration_s() == cycles * cycle_s) {
+      return Played(arm, *slower, static_cast<size_t>(cycles));
+    }
+    // It can't take as long as that, but longer.
+    cycles = std::max(cycles + 1, WholeCycles(slower->duration_s(), cycle_s));
+    if (cycles >= kMostSamples) return TooMany(cycles);
+  }
+}
+
+}  // namespace qal

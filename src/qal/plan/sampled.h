@@ -1,0 +1,20 @@
+#ifndef QAL_PLAN_SAMPLED_H_
+#define QAL_PLAN_SAMPLED_H_
+
+#include "joint_move.h"
+
+namespace qal {
+
+/// The most samples of a trajectory.
+constexpr double kMostSamples = 1e6;
+
+/// A joint move as a controller plays it, planned again to take a whole number of `arm`'s cycles:
+/// the fewest that it can.
+/// @param arm the one that it was planned for
+/// @return kTooManyPoints for more than `kMostSamples`; the errors of `PlanJoint`, where the slower
+///         move leaves a joint's range and the quicker one doesn't; kNoPose, kSolverThrows
+QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotion& motion);
+
+}  // namespace qal
+
+#endif  // QAL_PLAN_SAMPLED_H_
