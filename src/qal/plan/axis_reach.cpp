@@ -9,15 +9,11 @@ namespace qal {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-// Relative to velocities and ways at top velocity: some roundings of what is worked out here. A
-// state that another motion has been sampled at is met by what is left of that motion.
+// Relative to the top velocity and the way at it: some roundings of what is worked out here.
 constexpr double kSame = 4e-15;
 
-// Where a displacement stops rising and where it rises again, in the variable of its law.
-struct Turns {
-  double top = kInfinity;
-  double bottom = kInfinity;
-};
+// Each law has a variable in which its displacement is a polynomial (times that variable), and
+// `top`: where it stops rising, to rise again later.
 
 // Neither limit of acceleration is met. With m from peak to trough, the time is 2 m.
 struct NoHold {
@@ -27,11 +23,10 @@ struct NoHold {
   double Ratio(double m) const { return m > 0 ? std::min(change / m, 2.0) : 0; }
   double Value(double m) const { return m * (sum + m * m / 4) - change * Ratio(m) / 4; }
   double Slope(double m) const { return sum + (3 * m * m + Ratio(m) * Ratio(m)) / 4; }
-  Turns turns() const {
+  double top() const {
     const double root = 4 * sum * sum - 3 * change * change;
-    if (sum >= 0 || root <= 0) return {};
-    const double bottom = (std::sqrt(root) - 2 * sum) / 3;
-    return {std::sqrt(change * change / 3 / bottom), std::sqrt(bottom)};
+    if (sum >= 0 || root <= 0) return kInfinity;
+    return change / std::sqrt(std::sqrt(root) - 2 * sum);
   }
 };
 
@@ -45,15 +40,15 @@ struct OneHold {
     return x * x * (x * (x / 2 - 1) + faster + 0.5) + change * (faster - (change + 1) / 2);
   }
   double Slope(double x) const { return x * (x * (2 * x - 3) + 2 * faster + 1); }
-  Turns turns() const {
+  double top() const {
     const double root = 1.0 / 16 - faster;
-    if (root <= 0) return {};
-    return {0.75 - std::sqrt(root), 0.75 + std::sqrt(root)};
+    return root > 0 ? 0.75 - std::sqrt(root) : kInfinity;
   }
 };
 
 // Where a law that is below `target` at `low` reaches it, on a stretch up to `high` on which it
-// rises: Newton's method, and halving where that doesn't halve its steps or leaves the stretch.
+// does so once: Newton's method, and halving where that doesn't halve its steps or leaves the
+// stretch.
 template <class Law>
 double Root(const Law& law, double low, double high, double target) {
   double x = high;
@@ -80,13 +75,10 @@ double Root(const Law& law, double low, double high, double target) {
 template <class Law>
 double FirstReached(const Law& law, double begin, double end, double target) {
   if (!(begin < end)) return kInfinity;
-  double low = law.FromTime(begin);
-  const double high = law.FromTime(end);
-  const auto [top, bottom] = law.turns();
-  if (top > low && top < high && law.Value(top) >= target) {
-    return std::max(begin, law.ToTime(Root(law, low, top, target)));
-  }
-  if (top < high) low = std::max(low, std::min(bottom, high));
+  const double low = law.FromTime(begin);
+  double high = law.FromTime(end);
+  const double top = law.top();
+  if (top > low && top < high && law.Value(top) >= target) high = top;
   if (law.Value(high) < target) return kInfinity;
   return std::max(begin, law.ToTime(Root(law, low, high, target)));
 }
@@ -125,8 +117,7 @@ double Reach::Displacement(double time) const {
   }
   if (time >= two_holds_begin_) return (time * (time + 2 * (sum_ - 1)) - change_ * change_) / 4;
   if (time >= no_hold_begin_ && time <= no_hold_end_) {
-    const NoHold law{sum_, change_};
-    return law.Value(law.FromTime(time));
+    return NoHold{sum_, change_}.Value(NoHold::FromTime(time));
   }
   const OneHold law{std::max(u0_, u1_), change_};
   return law.Value(law.FromTime(time));
