@@ -9,8 +9,10 @@ namespace qal {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-// Relative to the top velocity and the way at it: some roundings of what is worked out here.
-constexpr double kSame = 4e-15;
+// Relative to the top velocity and the way at it. A state that a motion was sampled at is off by
+// roundings of its times; what is left of that motion has to be found all the same, since there may
+// be none that is nearly as quick.
+constexpr double kSame = 1e-13;
 
 // Each law has a variable in which its displacement is a polynomial (times that variable), and
 // `top`: where it stops rising, to rise again later.

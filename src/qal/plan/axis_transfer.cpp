@@ -97,8 +97,6 @@ AxisTransfer::AxisTransfer(const AxisState& from, const AxisState& to, const Axi
   time_s_ = acceleration / limits.jerk;
   const double velocity = acceleration * time_s_;
   length_ = velocity * time_s_;
-  // A state that a motion was sampled at is off by the roundings of its times as well. What is left
-  // of that motion has to be found all the same: there may be none that is nearly as quick.
   constexpr double kPositionDigits = 1e-13;
   AxisTask task = {
       from.velocity / velocity,
