@@ -33,6 +33,7 @@ using Cases = std::vector<Case>;
 void AddKinematics(const Workload& work, Cases& cases);    ///< solver, forward, inverse, jog
 void AddTrajectories(const Workload& work, Cases& cases);  ///< lines and joint moves
 void AddArms(Cases& cases);     ///< solvers of arms near a family and of the other families
+void AddMoves(Cases& cases);    ///< joint moves within limits, and their samples
 void AddScaling(Cases& cases);  ///< the same from 100 to 1,000,000 waypoints, as far as each goes
 void AddPeer(const Workload& work, Cases& cases);  ///< the same jobs done by Orocos KDL
 

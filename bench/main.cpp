@@ -22,6 +22,7 @@ Cases AllCases(const Workload& work) {
   AddKinematics(work, cases);
   AddTrajectories(work, cases);
   AddArms(cases);
+  AddMoves(cases);
   AddScaling(cases);
   AddPeer(work, cases);
   return cases;

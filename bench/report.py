@@ -44,6 +44,10 @@ RATIOS = [
     ("trapezoid", "joint/trapezoid", "its ArmFk alone", "joint/ArmFk alone", 1.15),
     ("joint ramp", "joint/ramped", "its ArmFk alone", "joint/ArmFk alone", None),
     ("fixed-step joint move", "joint/fixed step", "its ArmFk alone", "joint/ArmFk alone", None),
+    ("plan of one joint", "plan/one joint", "ArmFk", "fk/ArmFk", 1.6),
+    ("plan of six from rest", "plan/six from rest", "ArmFk", "fk/ArmFk", 20),
+    ("plan of six moving", "plan/six moving", "ArmFk", "fk/ArmFk", 45),
+    ("sample of six joints", "plan/sample", "ArmFk", "fk/ArmFk", 0.35),
     ("near a spherical wrist", "arm/spherical wrist", "its nearest member",
      "arm/spherical wrist nominal", 7.0),
     ("near three parallel axes", "arm/parallel axes", "its nearest member",
@@ -150,7 +154,7 @@ def main():
     parser.add_argument("--repetitions", type=int, default=15)
     arguments = parser.parse_args()
 
-    times = run(arguments.timer, "^(fk|ik|jog|line|joint|arm)/", arguments.repetitions, core=0)
+    times = run(arguments.timer, "^(fk|ik|jog|line|joint|arm|plan)/", arguments.repetitions, core=0)
     scaling = run(arguments.timer, "^scaling/", 5, core=0)
     threads = run(arguments.timer, "^threads/", arguments.repetitions)
     memory = measure_memory(arguments.memory)

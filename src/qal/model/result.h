@@ -20,6 +20,11 @@ class [[nodiscard]] Result {
   // cppcheck-suppress noExplicitConstructor
   Result(E error) : held_(std::in_place_index<1>, std::move(error)) {}  // NOLINT(*-explicit-*)
 
+  /// A value that is made where it is returned.
+  template <class... Args>
+  explicit Result(std::in_place_t /*value*/, Args&&... args)
+      : held_(std::in_place_index<0>, std::forward<Args>(args)...) {}
+
   bool has_value() const { return held_.index() == 0; }
   explicit operator bool() const { return has_value(); }
 

@@ -2,6 +2,9 @@
 #define QAL_PLAN_AXIS_MOTION_H_
 
 #include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
 
 namespace qal {
 
@@ -30,8 +33,8 @@ struct Cubic {
   AxisState At(double t_s) const {
     const double turned = t_s * jerk;
     const double gained = t_s * (acceleration + turned / 2);
-    return {position + t_s * (velocity + t_s * (acceleration / 2 + turned / 6)), velocity + gained,
-            acceleration + turned};
+    return {position + t_s * (velocity + t_s * (acceleration / 2 + turned * (1.0 / 6))),
+            velocity + gained, acceleration + turned};
   }
 };
 
@@ -41,13 +44,13 @@ class AxisMotion {
  public:
   static constexpr int kMostPieces = 14;
 
-  // What is beyond the last piece is neither set nor read.
+  // What isn't set isn't read.
   AxisMotion() {}  // NOLINT(modernize-use-equals-default): that one would set it
   AxisMotion(const AxisMotion& other) { *this = other; }
   AxisMotion& operator=(const AxisMotion& other) {
     if (this == &other) return *this;
     size_ = other.size_;
-    std::copy(other.begin_s_, other.begin_s_ + size_, begin_s_);
+    if (size_ > 0) std::copy(other.begin_s_, other.begin_s_ + kMostPieces, begin_s_);
     std::copy(other.cubic_, other.cubic_ + size_, cubic_);
     return *this;
   }
@@ -60,20 +63,31 @@ class AxisMotion {
 
   /// The state at `t_s`, by the first piece before it begins and by the last one after it.
   AxisState At(double t_s) const {
-    // Counted, not searched: the compiler makes it free of branches.
-    int i = 0;
-    for (int k = 1; k < size_; ++k) i += begin_s_[k] <= t_s ? 1 : 0;
+    // How many begin by then: counted two at a time and always to the end, which is free of
+    // branches. A comparison that holds is -1.
+    Flags later = {1, 0};
+    for (int k = 0; k < kMostPieces; k += 2) {
+      Lanes begins;
+      std::memcpy(&begins, begin_s_ + k, sizeof(begins));
+      later += begins <= Lanes{t_s, t_s};
+    }
+    const int64_t i = std::max<int64_t>(0, -(later[0] + later[1]));
     return cubic_[i].At(t_s - begin_s_[i]);
   }
 
   void Add(double begin_s, const Cubic& cubic) {
+    if (size_ == 0) std::fill(begin_s_, begin_s_ + kMostPieces, kNever);
     begin_s_[size_] = begin_s;
     cubic_[size_++] = cubic;
   }
 
  private:
+  using Lanes [[gnu::vector_size(16)]] = double;
+  using Flags [[gnu::vector_size(16)]] = int64_t;
+  static constexpr double kNever = std::numeric_limits<double>::infinity();
+
   int size_ = 0;
-  double begin_s_[kMostPieces];
+  double begin_s_[kMostPieces];  // beyond the last: never
   Cubic cubic_[kMostPieces];
 };
 

@@ -52,7 +52,7 @@ SevenPhases ExactPhases(double d, const AxisLimits& limits) {
 }  // namespace
 
 SevenPhases FastestPhases(double distance, const AxisLimits& limits) {
-  return distance == 0 ? SevenPhases{} : OnGrid(ExactPhases(std::fabs(distance), limits));
+  return distance == 0 ? SevenPhases{0, 0, 0} : OnGrid(ExactPhases(std::fabs(distance), limits));
 }
 
 SevenPhases SlowedPhases(const SevenPhases& fastest, double duration_s) {
@@ -77,8 +77,9 @@ void AddPieces(const SevenPhases& phases, double from, double distance, AxisMoti
   if (distance == 0 || !(jerk_s > 0)) return motion.Add(0, {from, 0, 0, 0});
   const double ramp_s = 2 * jerk_s + hold_s;
   const double velocity = distance / (ramp_s + cruise_s);
-  const double acceleration = velocity / (jerk_s + hold_s);
-  const double jerk = acceleration / jerk_s;
+  // Divisions that don't wait for each other.
+  const double acceleration = distance / ((ramp_s + cruise_s) * (jerk_s + hold_s));
+  const double jerk = distance / ((ramp_s + cruise_s) * ((jerk_s + hold_s) * jerk_s));
   // Where the ramp's phases end, from where it begins.
   const double gained = acceleration * jerk_s / 2;
   const double first = gained * jerk_s / 3;

@@ -8,9 +8,9 @@ namespace qal {
 /// How a move from rest to rest spends its time: jerk, hold, jerk back, cruise, and the same
 /// mirrored. Any of them may be 0.
 struct SevenPhases {
-  double jerk_s = 0;    ///< each of four phases in which the acceleration changes
-  double hold_s = 0;    ///< each of two in which it is held
-  double cruise_s = 0;  ///< at constant velocity
+  double jerk_s;    ///< each of four phases in which the acceleration changes
+  double hold_s;    ///< each of two in which it is held
+  double cruise_s;  ///< at constant velocity
 
   double duration_s() const { return 4 * jerk_s + 2 * hold_s + cruise_s; }
 };

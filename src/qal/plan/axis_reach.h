@@ -44,6 +44,7 @@ struct AccelerationProfile {
 /// polynomial.
 class Reach {
  public:
+  Reach() = default;
   explicit Reach(const AxisTask& task);
 
   /// The shortest time from `time` on in which the change of velocity can be made and in which the

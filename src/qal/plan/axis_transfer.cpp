@@ -78,45 +78,49 @@ void LayTimes(const Pieces& pieces, double time_s, double duration_s, double* be
   }
 }
 
-}  // namespace
-
-AxisTransfer::AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits)
-    : from_(from), distance_(to.position - from.position) {
-  if (from.velocity == 0 && from.acceleration == 0 && to.velocity == 0 && to.acceleration == 0) {
-    phases_ = FastestPhases(distance_, limits);
-    return;
-  }
+// Two states as a task, in units of this acceleration and this time.
+AxisTask TaskOf(const AxisState& from, const AxisState& to, const AxisLimits& limits,
+                double acceleration, double time_s) {
+  const double velocity = acceleration * time_s;
+  const double length = velocity * time_s;
   // A state that is a rounding beyond a limit has that for its limit.
-  const double acceleration =
-      std::max({limits.acceleration, std::fabs(from.acceleration), std::fabs(to.acceleration)});
   const double top =
       std::max({limits.velocity, std::fabs(from.velocity), std::fabs(to.velocity),
                 std::fabs(UnavoidableVelocity(from, limits.jerk)),
                 std::fabs(UnavoidableVelocity({0, to.velocity, -to.acceleration}, limits.jerk))});
-  acceleration_ = acceleration;
-  time_s_ = acceleration / limits.jerk;
-  const double velocity = acceleration * time_s_;
-  length_ = velocity * time_s_;
   constexpr double kPositionDigits = 1e-13;
-  AxisTask task = {
-      from.velocity / velocity,
-      from.acceleration / acceleration,
-      to.velocity / velocity,
-      to.acceleration / acceleration,
-      distance_ / length_,
-      top / velocity,
-      kPositionDigits * std::max(std::fabs(from.position), std::fabs(to.position)) / length_};
-  least_time_ = std::fabs(task.end_acceleration - task.start_acceleration);
-  reaches_.emplace(task);
+  return {from.velocity / velocity,
+          from.acceleration / acceleration,
+          to.velocity / velocity,
+          to.acceleration / acceleration,
+          (to.position - from.position) / length,
+          top / velocity,
+          kPositionDigits * std::max(std::fabs(from.position), std::fabs(to.position)) / length};
 }
 
+}  // namespace
+
+double UnavoidableVelocity(const AxisState& state, double jerk) {
+  return state.velocity + state.acceleration * std::fabs(state.acceleration) / 2 / jerk;
+}
+
+AxisTransfer::AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits)
+    // A state that is a rounding beyond a limit has that for its limit.
+    : from_(from),
+      acceleration_(std::max(
+          {limits.acceleration, std::fabs(from.acceleration), std::fabs(to.acceleration)})),
+      time_s_(acceleration_ / limits.jerk),
+      task_(TaskOf(from, to, limits, acceleration_, time_s_)),
+      farthest_(task_),
+      nearest_(task_.Mirrored()) {}
+
 double AxisTransfer::NextDuration(double duration_s) const {
-  if (!reaches_) return std::max(duration_s, phases_.duration_s());
   const double begin = duration_s / time_s_;
-  double time = std::max(begin, least_time_);
+  // The acceleration has to change from the start's to the end's.
+  double time = std::max(begin, std::fabs(task_.end_acceleration - task_.start_acceleration));
   constexpr int kMostStretches = 16;
   for (int i = 0; i < kMostStretches; ++i) {
-    const double next = reaches_->nearest.NextTime(reaches_->farthest.NextTime(time));
+    const double next = nearest_.NextTime(farthest_.NextTime(time));
     if (next == time) break;
     time = next;
   }
@@ -124,20 +128,17 @@ double AxisTransfer::NextDuration(double duration_s) const {
 }
 
 void AxisTransfer::AddPieces(double duration_s, AxisMotion& motion) const {
-  if (!reaches_) {
-    return qal::AddPieces(SlowedPhases(phases_, duration_s), from_.position, distance_, motion);
-  }
   const double time = duration_s / time_s_;
-  const auto& [farthest, nearest] = *reaches_;
-  const double to_farthest = farthest.Farthest(time) - distance_ / length_;
-  const double to_nearest = nearest.Farthest(time) + distance_ / length_;
+  const double to_farthest = farthest_.Farthest(time) - task_.distance;
+  const double to_nearest = nearest_.Farthest(time) + task_.distance;
+  const double resolution = farthest_.Resolution(time);
   Pieces pieces;
-  if (to_farthest <= farthest.Resolution(time)) {
-    pieces = Only(farthest.FarthestProfile(time), 1);
-  } else if (to_nearest <= nearest.Resolution(time)) {
-    pieces = Only(nearest.FarthestProfile(time), -1);
+  if (to_farthest <= resolution) {
+    pieces = Only(farthest_.FarthestProfile(time), 1);
+  } else if (to_nearest <= resolution) {
+    pieces = Only(nearest_.FarthestProfile(time), -1);
   } else {
-    pieces = Blend(farthest.FarthestProfile(time), nearest.FarthestProfile(time),
+    pieces = Blend(farthest_.FarthestProfile(time), nearest_.FarthestProfile(time),
                    to_nearest / (to_nearest + to_farthest));
   }
   if (pieces.size == 0) {  // a duration of 0
@@ -152,10 +153,6 @@ void AxisTransfer::AddPieces(double duration_s, AxisMotion& motion) const {
     motion.Add(begin_s[i], cubic);
     at = cubic.At(pieces.time[i] * time_s_);
   }
-}
-
-double UnavoidableVelocity(const AxisState& state, double jerk) {
-  return state.velocity + state.acceleration * std::fabs(state.acceleration) / 2 / jerk;
 }
 
 }  // namespace qal

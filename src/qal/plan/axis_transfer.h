@@ -1,9 +1,7 @@
 #ifndef QAL_PLAN_AXIS_TRANSFER_H_
 #define QAL_PLAN_AXIS_TRANSFER_H_
 
-#include <optional>
-
-#include "axis_move.h"
+#include "axis_motion.h"
 #include "axis_reach.h"
 
 namespace qal {
@@ -18,6 +16,7 @@ double UnavoidableVelocity(const AxisState& state, double jerk);
 /// is that of a blend of those two motions, which keeps the limits as they do.
 class AxisTransfer {
  public:
+  AxisTransfer() = default;
   /// Each state has to be one that the limits allow (joint_move.cpp checks them).
   AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits);
 
@@ -28,23 +27,12 @@ class AxisTransfer {
   /// Appends the pieces of a motion that takes `duration_s`, one of these.
   void AddPieces(double duration_s, AxisMotion& motion) const;
 
-  /// Whether the velocity is 0 at both ends, and the acceleration.
-  bool rests() const { return !reaches_; }
-
  private:
-  struct Reaches {
-    explicit Reaches(const AxisTask& task) : farthest(task), nearest(task.Mirrored()) {}
-    Reach farthest, nearest;
-  };
-
   AxisState from_;
-  double distance_;
-  SevenPhases phases_;  // between rests
-  std::optional<Reaches> reaches_;
-  double time_s_ = 0;  // the units of an AxisTask
-  double acceleration_ = 0;
-  double length_ = 0;
-  double least_time_ = 0;  // in which the acceleration can change as it has to
+  double acceleration_;  // the task's units of acceleration and time
+  double time_s_;
+  AxisTask task_;
+  Reach farthest_, nearest_;
 };
 
 }  // namespace qal

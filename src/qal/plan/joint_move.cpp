@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "../solve/kinematics.h"
+#include "axis_move.h"
 #include "axis_transfer.h"
 #include "quadratic.h"
 
@@ -22,19 +23,24 @@ AxisState StateOf(const MotionState& state, size_t j) {
   return {state.joints[j], state.velocities[j], state.accelerations[j]};
 }
 
+bool IsRest(const AxisState& state) { return state.velocity == 0 && state.acceleration == 0; }
+
 PlanFailure Failed(const Arm& arm, Error error, double along, const Joints& before) {
   PlanFailure failure{std::move(error), along, {before, {}}};
   if (const Result<Pose> pose = Forward(arm, before)) failure.before.pose = *pose;
   return failure;
 }
 
-// Whether all are finite, without a branch for each.
-bool AllFinite(const MotionState& state) {
-  double zero = 0;
-  for (const Joints* numbers : {&state.joints, &state.velocities, &state.accelerations}) {
-    for (const double number : *numbers) zero += 0 * number;
+// Whether all are finite: 0 times such a number is 0. By joint, so that sums don't wait for each
+// other, and without branches.
+bool AllFinite(const MotionState& from, const MotionState& to) {
+  bool finite = true;
+  for (size_t j = 0; j < kJoints; ++j) {
+    const double zero = 0 * from.joints[j] + 0 * from.velocities[j] + 0 * from.accelerations[j] +
+                        0 * to.joints[j] + 0 * to.velocities[j] + 0 * to.accelerations[j];
+    finite &= zero == 0;
   }
-  return zero == 0;
+  return finite;
 }
 
 Error NotFinite(const MotionState& from, const MotionState& to) {
@@ -81,15 +87,15 @@ std::optional<Error> RefusedRate(int joint, const AxisState& from, const AxisSta
   return std::nullopt;
 }
 
-std::optional<Error> RefusedRange(int joint, const JointModel& model, double position_rad,
-                                  double slack_rad = 0) {
+bool InRange(const JointModel& model, double position_rad, double slack_rad = 0) {
+  return position_rad >= model.lower_rad.value - slack_rad &&
+         position_rad <= model.upper_rad.value + slack_rad;
+}
+
+Error OutOfRange(int joint, const JointModel& model, double position_rad) {
   const double lower = model.lower_rad.value;
-  const double upper = model.upper_rad.value;
-  if (position_rad < lower - slack_rad)
-    return Error{Reason::kJointRange, joint, position_rad, lower};
-  if (position_rad > upper + slack_rad)
-    return Error{Reason::kJointRange, joint, position_rad, upper};
-  return std::nullopt;
+  return {Reason::kJointRange, joint, position_rad,
+          position_rad < lower ? lower : model.upper_rad.value};
 }
 
 // When a joint that its range ends at `bound` leaves it, in a piece that goes there in one
@@ -108,22 +114,32 @@ double LeavesAt(const Cubic& piece, double begin_s, double end_s, double bound) 
 
 class JointPlanner {
  public:
-  JointPlanner(const Arm& arm, JointMotion& motion) : arm_(arm), motion_(motion) {}
+  JointPlanner(const Arm& arm, JointMotion& motion)
+      : arm_(arm), models_(arm.joints()), motion_(motion) {}
 
   std::optional<PlanFailure> Plan(const JointLimits& limits) {
     const MotionState& from = motion_.from_;
-    if (!AllFinite(from) || !AllFinite(motion_.to_)) {
+    if (!AllFinite(from, motion_.to_)) {
       return PlanFailure{NotFinite(from, motion_.to_)};
     }
     if (auto refused = RefusedSetting(limits)) return Fail(*std::move(refused), 0);
     for (int j = 0; j < kJoints; ++j) {
       if (auto failure = Prepare(j, limits.scale)) return failure;
     }
-    motion_.duration_s_ = CommonDuration(limits.duration_s);
-    for (size_t j = 0; j < kJoints; ++j)
-      axes_[j]->AddPieces(motion_.duration_s_, motion_.joints_[j]);
+    const double duration_s = CommonDuration(std::max(limits.duration_s, least_s_));
+    motion_.duration_s_ = duration_s;
+    for (size_t j = 0; j < kJoints; ++j) {
+      const double begin = from.joints[j];
+      AxisMotion& pieces = motion_.joints_[j];
+      if (moving_[j]) {
+        transfers_[j].AddPieces(duration_s, pieces);
+      } else {
+        AddPieces(SlowedPhases(phases_[j], duration_s), begin, motion_.to_.joints[j] - begin,
+                  pieces);
+      }
+    }
     for (int j = 0; j < kJoints; ++j) {
-      if (axes_[static_cast<size_t>(j)]->rests()) continue;
+      if (!moving_[static_cast<size_t>(j)]) continue;
       if (auto failure = LeavesRange(j)) return failure;
     }
     return std::nullopt;
@@ -136,30 +152,35 @@ class JointPlanner {
 
   std::optional<PlanFailure> Prepare(int joint, const LimitScale& scale) {
     const auto j = static_cast<size_t>(joint);
-    const JointModel& model = arm_.joints()[j];
+    const JointModel& model = models_[j];
     const AxisState from = StateOf(motion_.from_, j);
     const AxisState to = StateOf(motion_.to_, j);
-    if (auto refused = RefusedRange(joint, model, from.position))
-      return Fail(*std::move(refused), 0);
-    if (auto refused = RefusedRange(joint, model, to.position)) return Fail(*std::move(refused), 1);
+    if (!InRange(model, from.position)) return Fail(OutOfRange(joint, model, from.position), 0);
+    if (!InRange(model, to.position)) return Fail(OutOfRange(joint, model, to.position), 1);
     AxisLimits& limits = motion_.limits_[j];
     limits = {model.velocity_rad_s.value * scale.velocity,
               model.acceleration_rad_s2.value * scale.acceleration,
               model.jerk_rad_s3.value * scale.jerk};
-    axes_[j].emplace(from, to, limits);
-    if (axes_[j]->rests()) return std::nullopt;
+    moving_[j] = !IsRest(from) || !IsRest(to);
+    if (!moving_[j]) {
+      phases_[j] = FastestPhases(to.position - from.position, limits);
+      least_s_ = std::max(least_s_, phases_[j].duration_s());
+      return std::nullopt;
+    }
     if (auto refused = RefusedRate(joint, from, to, limits)) {
       const bool at_end = refused->detail.find("end_") != std::string::npos;
       return Fail(*std::move(refused), at_end ? 1 : 0);
     }
+    transfers_[j] = AxisTransfer(from, to, limits);
     return std::nullopt;
   }
 
-  // The shortest duration from `duration_s` on that every joint can take.
+  // The shortest duration from `duration_s` on, long enough for the joints between rests, that
+  // every other joint can take as well.
   double CommonDuration(double duration_s) const {
-    int agreed = 0;
+    size_t agreed = 0;
     for (size_t j = 0; agreed < kJoints; j = (j + 1) % kJoints) {
-      const double next_s = axes_[j]->NextDuration(duration_s);
+      const double next_s = moving_[j] ? transfers_[j].NextDuration(duration_s) : duration_s;
       agreed = next_s > duration_s ? 1 : agreed + 1;
       duration_s = next_s;
     }
@@ -179,10 +200,11 @@ class JointPlanner {
       turns.Add(end_s);
       double before_s = 0;
       for (const double time_s : turns) {
-        if (auto refused =
-                RefusedRange(joint, arm_.joints()[j], piece.At(time_s).position, kAtRangeRad)) {
-          const double left_s = piece_s + LeavesAt(piece, before_s, time_s, refused->bound);
-          return Failed(arm_, *std::move(refused), left_s / motion_.duration_s_,
+        const double position = piece.At(time_s).position;
+        if (!InRange(models_[j], position, kAtRangeRad)) {
+          Error error = OutOfRange(joint, models_[j], position);
+          const double left_s = piece_s + LeavesAt(piece, before_s, time_s, error.bound);
+          return Failed(arm_, std::move(error), left_s / motion_.duration_s_,
                         motion_.At(left_s).joints);
         }
         before_s = time_s;
@@ -192,19 +214,23 @@ class JointPlanner {
   }
 
   const Arm& arm_;
+  const std::array<JointModel, kJoints>& models_;
   JointMotion& motion_;
-  std::array<std::optional<AxisTransfer>, kJoints> axes_;
+  std::array<SevenPhases, kJoints> phases_;      // between rests
+  std::array<AxisTransfer, kJoints> transfers_;  // otherwise
+  std::array<bool, kJoints> moving_;             // otherwise
+  double least_s_ = 0;                           // for the former
 };
 
 MotionState JointMotion::At(double t_s) const {
-  if (!(t_s > 0)) return from_;
-  if (t_s >= duration_s_) return to_;
-  MotionState state;
-  for (size_t j = 0; j < kJoints; ++j) {
-    const auto [position, velocity, acceleration] = joints_[j].At(t_s);
-    state.joints[j] = position;
-    state.velocities[j] = velocity;
-    state.accelerations[j] = acceleration;
+  MotionState state = t_s >= duration_s_ ? to_ : from_;
+  if (t_s > 0 && t_s < duration_s_) {
+    for (size_t j = 0; j < kJoints; ++j) {
+      const auto [position, velocity, acceleration] = joints_[j].At(t_s);
+      state.joints[j] = position;
+      state.velocities[j] = velocity;
+      state.accelerations[j] = acceleration;
+    }
   }
   return state;
 }
@@ -212,7 +238,7 @@ MotionState JointMotion::At(double t_s) const {
 Result<JointMotion, PlanFailure> PlanJoint(const Arm& arm, const MotionState& from,
                                            const MotionState& to, const JointLimits& limits) {
   // Planned where it is returned, since a motion is some kilobytes.
-  Result<JointMotion, PlanFailure> planned = JointMotion(from, to, limits.scale);
+  Result<JointMotion, PlanFailure> planned(std::in_place, from, to, limits.scale);
   if (auto failure = JointPlanner(arm, *planned).Plan(limits)) planned = *std::move(failure);
   return planned;
 }

@@ -42,7 +42,7 @@ class JointMotion {
   double duration_s_ = 0;
   MotionState from_, to_;
   LimitScale scale_;
-  std::array<AxisLimits, 6> limits_ = {};
+  std::array<AxisLimits, 6> limits_;
   std::array<AxisMotion, 6> joints_;
 };
 
