@@ -8,6 +8,9 @@
 #include <random>
 #include <vector>
 
+#include "qal/plan/sampled.h"
+#include "qal/solve/kinematics.h"
+
 namespace qal {
 namespace {
 
@@ -76,6 +79,12 @@ struct Move {
   MotionState from, to;
 };
 
+void Set(MotionState& state, size_t j, const AxisState& axis) {
+  state.joints[j] = axis.position;
+  state.velocities[j] = axis.velocity;
+  state.accelerations[j] = axis.acceleration;
+}
+
 Move RandomMove(Random& random, const Arm& arm) {
   Move move;
   for (size_t j = 0; j < 6; ++j) {
@@ -89,13 +98,8 @@ Move RandomMove(Random& random, const Arm& arm) {
     AxisState to = RandomState(random, limits, begin + ways[random.Of(4)], -1);
     if (random.Of(50) == 0 && IsAllowed(from, limits, -1)) to = from;
     if (random.Of(200) == 0) to.position = random(-1e6, 1e6);
-    const auto set = [j](MotionState& state, const AxisState& axis) {
-      state.joints[j] = axis.position;
-      state.velocities[j] = axis.velocity;
-      state.accelerations[j] = axis.acceleration;
-    };
-    set(move.from, from);
-    set(move.to, to);
+    Set(move.from, j, from);
+    Set(move.to, j, to);
   }
   return move;
 }
@@ -362,6 +366,140 @@ TEST(JointMove, TakesWhatItHasLeftWhenPlannedAgain) {
     ASSERT_TRUE(rest) << i;
     const double left_s = motion->duration_s() - time_s;
     ASSERT_NEAR(rest->duration_s(), left_s, 1e-4 * (1 + left_s)) << i;
+  }
+}
+
+TEST(JointMove, SaysWhichEndOrSettingIsRefused) {
+  const Arm arm = Arm::Reference();
+  const auto [velocity, acceleration, jerk] = LimitsOf(arm, 1);
+  const double range = arm.joints()[1].upper_rad.value;
+  const double gained = acceleration * acceleration / 2 / jerk;
+  const double nan = std::nan("");
+  const struct {
+    AxisState from, to;
+    JointLimits limits;
+    Error error;
+    double along;
+  } kRows[] = {
+      {{nan}, {}, {}, {Reason::kNotFinite, 1, nan}, 0},
+      {{}, {0, 0, -kInfinity}, {}, {Reason::kNotFinite, 1, -kInfinity}, 0},
+      {{}, {}, {{0}}, {Reason::kSetting, -1, 0, 1, "velocity_scale"}, 0},
+      {{}, {}, {{1, 1.5}}, {Reason::kSetting, -1, 1.5, 1, "acceleration_scale"}, 0},
+      {{}, {}, {{1, 1, nan}}, {Reason::kSetting, -1, nan, 1, "jerk_scale"}, 0},
+      {{}, {}, {{}, -1}, {Reason::kSetting, -1, -1, 0, "duration_s"}, 0},
+      {{range + 0.1}, {}, {}, {Reason::kJointRange, 1, range + 0.1, range}, 0},
+      {{}, {-range - 0.1}, {}, {Reason::kJointRange, 1, -range - 0.1, -range}, 1},
+      {{0, velocity},
+       {},
+       {{0.5}},
+       {Reason::kEndRate, 1, velocity, velocity / 2, "start_velocity_rad_s"},
+       0},
+      {{},
+       {0, 0, -2 * acceleration},
+       {},
+       {Reason::kEndRate, 1, -2 * acceleration, acceleration, "end_acceleration_rad_s2"},
+       1},
+      {{0, velocity - gained / 2, acceleration},
+       {},
+       {},
+       {Reason::kEndRate, 1, velocity + gained / 2, velocity, "unavoidable_start_velocity_rad_s"},
+       0},
+      {{},
+       {0, velocity - gained / 2, -acceleration},
+       {},
+       {Reason::kEndRate, 1, velocity + gained / 2, velocity, "unavoidable_end_velocity_rad_s"},
+       1},
+  };
+  for (const auto& [from, to, limits, expected, along] : kRows) {
+    SCOPED_TRACE(testing::Message() << static_cast<int>(expected.reason) << expected.detail);
+    Move move;
+    Set(move.from, 1, from);
+    Set(move.to, 1, to);
+    const auto motion = PlanJoint(arm, move.from, move.to, limits);
+    ASSERT_FALSE(motion);
+    const auto& [reason, joint, value, bound, detail] = motion.error().error;
+    EXPECT_EQ(reason, expected.reason);
+    EXPECT_EQ(joint, expected.joint);
+    EXPECT_EQ(detail, expected.detail);
+    if (std::isfinite(expected.value)) {
+      EXPECT_NEAR(value, expected.value, 1e-9);
+    }
+    EXPECT_EQ(bound, expected.bound);
+    EXPECT_EQ(motion.error().along, along);
+  }
+}
+
+// At full speed 0.01 rad before the end of its range, a joint has to leave it: by the way of the
+// jerk phase, t = a / j, and of braking from what is left of the speed.
+TEST(JointMove, SaysWhereAMovingJointHasToLeaveItsRange) {
+  const Arm arm = Arm::Reference();
+  const AxisLimits limits = LimitsOf(arm, 1);
+  const auto [velocity, acceleration, jerk] = limits;
+  const double upper = arm.joints()[1].upper_rad.value;
+  const double phase_s = acceleration / jerk;
+  const double left = velocity - acceleration * phase_s / 2;
+  const double passed =
+      phase_s * (velocity - acceleration * phase_s / 6) + left * left / 2 / acceleration;
+  Move move;
+  Set(move.from, 1, {upper - 0.01, velocity, 0});
+  const auto motion = PlanJoint(arm, move.from, move.to);
+  ASSERT_FALSE(motion);
+  const auto& [error, along, before] = motion.error();
+  EXPECT_EQ(error.reason, Reason::kJointRange);
+  EXPECT_EQ(error.joint, 1);
+  EXPECT_EQ(error.bound, upper);
+  EXPECT_NEAR(error.value, upper - 0.01 + passed, 1e-9);
+  EXPECT_NEAR(before.joints[1], upper, 1e-9);
+  EXPECT_NEAR(before.pose.position.x, Forward(arm, before.joints)->position.x, 1e-15);
+  const auto endless = PlanJoint(EndlessArm([&](size_t) { return limits; }), move.from, move.to);
+  EXPECT_NEAR(endless->At(along * endless->duration_s()).joints[1], upper, 1e-9);
+  // Where there is room, the same braking is no fault.
+  Set(move.from, 1, {upper - passed - 1e-9, velocity, 0});
+  EXPECT_TRUE(PlanJoint(arm, move.from, move.to));
+}
+
+// From rest over 2 rad at 1 rad/s, 2 rad/s^2 and 8 rad/s^3: ramps of 0.25 s jerk, 0.25 s hold and
+// 0.25 s jerk, 1.25 s of cruise; 2.75 s. At a cycle of 0.2 s, that takes 14 cycles.
+TEST(JointMove, HasAWholeNumberOfCyclesAndSaysWhatBinds) {
+  ArmSettings settings;
+  settings.cycle_s = 0.2;
+  for (JointSettings& joint : settings.joints) {
+    joint.velocity_rad_s = 1;
+    joint.acceleration_rad_s2 = 2;
+    joint.jerk_rad_s3 = 8;
+  }
+  const Arm arm = *Arm::FromSolver(Arm::Reference().solver(), settings);
+  Move move;
+  move.to.joints = {2, 0.1};
+  const auto motion = PlanJoint(arm, move.from, move.to);
+  ASSERT_TRUE(motion);
+  EXPECT_NEAR(motion->duration_s(), 2.75, 1e-12);
+  const auto bindings = motion->bindings();
+  const Binding expected[] = {{Limit::kJointVelocity, 0, 1.25 / 2.75, 0.75, 2},
+                              {Limit::kJointJerk, 0, 1 / 2.75, 0, 0.25},
+                              {Limit::kJointAcceleration, 0, 0.5 / 2.75, 0.25, 0.5}};
+  ASSERT_EQ(bindings.size(), std::size(expected));
+  for (size_t i = 0; i < bindings.size(); ++i) {
+    SCOPED_TRACE(i);
+    EXPECT_EQ(bindings[i].limit, expected[i].limit);
+    EXPECT_EQ(bindings[i].joint, 0);
+    // A thousandth of a limit is reached a little before it is.
+    EXPECT_NEAR(bindings[i].share, expected[i].share, 0.02);
+    EXPECT_NEAR(bindings[i].begin_s, expected[i].begin_s, 0.02);
+    EXPECT_NEAR(bindings[i].end_s, expected[i].end_s, 0.02);
+  }
+
+  const auto samples = Sampled(arm, *motion);
+  ASSERT_TRUE(samples);
+  ASSERT_EQ(samples->size(), 15u);
+  EXPECT_EQ(samples->front().joints, move.from.joints);
+  EXPECT_EQ(samples->back().joints, move.to.joints);
+  const auto slower = PlanJoint(arm, move.from, move.to, {{}, 14 * 0.2});
+  for (size_t i = 0; i < samples->size(); ++i) {
+    const Sample& sample = (*samples)[i];
+    EXPECT_DOUBLE_EQ(sample.time_s, 0.2 * static_cast<double>(i));
+    EXPECT_EQ(sample.velocities, slower->At(sample.time_s).velocities);
+    EXPECT_NEAR(sample.pose.position.x, Forward(arm, sample.joints)->position.x, 1e-15);
   }
 }
 

@@ -44,7 +44,8 @@ struct AccelerationProfile {
 /// polynomial.
 class Reach {
  public:
-  Reach() = default;
+  // cppcheck-suppress uninitMemberVar
+  Reach() = default;  // not to be used; nothing is set, which would take time
   explicit Reach(const AxisTask& task);
 
   /// The shortest time from `time` on in which the change of velocity can be made and in which the

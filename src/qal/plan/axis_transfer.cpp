@@ -144,7 +144,7 @@ void AxisTransfer::AddPieces(double duration_s, AxisMotion& motion) const {
   if (pieces.size == 0) {  // a duration of 0
     return motion.Add(0, {from_.position, from_.velocity, from_.acceleration, 0});
   }
-  double begin_s[AxisMotion::kMostPieces];
+  double begin_s[AxisMotion::kMostPieces] = {};
   LayTimes(pieces, time_s_, duration_s, begin_s);
   AxisState at = from_;
   for (int i = 0; i < pieces.size; ++i) {

@@ -16,7 +16,8 @@ double UnavoidableVelocity(const AxisState& state, double jerk);
 /// is that of a blend of those two motions, which keeps the limits as they do.
 class AxisTransfer {
  public:
-  AxisTransfer() = default;
+  // cppcheck-suppress uninitMemberVar
+  AxisTransfer() = default;  // likewise
   /// Each state has to be one that the limits allow (joint_move.cpp checks them).
   AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits);
 

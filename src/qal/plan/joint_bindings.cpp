@@ -32,7 +32,7 @@ std::vector<Binding> JointMotion::bindings() const {
   std::vector<Binding> bindings;
   for (int j = 0; j < 6; ++j) {
     const AxisMotion& pieces = joints_[static_cast<size_t>(j)];
-    const AxisLimits& limits = limits_[static_cast<size_t>(j)];
+    const AxisLimits& most = limits_[static_cast<size_t>(j)];
     Stretches velocity;
     Stretches acceleration;
     Stretches jerk;
@@ -41,11 +41,11 @@ std::vector<Binding> JointMotion::bindings() const {
       const double end_s = i + 1 < pieces.size() ? pieces.begin_s(i + 1) : duration_s_;
       if (!(begin_s < end_s)) continue;
       const Cubic& piece = pieces.cubic(i);
-      AddStretches({piece.velocity, piece.acceleration, piece.jerk / 2}, limits.velocity, begin_s,
+      AddStretches({piece.velocity, piece.acceleration, piece.jerk / 2}, most.velocity, begin_s,
                    end_s, velocity);
-      AddStretches({piece.acceleration, piece.jerk, 0}, limits.acceleration, begin_s, end_s,
+      AddStretches({piece.acceleration, piece.jerk, 0}, most.acceleration, begin_s, end_s,
                    acceleration);
-      AddStretches({piece.jerk, 0, 0}, limits.jerk, begin_s, end_s, jerk);
+      AddStretches({piece.jerk, 0, 0}, most.jerk, begin_s, end_s, jerk);
     }
     velocity.AppendTo(bindings, Limit::kJointVelocity, j, duration_s_);
     acceleration.AppendTo(bindings, Limit::kJointAcceleration, j, duration_s_);

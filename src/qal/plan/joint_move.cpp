@@ -87,9 +87,9 @@ std::optional<Error> RefusedRate(int joint, const AxisState& from, const AxisSta
   return std::nullopt;
 }
 
-bool InRange(const JointModel& model, double position_rad, double slack_rad = 0) {
-  return position_rad >= model.lower_rad.value - slack_rad &&
-         position_rad <= model.upper_rad.value + slack_rad;
+// How far a position is outside of a joint's range; below 0 inside.
+double Outside(const JointModel& model, double position_rad) {
+  return std::max(model.lower_rad.value - position_rad, position_rad - model.upper_rad.value);
 }
 
 Error OutOfRange(int joint, const JointModel& model, double position_rad) {
@@ -98,14 +98,13 @@ Error OutOfRange(int joint, const JointModel& model, double position_rad) {
           position_rad < lower ? lower : model.upper_rad.value};
 }
 
-// When a joint that its range ends at `bound` leaves it, in a piece that goes there in one
-// direction from `begin_s` to `end_s`.
-double LeavesAt(const Cubic& piece, double begin_s, double end_s, double bound) {
-  const bool up = piece.At(end_s).position > bound;
+// When a joint leaves its range, in a piece that goes there in one direction from `begin_s` to
+// `end_s`.
+double LeavesAt(const JointModel& model, const Cubic& piece, double begin_s, double end_s) {
   constexpr int kHalvings = 60;
   for (int i = 0; i < kHalvings; ++i) {
-    const double middle = (begin_s + end_s) / 2;
-    ((piece.At(middle).position > bound) == up ? end_s : begin_s) = middle;
+    const double middle_s = (begin_s + end_s) / 2;
+    (Outside(model, piece.At(middle_s).position) > 0 ? end_s : begin_s) = middle_s;
   }
   return begin_s;
 }
@@ -155,8 +154,8 @@ class JointPlanner {
     const JointModel& model = models_[j];
     const AxisState from = StateOf(motion_.from_, j);
     const AxisState to = StateOf(motion_.to_, j);
-    if (!InRange(model, from.position)) return Fail(OutOfRange(joint, model, from.position), 0);
-    if (!InRange(model, to.position)) return Fail(OutOfRange(joint, model, to.position), 1);
+    if (Outside(model, from.position) > 0) return Fail(OutOfRange(joint, model, from.position), 0);
+    if (Outside(model, to.position) > 0) return Fail(OutOfRange(joint, model, to.position), 1);
     AxisLimits& limits = motion_.limits_[j];
     limits = {model.velocity_rad_s.value * scale.velocity,
               model.acceleration_rad_s2.value * scale.acceleration,
@@ -187,9 +186,13 @@ class JointPlanner {
     return duration_s;
   }
 
+  // When a joint leaves its range, and how far it gets outside.
   std::optional<PlanFailure> LeavesRange(int joint) const {
     const auto j = static_cast<size_t>(joint);
     const AxisMotion& pieces = motion_.joints_[j];
+    double most = kAtRangeRad;
+    double left_s = 0;
+    double outermost = 0;
     for (int i = 0; i < pieces.size(); ++i) {
       const double piece_s = pieces.begin_s(i);
       const double end_s =
@@ -201,16 +204,18 @@ class JointPlanner {
       double before_s = 0;
       for (const double time_s : turns) {
         const double position = piece.At(time_s).position;
-        if (!InRange(models_[j], position, kAtRangeRad)) {
-          Error error = OutOfRange(joint, models_[j], position);
-          const double left_s = piece_s + LeavesAt(piece, before_s, time_s, error.bound);
-          return Failed(arm_, std::move(error), left_s / motion_.duration_s_,
-                        motion_.At(left_s).joints);
+        const double outside = Outside(models_[j], position);
+        if (outside > most) {
+          if (most == kAtRangeRad) left_s = piece_s + LeavesAt(models_[j], piece, before_s, time_s);
+          most = outside;
+          outermost = position;
         }
         before_s = time_s;
       }
     }
-    return std::nullopt;
+    if (most == kAtRangeRad) return std::nullopt;
+    return Failed(arm_, OutOfRange(joint, models_[j], outermost), left_s / motion_.duration_s_,
+                  motion_.At(left_s).joints);
   }
 
   const Arm& arm_;
