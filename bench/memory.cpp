@@ -44,6 +44,7 @@ int Measure() {
   const Workload work = MakeWorkload(kPoses);
   Cases cases;
   AddKinematics(work, cases);
+  AddMoves(cases);
   AddScaling(cases);
   for (const Case& one : cases) {
     allocations = 0;

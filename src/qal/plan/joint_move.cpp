@@ -23,7 +23,12 @@ AxisState StateOf(const MotionState& state, size_t j) {
   return {state.joints[j], state.velocities[j], state.accelerations[j]};
 }
 
-bool IsRest(const AxisState& state) { return state.velocity == 0 && state.acceleration == 0; }
+// Whether a joint moves at either end.
+bool IsMoving(const AxisState& from, const AxisState& to) {
+  return std::fabs(from.velocity) + std::fabs(from.acceleration) + std::fabs(to.velocity) +
+             std::fabs(to.acceleration) >
+         0;
+}
 
 PlanFailure Failed(const Arm& arm, Error error, double along, const Joints& before) {
   PlanFailure failure{std::move(error), along, {before, {}}};
@@ -160,7 +165,7 @@ class JointPlanner {
     limits = {model.velocity_rad_s.value * scale.velocity,
               model.acceleration_rad_s2.value * scale.acceleration,
               model.jerk_rad_s3.value * scale.jerk};
-    moving_[j] = !IsRest(from) || !IsRest(to);
+    moving_[j] = IsMoving(from, to);
     if (!moving_[j]) {
       phases_[j] = FastestPhases(to.position - from.position, limits);
       least_s_ = std::max(least_s_, phases_[j].duration_s());
