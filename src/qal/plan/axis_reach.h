@@ -40,8 +40,7 @@ struct AccelerationProfile {
 /// The farthest motion raises its acceleration at once, lowers it as late as it may, and raises it
 /// again to the end's. A start with an acceleration is one without, earlier by that acceleration
 /// (jerk is 1), and so is an end: what is left are the velocities u0 and u1 of those two, the time
-/// between them, and three laws by how long it is, for each of which the displacement is a
-/// polynomial.
+/// between them, and a law by how long it is; docs/trajectories.md has them.
 class Reach {
  public:
   // cppcheck-suppress uninitMemberVar
