@@ -3,7 +3,9 @@
 
 #include <qal/plan/joint_move.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <random>
 
 namespace qal::bench {
@@ -98,6 +100,15 @@ inline SeededMove RandomMove(Random& random, const Arm& arm) {
     Set(move.to, j, to);
   }
   return move;
+}
+
+/// Lets only the first joints of a move turn.
+inline void KeepJoints(SeededMove& move, size_t count) {
+  for (MotionState* state : {&move.from, &move.to}) {
+    for (Joints* numbers : {&state->joints, &state->velocities, &state->accelerations}) {
+      std::fill(numbers->begin() + static_cast<std::ptrdiff_t>(count), numbers->end(), 0.0);
+    }
+  }
 }
 
 }  // namespace qal::bench

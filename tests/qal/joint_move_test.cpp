@@ -13,6 +13,7 @@ namespace qal {
 namespace {
 
 using bench::EndlessArm;
+using bench::KeepJoints;
 using bench::LimitsOf;
 using bench::Random;
 using bench::RandomArm;
@@ -22,15 +23,6 @@ using bench::Set;
 
 constexpr unsigned kSeed = 2027;
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-
-// Lets only the first joints of a move turn.
-void KeepJoints(SeededMove& move, size_t count) {
-  for (MotionState* state : {&move.from, &move.to}) {
-    for (Joints* numbers : {&state->joints, &state->velocities, &state->accelerations}) {
-      std::fill(numbers->begin() + count, numbers->end(), 0.0);
-    }
-  }
-}
 
 AxisState At(const MotionState& state, size_t j) {
   return {state.joints[j], state.velocities[j], state.accelerations[j]};
