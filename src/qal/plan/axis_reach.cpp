@@ -2,88 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+
+#include "reach_laws.h"
 
 namespace qal {
 
 namespace {
 
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
 // Relative to the top velocity and the way at it. A state that a motion was sampled at is off by
 // roundings of its times; what is left of that motion has to be found all the same, since there may
 // be none that is nearly as quick.
 constexpr double kSame = 1e-13;
-
-// Each law has a variable in which its displacement is a polynomial (times that variable), and
-// `top`: where it stops rising, to rise again later.
-
-// Neither limit of acceleration is met. With m from peak to trough, the time is 2 m.
-struct NoHold {
-  double sum, change;
-  static double FromTime(double time) { return time / 2; }
-  static double ToTime(double m) { return 2 * m; }
-  double Ratio(double m) const { return m > 0 ? std::min(change / m, 2.0) : 0; }
-  double Value(double m) const { return m * (sum + m * m / 4) - change * Ratio(m) / 4; }
-  double Slope(double m) const { return sum + (3 * m * m + Ratio(m) * Ratio(m)) / 4; }
-  double top() const {
-    const double root = 4 * sum * sum - 3 * change * change;
-    if (sum >= 0 || root <= 0) return kInfinity;
-    return change / std::sqrt(std::sqrt(root) - 2 * sum);
-  }
-};
-
-// The limit of acceleration is held at the end that is to be faster, whose velocity is `faster`.
-// With x from there to the opposite peak, the time is x^2 + change.
-struct OneHold {
-  double faster, change;
-  double FromTime(double time) const { return std::sqrt(std::max(0.0, time - change)); }
-  double ToTime(double x) const { return x * x + change; }
-  double Value(double x) const {
-    return x * x * (x * (x / 2 - 1) + faster + 0.5) + change * (faster - (change + 1) / 2);
-  }
-  double Slope(double x) const { return x * (x * (2 * x - 3) + 2 * faster + 1); }
-  double top() const {
-    const double root = 1.0 / 16 - faster;
-    return root > 0 ? 0.75 - std::sqrt(root) : kInfinity;
-  }
-};
-
-// Where a law that is below `target` at `low` reaches it, on a stretch up to `high` on which it
-// does so once: Newton's method, and halving where that doesn't halve its steps or leaves the
-// stretch.
-template <class Law>
-double Root(const Law& law, double low, double high, double target) {
-  double x = high;
-  double step = high - low;
-  double step_before = step;
-  for (int i = 0; i < 100; ++i) {
-    const double over = law.Value(x) - target;
-    (over < 0 ? low : high) = x;
-    const double newton = x - over / law.Slope(x);
-    const bool good =
-        newton >= low && newton <= high && 2 * std::fabs(newton - x) <= std::fabs(step_before);
-    const double next = good ? newton : low + (high - low) / 2;
-    step_before = step;
-    step = next - x;
-    x = next;
-    constexpr double kRoundings = 4e-16;
-    if (!(std::fabs(step) > kRoundings * std::fabs(x))) break;
-  }
-  return x;
-}
-
-// The first time in [begin, end] at which a law that is below `target` at `begin` reaches it;
-// infinity: none.
-template <class Law>
-double FirstReached(const Law& law, double begin, double end, double target) {
-  if (!(begin < end)) return kInfinity;
-  const double low = law.FromTime(begin);
-  double high = law.FromTime(end);
-  const double top = law.top();
-  if (top > low && top < high && law.Value(top) >= target) high = top;
-  if (law.Value(high) < target) return kInfinity;
-  return std::max(begin, law.ToTime(Root(law, low, high, target)));
-}
 
 }  // namespace
 
@@ -145,15 +74,15 @@ double Reach::NextDisplacement(double time) const {
   const OneHold one_hold{std::max(u0_, u1_), change_};
   const NoHold no_hold{sum_, change_};
   double next = FirstReached(one_hold, from, std::min(no_hold_begin_, end), target);
-  if (next == kInfinity) {
+  if (next == kNever) {
     next =
         FirstReached(no_hold, std::max(from, no_hold_begin_), std::min(no_hold_end_, end), target);
   }
-  if (next == kInfinity) {
+  if (next == kNever) {
     next = FirstReached(one_hold, std::max(from, no_hold_end_), std::min(two_holds_begin_, end),
                         target);
   }
-  if (next == kInfinity) {
+  if (next == kNever) {
     if (from < end && two_holds_begin_ < end && cruise_from_ >= target) {
       // The only rise is behind the least displacement, at 1 - sum.
       const double half = sum_ - 1;
@@ -173,30 +102,34 @@ double Reach::Resolution(double time) const {
 
 double Reach::NextTime(double time) const { return NextDisplacement(NextVelocity(time)); }
 
-AccelerationProfile Reach::FarthestProfile(double time) const {
+AccelerationProfile Reach::CruiseProfile(double cruise) const {
   const double a0 = task_.start_acceleration;
   const double a1 = task_.end_acceleration;
+  const double up = task_.top_velocity - u0_;
+  const double down = task_.top_velocity - u1_;
+  const double peak = up < 1 ? std::max(a0, std::sqrt(std::max(0.0, up))) : 1;
+  const double trough = down < 1 ? std::min(a1, -std::sqrt(std::max(0.0, down))) : -1;
+  AccelerationProfile profile;
+  profile.Add(peak - a0, a0, 1);
+  profile.Add(up - 1, 1, 0);
+  profile.Add(peak, peak, -1);
+  profile.Add(cruise, 0, 0);
+  profile.Add(-trough, 0, -1);
+  profile.Add(down - 1, -1, 0);
+  profile.Add(a1 - trough, trough, 1);
+  return profile;
+}
+
+AccelerationProfile Reach::FarthestProfile(double time) const {
   const double between = time + earlier_;
+  if (between >= cruise_begin_) return CruiseProfile(between - cruise_begin_);
+  const double a0 = task_.start_acceleration;
+  const double a1 = task_.end_acceleration;
   const double change = u1_ - u0_;
   double peak = 1;
   double trough = -1;
   double high_hold = 0;
   double low_hold = 0;
-  AccelerationProfile profile;
-  if (between >= cruise_begin_) {
-    const double up = task_.top_velocity - u0_;
-    const double down = task_.top_velocity - u1_;
-    if (up < 1) peak = std::max(a0, std::sqrt(std::max(0.0, up)));
-    if (down < 1) trough = std::min(a1, -std::sqrt(std::max(0.0, down)));
-    profile.Add(peak - a0, a0, 1);
-    profile.Add(up - 1, 1, 0);
-    profile.Add(peak, peak, -1);
-    profile.Add(between - cruise_begin_, 0, 0);
-    profile.Add(-trough, 0, -1);
-    profile.Add(down - 1, -1, 0);
-    profile.Add(a1 - trough, trough, 1);
-    return profile;
-  }
   if (between >= two_holds_begin_) {
     high_hold = (between - 4 + change) / 2;
     low_hold = (between - 4 - change) / 2;
@@ -216,6 +149,7 @@ AccelerationProfile Reach::FarthestProfile(double time) const {
       trough = peak - m;
     }
   }
+  AccelerationProfile profile;
   profile.Add(peak - a0, a0, 1);
   profile.Add(high_hold, peak, 0);
   profile.Add(peak - trough, peak, -1);

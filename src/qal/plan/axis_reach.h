@@ -61,6 +61,7 @@ class Reach {
   double NextVelocity(double time) const;
   double NextDisplacement(double time) const;
   double Displacement(double time) const;
+  AccelerationProfile CruiseProfile(double cruise) const;
 
   AxisTask task_;
   double u0_, u1_;       // velocities where the accelerations are 0

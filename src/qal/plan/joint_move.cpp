@@ -6,6 +6,7 @@
 #include "../solve/kinematics.h"
 #include "axis_move.h"
 #include "axis_transfer.h"
+#include "joint_refusal.h"
 #include "quadratic.h"
 
 namespace qal {
@@ -14,8 +15,6 @@ namespace {
 
 constexpr int kJoints = 6;
 
-// A state that a motion within the limits was sampled at may be some roundings beyond them.
-constexpr double kAtLimit = 1 + 1e-10;
 // How far a move may pass its end [rad] that stands at the limit of its joint's range: roundings.
 constexpr double kAtRangeRad = 1e-11;
 
@@ -34,62 +33,6 @@ PlanFailure Failed(const Arm& arm, Error error, double along, const Joints& befo
   PlanFailure failure{std::move(error), along, {before, {}}};
   if (const Result<Pose> pose = Forward(arm, before)) failure.before.pose = *pose;
   return failure;
-}
-
-// Whether all are finite: 0 times such a number is 0. By joint, so that sums don't wait for each
-// other, and without branches.
-bool AllFinite(const MotionState& from, const MotionState& to) {
-  bool finite = true;
-  for (size_t j = 0; j < kJoints; ++j) {
-    const double zero = 0 * from.joints[j] + 0 * from.velocities[j] + 0 * from.accelerations[j] +
-                        0 * to.joints[j] + 0 * to.velocities[j] + 0 * to.accelerations[j];
-    finite &= zero == 0;
-  }
-  return finite;
-}
-
-Error NotFinite(const MotionState& from, const MotionState& to) {
-  for (const MotionState* state : {&from, &to}) {
-    for (const Joints* numbers : {&state->joints, &state->velocities, &state->accelerations}) {
-      for (int j = 0; j < kJoints; ++j) {
-        const double number = (*numbers)[static_cast<size_t>(j)];
-        if (!std::isfinite(number)) return {Reason::kNotFinite, j, number};
-      }
-    }
-  }
-  return {Reason::kNotFinite};
-}
-
-std::optional<Error> RefusedSetting(const JointLimits& limits) {
-  const auto& [velocity, acceleration, jerk] = limits.scale;
-  const std::pair<const char*, double> scales[] = {
-      {"velocity_scale", velocity}, {"acceleration_scale", acceleration}, {"jerk_scale", jerk}};
-  for (const auto& [name, value] : scales) {
-    if (!(value > 0 && value <= 1)) return Error{Reason::kSetting, -1, value, 1, name};
-  }
-  if (limits.duration_s >= 0 && std::isfinite(limits.duration_s)) return std::nullopt;
-  return Error{Reason::kSetting, -1, limits.duration_s, 0, "duration_s"};
-}
-
-std::optional<Error> RefusedRate(int joint, const AxisState& from, const AxisState& to,
-                                 const AxisLimits& limits) {
-  const struct {
-    const char* name;
-    double value, bound;
-  } rates[] = {
-      {"start_velocity_rad_s", from.velocity, limits.velocity},
-      {"start_acceleration_rad_s2", from.acceleration, limits.acceleration},
-      {"end_velocity_rad_s", to.velocity, limits.velocity},
-      {"end_acceleration_rad_s2", to.acceleration, limits.acceleration},
-      {"unavoidable_start_velocity_rad_s", UnavoidableVelocity(from, limits.jerk), limits.velocity},
-      {"unavoidable_end_velocity_rad_s",
-       UnavoidableVelocity({0, to.velocity, -to.acceleration}, limits.jerk), limits.velocity}};
-  for (const auto& [name, value, bound] : rates) {
-    if (std::fabs(value) > bound * kAtLimit) {
-      return Error{Reason::kEndRate, joint, value, bound, name};
-    }
-  }
-  return std::nullopt;
 }
 
 // How far a position is outside of a joint's range; below 0 inside.
@@ -123,9 +66,7 @@ class JointPlanner {
 
   std::optional<PlanFailure> Plan(const JointLimits& limits) {
     const MotionState& from = motion_.from_;
-    if (!AllFinite(from, motion_.to_)) {
-      return PlanFailure{NotFinite(from, motion_.to_)};
-    }
+    if (!AllFinite(from, motion_.to_)) return PlanFailure{NotFinite(from, motion_.to_)};
     if (auto refused = RefusedSetting(limits)) return Fail(*std::move(refused), 0);
     for (int j = 0; j < kJoints; ++j) {
       if (auto failure = Prepare(j, limits.scale)) return failure;
