@@ -306,6 +306,7 @@ TEST(JointMove, SaysWhichEndOrSettingIsRefused) {
                {{}, {}, {{1, 1.5}}, {kSetting, -1, 1.5, 1, "acceleration_scale"}, 0},
                {{}, {}, {{1, 1, inf}}, {kSetting, -1, inf, 1, "jerk_scale"}, 0},
                {{}, {}, {{}, -1}, {kSetting, -1, -1, 0, "duration_s"}, 0},
+               {{}, {}, {{}, 2e12}, {kSetting, -1, 2e12, 1e12, "duration_s"}, 0},
                {{range + 1}, {}, {}, {kRange, 1, range + 1, range}, 0},
                {{}, {-range - 1}, {}, {kRange, 1, -range - 1, -range}, 1},
                {{0, v}, {}, {{0.5}}, {kRate, 1, v, v / 2, "start_velocity_rad_s"}, 0},

@@ -72,6 +72,9 @@ class JointPlanner {
       if (auto failure = Prepare(j, limits.scale)) return failure;
     }
     const double duration_s = CommonDuration(std::max(limits.duration_s, least_s_));
+    if (!(duration_s <= kLongestMoveS)) {
+      return Fail({Reason::kSetting, -1, duration_s, kLongestMoveS, "duration_s"}, 0);
+    }
     motion_.duration_s_ = duration_s;
     for (size_t j = 0; j < kJoints; ++j) {
       const double begin = from.joints[j];

@@ -15,6 +15,9 @@ struct JointLimits {
   double duration_s = 0;  ///< the move takes at least this long
 };
 
+/// The longest duration of a move. A longer one's time has no digits left for its phases.
+constexpr double kLongestMoveS = 1e12;
+
 /// A move of six joints: cubics that anybody can read. A value without memory from the heap.
 class JointMotion {
  public:
@@ -53,7 +56,8 @@ class JointMotion {
 /// From rest to rest, joints turn straight to their ends. A joint that is moving at an end may have
 /// to pass it and come back.
 /// @param from and `to` may be moving, within the limits
-/// @return kNotFinite; kSetting: a scale that isn't above 0 and up to 1, a negative duration;
+/// @return kNotFinite; kSetting: a scale that isn't above 0 and up to 1, a duration below 0 or
+///         beyond `kLongestMoveS`;
 ///         kEndRate: an end's rate is beyond its limit, or leads there however it is braked;
 ///         kJointRange: an end is outside of its joint's range, or the move has to leave it, at
 ///         `along` of its duration
