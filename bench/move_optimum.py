@@ -3,7 +3,8 @@
 
 Reads the rows of move_rows, a JSON object each. Knows nothing of the shape of a motion: the
 acceleration at the ends of some hundred intervals is what it varies, straight between them, and the
-intervals get smaller where the jerk isn't at a limit. Prints for each row:
+intervals get smaller where the jerk isn't at a limit. Prints for each row, but for
+very long moves and those without a duration:
 
   missed   how far the way is outside of what can be moved in the planned duration, as a share of
            the way at full speed in that time: above 0, the duration is too short
@@ -26,7 +27,8 @@ except ImportError as error:
 ROUNDS = 6
 PARTS = 8  # that an interval is cut into
 MOST_INTERVALS = 900
-ROUNDING = 1e-7  # as a share; what the programs leave
+ROUNDING = 1e-6  # as a share; what the programs leave
+LONGEST = 1000  # in times that the acceleration takes to build up: beyond, intervals are too coarse
 
 
 def farthest(start, end, top, grid):
@@ -99,7 +101,7 @@ def main():
     bad = 0
     for row in map(json.loads, sys.stdin):
         planned, least = row["duration_s"], row["least_s"]
-        if planned == 0:
+        if planned == 0 or planned > LONGEST * row["limits"][1] / row["limits"][2]:
             continue
         inside = room(row, planned)
         shorter = [max(least, planned * part) for part in (*np.arange(1, 8) / 8, 1 - 1e-4)]
