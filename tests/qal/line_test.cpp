@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <qal/model/rotations.h>
-#include <qal/plan/line.h>
+#include <qal/plan/sampled.h>
 #include <qal/solve/kinematics.h>
 
 #include <algorithm>
@@ -135,6 +135,108 @@ TEST(PlanLine, KeepsEveryLimitBetweenSamplesAndTheLine) {
   for (const Reason reason : {Reason::kOutOfReach, Reason::kJointRange, Reason::kSingularity}) {
     EXPECT_GE(outcomes[reason], 1);
   }
+}
+
+// A line that passes the wrist's singularity 0.1 degrees off joint 5's zero: exactly on it joint 4
+// would leave its range. Within 0.1 degrees on each of two axes it goes straight through, as fast
+// as the tool may.
+TEST(PlanLine, PassesTheWristWithinAnOrientationError) {
+  const Arm arm = Arm::Reference();
+  const Joints middle = {0.3, -0.2, 0.4, 1.57, 0.1 * 3.14159265358979323846 / 180, 0.1};
+  const Pose centre = *Forward(arm, middle);
+  Line line;
+  Pose start = centre;
+  start.position = {centre.position.x - 0.05, centre.position.y, centre.position.z + 0.1};
+  line.to = centre;
+  line.to.position = {centre.position.x + 0.05, centre.position.y, centre.position.z - 0.1};
+  line.from = *Nearest(arm, start, middle);
+  const auto exact = PlanLine(arm, line.from, line.to, line.limits);
+  ASSERT_FALSE(exact);
+  EXPECT_EQ(exact.error().error.reason, Reason::kJointRange);
+  EXPECT_EQ(exact.error().error.joint, 3);
+
+  line.limits.max_orientation_error_rad = 1e-3;
+  EXPECT_FALSE(PlanLine(arm, line.from, line.to, line.limits));
+  line.limits.max_orientation_error_rad = 5e-3;
+  const auto motion = PlanLine(arm, line.from, line.to, line.limits);
+  ASSERT_TRUE(motion);
+  const Findings found = Examine(arm, line, *motion);
+  EXPECT_LE(std::max({found.velocity, found.acceleration, found.jerk}), 1.001);
+  EXPECT_LE(found.position_m, 1e-9);
+  EXPECT_NEAR(found.orientation_rad, motion->orientation_error_rad(), 1e-6);
+  EXPECT_LE(found.orientation_rad, 2e-3);
+  const double half = motion->duration_s() / 2;
+  EXPECT_LE(AngleBetween(motion->PoseAt(half).orientation,
+                         Forward(arm, motion->At(half).joints)->orientation),
+            1e-9);
+}
+
+// What is refused, where, and with which numbers.
+TEST(PlanLine, SaysWhyThereIsNone) {
+  const Arm arm = Arm::Reference();
+  const Joints joints = {0.3, -0.2, 0.4, 0.2, 1.2, 0.1};
+  const State from = {joints, *Forward(arm, joints)};
+  Pose away = from.pose;
+  away.position.x += 1;
+  const auto far = PlanLine(arm, from, away);
+  ASSERT_FALSE(far);
+  EXPECT_EQ(far.error().error.reason, Reason::kOutOfReach);
+  // There, and 1e-4 farther on, the solver agrees.
+  const double along = far.error().along;
+  const auto at = [&](double s) {
+    Pose pose = from.pose;
+    pose.position.x += s;
+    return Nearest(arm, pose, far.error().before.joints).has_value();
+  };
+  EXPECT_TRUE(at(along - 1e-6));
+  EXPECT_FALSE(at(along + 1e-4));
+
+  const State straight = {{0.3, -0.2, 0.4, 0.2, 0, 0.1}, {}};
+  const auto singular = PlanLine(arm, straight, from.pose);
+  ASSERT_FALSE(singular);
+  EXPECT_EQ(singular.error().error.reason, Reason::kSingularity);
+  EXPECT_EQ(singular.error().error.detail, "wrist");
+
+  LineLimits limits;
+  limits.jerk_m_s3 = 0;
+  EXPECT_EQ(PlanLine(arm, from, away, limits).error().error.detail, "jerk_m_s3");
+  limits = {};
+  limits.scale.velocity = 1.5;
+  EXPECT_EQ(PlanLine(arm, from, away, limits).error().error.bound, 1);
+  away.orientation = {0, 0, 0, 0};
+  EXPECT_EQ(PlanLine(arm, from, away).error().error.reason, Reason::kNotAnOrientation);
+
+  const auto nothing = PlanLine(arm, from, from.pose);
+  ASSERT_TRUE(nothing);
+  EXPECT_EQ(nothing->duration_s(), 0);
+  EXPECT_EQ(Sampled(arm, *nothing)->size(), 1U);
+}
+
+// 1.002 s at 0.05 m/s, and twice 0.0707 s to reach it: 1.1434 s, 229 cycles.
+TEST(PlanLine, IsSampledFromRestToRestInWholeCycles) {
+  const Arm arm = Arm::Reference();
+  const Joints joints = {0.3, -0.2, 0.4, 0.2, 1.2, 0.1};
+  const State from = {joints, *Forward(arm, joints)};
+  Pose to = from.pose;
+  to.position.z -= 0.0501;
+  LineLimits limits;
+  limits.speed_m_s = 0.05;
+  const auto motion = PlanLine(arm, from, to, limits);
+  ASSERT_TRUE(motion);
+  // The speed is reached in 2 sqrt(0.05 / 10) s.
+  EXPECT_NEAR(motion->duration_s(), 0.0501 / 0.05 + 2 * std::sqrt(0.05 / 10), 1e-9);
+  const Trajectory trajectory = *Sampled(arm, *motion);
+  ASSERT_EQ(trajectory.size(), 1U + 229U);
+  EXPECT_EQ(trajectory.front().joints, joints);
+  EXPECT_EQ(trajectory.back().time_s, 229 * 0.005);
+  EXPECT_EQ(trajectory.back().pose.position.z, to.position.z);
+  for (const Sample& end : {trajectory.front(), trajectory.back()}) {
+    EXPECT_EQ(end.velocities, Joints{});
+    EXPECT_EQ(end.accelerations, Joints{});
+  }
+  const auto bindings = motion->bindings();
+  ASSERT_FALSE(bindings.empty());
+  EXPECT_EQ(bindings.front().limit, Limit::kToolSpeed);
 }
 
 }  // namespace

@@ -8,27 +8,34 @@ namespace qal {
 // first end, the others meet what is left at the second end: of the value, r0, and of the first
 // three derivatives, r1 to r3, all with respect to u = (s - begin) / length.
 void JointPath::Append(const PathPoint& point) {
-  if (point.s > last_.s) {
-    Piece piece = {last_.s, point.s - last_.s, {}};
-    const double h = piece.length;
-    auto& c = piece.coefficient;
-    for (size_t j = 0; j < 6; ++j) {
-      c[0][j] = last_.value[j];
-      c[1][j] = h * last_.first[j];
-      c[2][j] = h * h * last_.second[j] / 2;
-      c[3][j] = h * h * h * last_.third[j] / 6;
-      const double r0 = point.value[j] - (c[0][j] + c[1][j] + c[2][j] + c[3][j]);
-      const double r1 = h * point.first[j] - (c[1][j] + 2 * c[2][j] + 3 * c[3][j]);
-      const double r2 = h * h * point.second[j] - (2 * c[2][j] + 6 * c[3][j]);
-      const double r3 = h * h * h * point.third[j] - 6 * c[3][j];
-      c[4][j] = 35 * r0 - 15 * r1 + 2.5 * r2 - r3 / 6;
-      c[5][j] = -84 * r0 + 39 * r1 - 7 * r2 + r3 / 2;
-      c[6][j] = 70 * r0 - 34 * r1 + 6.5 * r2 - r3 / 2;
-      c[7][j] = -20 * r0 + 10 * r1 - 2 * r2 + r3 / 6;
-    }
-    pieces_.push_back(piece);
+  Piece piece = {last_.s, point.s - last_.s, {}};
+  const double h = piece.length;
+  auto& c = piece.coefficient;
+  for (size_t j = 0; j < 6; ++j) {
+    c[0][j] = last_.value[j];
+    c[1][j] = h * last_.first[j];
+    c[2][j] = h * h * last_.second[j] / 2;
+    c[3][j] = h * h * h * last_.third[j] / 6;
+    const double r0 = point.value[j] - (c[0][j] + c[1][j] + c[2][j] + c[3][j]);
+    const double r1 = h * point.first[j] - (c[1][j] + 2 * c[2][j] + 3 * c[3][j]);
+    const double r2 = h * h * point.second[j] - (2 * c[2][j] + 6 * c[3][j]);
+    const double r3 = h * h * h * point.third[j] - 6 * c[3][j];
+    c[4][j] = 35 * r0 - 15 * r1 + 2.5 * r2 - r3 / 6;
+    c[5][j] = -84 * r0 + 39 * r1 - 7 * r2 + r3 / 2;
+    c[6][j] = 70 * r0 - 34 * r1 + 6.5 * r2 - r3 / 2;
+    c[7][j] = -20 * r0 + 10 * r1 - 2 * r2 + r3 / 6;
   }
+  pieces_.push_back(piece);
   last_ = point;
+}
+
+void JointPath::CutAfter(double s) {
+  if (!(s < last_.s)) return;
+  const size_t piece = PieceAt(s);
+  const PathPoint end = At(s, piece);
+  last_ = At(pieces_[piece].begin, piece);
+  pieces_.resize(piece);
+  if (end.s > last_.s) Append(end);
 }
 
 size_t JointPath::PieceAt(double s, size_t near) const {

@@ -23,8 +23,14 @@ struct PathPoint {
 /// agree in the joints and their first three derivatives.
 class JointPath {
  public:
-  /// One more point; the first is at 0, each next one at a larger s.
+  JointPath() = default;
+  /// A path that begins with a point.
+  explicit JointPath(const PathPoint& begin) : last_(begin) {}
+
+  /// One more point, at a larger s.
   void Append(const PathPoint& point);
+  /// Takes away what comes after a place.
+  void CutAfter(double s);
 
   const PathPoint& last() const { return last_; }
   size_t size() const { return pieces_.size(); }

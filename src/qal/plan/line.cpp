@@ -7,7 +7,9 @@
 #include "../solve/kinematics.h"
 #include "fastest_law.h"
 #include "line_failure.h"
-#include "path_follower.h"
+#include "load.h"
+#include "stretches.h"
+#include "wrist_pass.h"
 
 namespace qal {
 
@@ -19,8 +21,13 @@ struct [[gnu::visibility("hidden")]] LineMotion::Held {
   PathLimits path_limits;
   State start;
   State end;
-  double orientation_error_rad;
-  double cycle_s;
+  Arm arm;
+  std::vector<WristPass> passes = {};
+
+  bool OffOrientation(double s) const {
+    return std::any_of(passes.begin(), passes.end(),
+                       [s](const WristPass& pass) { return pass.begin < s && s < pass.end; });
+  }
 
   bool moves() const { return law.size() > 0; }
   PathMoment MomentAt(double time_s) const {
@@ -100,12 +107,45 @@ PathLimits LimitsAlong(const Arm& arm, const LineLimits& limits, double length_m
   return along;
 }
 
+// Follows a line; past wrist singularities, where that is allowed.
+Result<JointPath, PlanFailure> JointsAlong(const Arm& arm, const Screws& screws,
+                                           const LinePath& line, const Joints& start,
+                                           const LineLimits& limits,
+                                           std::vector<WristPass>& passes) {
+  const LineSolver solver(screws, line);
+  const auto first = solver.Solve(0, start);
+  if (!first) return NoWayOn(arm, line, {0, start, {}, {}, {}});
+  JointPath joints(*first);
+  const double error_rad = limits.max_orientation_error_rad;
+  while (true) {
+    const bool arrived = Follow(solver, 1, joints) >= 1;
+    // A line has few places where the wrist is bent straight.
+    constexpr size_t kMostPasses = 8;
+    if (error_rad > 0 && passes.size() < kMostPasses) {
+      const double after = passes.empty() ? 0 : passes.back().end;
+      if (const auto pass = PassWrist(arm, screws, line, error_rad, after, joints)) {
+        passes.push_back(*pass);
+        continue;
+      }
+    }
+    if (!arrived) return NoWayOn(arm, line, joints.last());
+    return joints;
+  }
+}
+
 }  // namespace
 
 double LineMotion::duration_s() const { return held_->law.duration_s(); }
 double LineMotion::length_m() const { return held_->line.length_m(); }
 double LineMotion::angle_rad() const { return held_->line.angle_rad(); }
-double LineMotion::orientation_error_rad() const { return held_->orientation_error_rad; }
+
+double LineMotion::orientation_error_rad() const {
+  double largest = 0;
+  for (const WristPass& pass : held_->passes) {
+    largest = std::max(largest, pass.orientation_error_rad);
+  }
+  return largest;
+}
 
 double LineMotion::AlongAt(double time_s) const {
   if (!(time_s > 0) || !held_->moves()) return held_->moves() ? 0 : 1;
@@ -115,20 +155,22 @@ double LineMotion::AlongAt(double time_s) const {
 MotionState LineMotion::At(double time_s) const {
   if (!(time_s > 0) || !held_->moves()) return {held_->start.joints, {}, {}};
   if (!(time_s < duration_s())) return {held_->end.joints, {}, {}};
-  const auto [s, speed, acceleration, jerk] = held_->MomentAt(time_s);
-  const PathPoint q = held_->joints.At(s);
-  MotionState state = {q.value, {}, {}};
-  for (size_t j = 0; j < 6; ++j) {
-    state.velocities[j] = q.first[j] * speed;
-    state.accelerations[j] = q.second[j] * speed * speed + q.first[j] * acceleration;
-  }
-  return state;
+  const PathMoment moment = held_->MomentAt(time_s);
+  const PathPoint q = held_->joints.At(moment.s);
+  const JointRates rates = RatesOf(q, moment);
+  return {q.value, rates[0], rates[1]};
 }
 
 Pose LineMotion::PoseAt(double time_s) const {
   if (!(time_s > 0)) return held_->start.pose;
   if (!(time_s < duration_s())) return held_->end.pose;
-  return held_->line.At(held_->MomentAt(time_s).s);
+  const double s = held_->MomentAt(time_s).s;
+  Pose pose = held_->line.At(s);
+  if (held_->OffOrientation(s)) {
+    const auto is = Forward(held_->arm, held_->joints.At(s).value);
+    if (is) pose.orientation = SignedAs(is->orientation, pose.orientation);
+  }
+  return pose;
 }
 
 LineMotion LineMotion::InDuration(double duration_s) const {
@@ -149,42 +191,66 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
   const auto screws = Screws::Of(arm, from.joints);
   if (!screws) return PlanFailure{screws.error(), 0, before};
 
-  auto held = std::make_shared<LineMotion::Held>();
-  held->line = LinePath(*start, to);
-  held->limits = limits;
-  held->start = before;
-  held->end = {from.joints, held->line.At(1)};
-  held->orientation_error_rad = 0;
-  held->cycle_s = arm.cycle_s().value;
+  const LinePath line(*start, to);
+  LineMotion::Held held = {line, {}, {}, limits, {}, before, {from.joints, line.At(1)}, arm};
   // A line of less is nothing that a motor does.
   constexpr double kNothing = 1e-12;
-  if (held->line.length_m() <= kNothing && held->line.angle_rad() <= kNothing) {
-    return LineMotion(std::move(held));
+  if (line.length_m() > kNothing || line.angle_rad() > kNothing) {
+    auto joints = JointsAlong(arm, *screws, line, from.joints, limits, held.passes);
+    if (!joints) return joints.error();
+    held.joints = *std::move(joints);
+    if (auto failure = OutOfRange(arm, line, held.joints)) return *failure;
+    held.end.joints = held.joints.last().value;
+    held.path_limits = LimitsAlong(arm, limits, line.length_m(), line.angle_rad());
+    held.law = FastestLaw(held.joints, held.path_limits, arm.cycle_s().value);
   }
-  const PathSolver solver(*screws, held->line);
-  FollowedPath followed = Follow(solver, from.joints);
-  if (followed.stopped < 1) return NoWayOn(arm, held->line, followed, from.joints);
-  held->joints = std::move(followed.joints);
-  if (auto failure = OutOfRange(arm, held->line, held->joints)) return *failure;
-  held->end.joints = held->joints.last().value;
-  held->path_limits = LimitsAlong(arm, limits, held->line.length_m(), held->line.angle_rad());
-  held->law = FastestLaw(held->joints, held->path_limits, held->cycle_s);
-  return LineMotion(std::move(held));
+  return LineMotion(std::make_shared<const LineMotion::Held>(std::move(held)));
 }
 
-Trajectory Sampled(const Arm& arm, const LineMotion& motion) {
-  const double cycle_s = arm.cycle_s().value;
-  // A duration that is a whole number of cycles but for rounding is one.
-  constexpr double kRounding = 1e-9;
-  const double cycles = std::ceil(motion.duration_s() / cycle_s - kRounding);
-  const LineMotion played = motion.InDuration(cycles * cycle_s);
-  Trajectory trajectory;
-  for (double i = 0; i <= cycles; ++i) {
-    const double time_s = i < cycles ? i * cycle_s : played.duration_s();
-    const auto [joints, velocities, accelerations] = played.At(time_s);
-    trajectory.push_back({i * cycle_s, joints, velocities, accelerations, played.PoseAt(time_s)});
+std::vector<Binding> LineMotion::bindings() const {
+  if (!held_->moves()) return {};
+  const LineLimits& limits = held_->limits;
+  const PathLimits& along = held_->path_limits;
+  const double of_tool[] = {limits.speed_m_s, limits.acceleration_m_s2, limits.jerk_m_s3};
+  const double of_turn[] = {limits.turn_speed_rad_s, limits.turn_acceleration_rad_s2,
+                            limits.turn_jerk_rad_s3};
+  const Joints* const of_joints[] = {&along.joint_velocity, &along.joint_acceleration,
+                                     &along.joint_jerk};
+  // What binds is looked for once a cycle, in the middle of it.
+  constexpr double kMostLooks = 1e5;
+  const double looks = std::min(kMostLooks, std::ceil(duration_s() / held_->arm.cycle_s().value));
+  const double look_s = duration_s() / looks;
+  std::array<std::array<Stretches, 3>, 8> stretches;  // of tool, turn and joints; by derivative
+  for (double i = 0; i < looks; ++i) {
+    const PathMoment moment = held_->MomentAt((i + 0.5) * look_s);
+    const JointRates rates = RatesOf(held_->joints.At(moment.s), moment);
+    const double of_s[] = {moment.speed, moment.acceleration, moment.jerk};
+    for (size_t order = 0; order < 3; ++order) {
+      const auto add = [&](size_t whose, double rate, double limit) {
+        // A plan leaves some thousandths of a limit here and there.
+        constexpr double kReached = 0.985;
+        if (std::fabs(rate) < kReached * limit) return;
+        stretches[whose][order].Add(i * look_s, (i + 1) * look_s);
+      };
+      add(6, length_m() * of_s[order], of_tool[order]);
+      add(7, angle_rad() * of_s[order], of_turn[order]);
+      for (size_t j = 0; j < 6; ++j) add(j, rates[order][j], (*of_joints[order])[j]);
+    }
   }
-  return trajectory;
+  constexpr Limit kKinds[3][3] = {
+      {Limit::kToolSpeed, Limit::kToolAcceleration, Limit::kToolJerk},
+      {Limit::kTurnSpeed, Limit::kTurnAcceleration, Limit::kTurnJerk},
+      {Limit::kJointVelocity, Limit::kJointAcceleration, Limit::kJointJerk}};
+  std::vector<Binding> bindings;
+  for (size_t order = 0; order < 3; ++order) {
+    for (size_t whose = 0; whose < 8; ++whose) {
+      const Limit limit = kKinds[whose < 6 ? 2 : whose - 6][order];
+      const int joint = whose < 6 ? static_cast<int>(whose) : -1;
+      stretches[whose][order].AppendTo(bindings, limit, joint, duration_s());
+    }
+  }
+  SortByShare(bindings);
+  return bindings;
 }
 
 }  // namespace qal

@@ -19,7 +19,7 @@ struct LineLimits {
   double turn_jerk_rad_s3 = 40;
   LimitScale scale = {};  ///< of the arm's joints
   /// How far the orientation may be off the line to pass a wrist singularity without slowing down
-  /// for it [rad], 0 to 0.5. 0: not at all.
+  /// for it [rad], 0 to 0.5. 0: not at all. The tool's turn that this adds counts for no limit.
   double max_orientation_error_rad = 0;
 };
 
@@ -62,9 +62,13 @@ class QAL_API LineMotion {
 /// limit: of the tool, of its turn, and velocity, acceleration and jerk of each joint, as the arm
 /// says, times `limits.scale`. Where a joint would be too fast the tool slows down.
 ///
-/// Limits are held at 4 moments of each of the time law's pieces, of some cycles each, and so
-/// between samples to 1e-3 of themselves. The duration is that of the optimum but for some
-/// thousandths: the limits of jerk make the problem non-convex, and it is solved locally.
+/// Limits are looked at four times in each of the time law's pieces, which are 2 to 6 cycles long,
+/// and so hold between samples to 1e-3 of themselves. Limits of jerk make the problem of the
+/// fastest motion a non-convex one: it is solved locally, to some thousandths as a rule.
+///
+/// With `max_orientation_error_rad` a wrist singularity that the line passes within that angle is
+/// passed with the wrist's joints going straight on, the wrist flipped beyond it, on the longest
+/// stretch that keeps the error.
 ///
 /// @param from the joints at the start. Its pose is not read: the line begins where they have the
 ///             tool
@@ -76,10 +80,6 @@ class QAL_API LineMotion {
 ///         kSolverThrows, kNoPose
 QAL_API Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, const Pose& to,
                                                  const LineLimits& limits = {});
-
-/// The motion as a controller plays it; where it ends between two cycles, it is slowed down to end
-/// at the later one.
-QAL_API Trajectory Sampled(const Arm& arm, const LineMotion& motion);
 
 }  // namespace qal
 

@@ -101,10 +101,9 @@ const char* SingularityOf(const Singularities& distances) {
 
 }  // namespace
 
-PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const FollowedPath& followed,
-                    const Joints& start) {
-  const double reached = followed.stopped;
-  const Joints joints = reached > 0 ? followed.joints.last().value : start;
+PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const PathPoint& last) {
+  const double reached = last.s;
+  const Joints& joints = last.value;
   PlanFailure failure = {{}, reached, {joints, line.At(reached)}};
   // Beyond the place where the joints get too fast to follow there is the rim, or a pose that only
   // other joints have.

@@ -13,10 +13,9 @@ namespace qal {
 /// Where joints first leave their range, and how far they would go.
 std::optional<PlanFailure> OutOfRange(const Arm& arm, const LinePath& line, const JointPath& path);
 
-/// Why a path could be followed no further than `followed`: the pose is out of reach, or the arm is
+/// Why a line could be followed no further than `last`: the pose is out of reach, or the arm is
 /// singular.
-PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const FollowedPath& followed,
-                    const Joints& start);
+PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const PathPoint& last);
 
 }  // namespace qal
 

@@ -12,24 +12,33 @@ double Larger(double a, double b) { return b <= a ? a : b; }
 
 // What a moment of a motion needs.
 Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathLimits& limits) {
-  const auto& [s, v, a, jerk] = moment;
-  Load load = {std::fabs(v) / limits.speed, std::fabs(a) / limits.acceleration,
-               std::fabs(jerk) / limits.jerk};
+  const auto [velocities, accelerations, jerks] = RatesOf(joints, moment);
+  Load load = {std::fabs(moment.speed) / limits.speed,
+               std::fabs(moment.acceleration) / limits.acceleration,
+               std::fabs(moment.jerk) / limits.jerk};
   for (size_t j = 0; j < 6; ++j) {
-    const double first = joints.first[j];
-    const double second = joints.second[j];
-    const double velocity = first * v;
-    const double acceleration = second * v * v + first * a;
-    const double third = joints.third[j] * v * v * v + 3 * second * v * a + first * jerk;
-    load.velocity = std::max(load.velocity, std::fabs(velocity) / limits.joint_velocity[j]);
+    load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / limits.joint_velocity[j]);
     load.acceleration =
-        std::max(load.acceleration, std::fabs(acceleration) / limits.joint_acceleration[j]);
-    load.jerk = std::max(load.jerk, std::fabs(third) / limits.joint_jerk[j]);
+        std::max(load.acceleration, std::fabs(accelerations[j]) / limits.joint_acceleration[j]);
+    load.jerk = std::max(load.jerk, std::fabs(jerks[j]) / limits.joint_jerk[j]);
   }
   return load;
 }
 
 }  // namespace
+
+JointRates RatesOf(const PathPoint& joints, const PathMoment& moment) {
+  const auto& [s, v, a, jerk] = moment;
+  JointRates rates;
+  for (size_t j = 0; j < 6; ++j) {
+    const double first = joints.first[j];
+    const double second = joints.second[j];
+    rates[0][j] = first * v;
+    rates[1][j] = second * v * v + first * a;
+    rates[2][j] = joints.third[j] * v * v * v + 3 * second * v * a + first * jerk;
+  }
+  return rates;
+}
 
 double Load::Slowdown() const {
   return Larger(Larger(1.0, velocity), Larger(std::sqrt(acceleration), std::cbrt(jerk)));

@@ -8,6 +8,14 @@
 // Internal: what a motion along a path needs of its limits.
 namespace qal {
 
+/// Velocities, accelerations and jerks of the joints.
+using JointRates = std::array<Joints, 3>;
+
+/// What the joints do at a moment of a motion along a path: with s' and so on by time,
+///
+///     q_j' s'      q_j'' s'^2 + q_j' s''      q_j''' s'^3 + 3 q_j'' s' s'' + q_j' s'''
+JointRates RatesOf(const PathPoint& joints, const PathMoment& moment);
+
 /// How much of each limit is needed, as a multiple of it: the most of all that are of a kind.
 struct Load {
   double velocity = 0;

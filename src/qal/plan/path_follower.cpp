@@ -45,9 +45,7 @@ Vector3 RotationBetween(const Matrix3& from, const Matrix3& to) {
   return {{(r[2][1] - r[1][2]) / 2, (r[0][2] - r[2][0]) / 2, (r[1][0] - r[0][1]) / 2}};
 }
 
-// The twists of the axes move with the joints before them: the velocities of the tool and of the
-// joints are T = sum q_j' A_j with A_j' = [W_j, A_j], W_j = sum of q_i' A_i before j. Derived twice
-// more:
+// The velocities of tool and joints are T = sum q_j' A_j; derived twice more
 //
 //     T'  = sum q_j'' A_j + q_j' A_j'
 //     T'' = sum q_j''' A_j + 2 q_j'' A_j' + q_j' A_j''
@@ -56,26 +54,19 @@ Vector3 RotationBetween(const Matrix3& from, const Matrix3& to) {
 PathPoint WithDerivatives(double s, const Joints& joints, const std::array<Twist, 6>& axes,
                           const LinearSystem& equations, const LinePath& path) {
   PathPoint point = {s, joints, {}, {}, {}};
+  MovingAxes moving(axes);
   point.first = Solved(equations, path.TwistAt(s));
-  std::array<Twist, 6> changes;
-  std::array<Twist, 6> before;
-  Twist sum = {};
-  Twist rate = {};
+  moving.SetFirst(point.first);
+  Twist rest = path.TwistRate();
+  for (size_t j = 0; j < 6; ++j) rest = rest + -point.first[j] * moving.change(j);
+  point.second = Solved(equations, rest);
+  moving.SetSecond(point.second);
+  rest = {};
   for (size_t j = 0; j < 6; ++j) {
-    before[j] = sum;
-    changes[j] = Bracket(sum, axes[j]);
-    sum = sum + point.first[j] * axes[j];
-    rate = rate + point.first[j] * changes[j];
+    rest =
+        rest + -2 * point.second[j] * moving.change(j) + -point.first[j] * moving.second_change(j);
   }
-  point.second = Solved(equations, path.TwistRate() + -1.0 * rate);
-  Twist sum_rate = {};
-  rate = {};
-  for (size_t j = 0; j < 6; ++j) {
-    const Twist second = Bracket(sum_rate, axes[j]) + Bracket(before[j], changes[j]);
-    sum_rate = sum_rate + point.second[j] * axes[j] + point.first[j] * changes[j];
-    rate = rate + 2 * point.second[j] * changes[j] + point.first[j] * second;
-  }
-  point.third = Solved(equations, -1.0 * rate);
+  point.third = Solved(equations, rest);
   return point;
 }
 
@@ -98,8 +89,27 @@ Joints Extrapolated(const PathPoint& point, double s) {
 
 }  // namespace
 
-std::optional<PathPoint> PathSolver::Solve(double s, const Joints& guess) const {
-  const Frame target = path_.FrameAt(s);
+// An axis moves with the joints before it: A_j' = [W_j, A_j], W_j = sum of q_i' A_i before j.
+void MovingAxes::SetFirst(const Joints& first) {
+  first_ = first;
+  Twist sum = {};
+  for (size_t j = 0; j < 6; ++j) {
+    before_[j] = sum;
+    changes_[j] = Bracket(sum, axes_[j]);
+    sum = sum + first[j] * axes_[j];
+  }
+}
+
+void MovingAxes::SetSecond(const Joints& second) {
+  Twist sum = {};
+  for (size_t j = 0; j < 6; ++j) {
+    second_changes_[j] = Bracket(sum, axes_[j]) + Bracket(before_[j], changes_[j]);
+    sum = sum + second[j] * axes_[j] + first_[j] * changes_[j];
+  }
+}
+
+std::optional<PathPoint> LineSolver::Solve(double s, const Joints& guess) const {
+  const Frame target = line_.FrameAt(s);
   Joints joints = guess;
   for (int step = 0; step < kMostSteps; ++step) {
     const PlacedArm placed = screws_.At(joints);
@@ -112,60 +122,47 @@ std::optional<PathPoint> PathSolver::Solve(double s, const Joints& guess) const 
     if (!(size <= kLargestStepRad)) return std::nullopt;
     for (size_t j = 0; j < joints.size(); ++j) joints[j] += change[j];
     // What is left to correct, the equations of the joints before are good for.
-    if (size <= kLastStepRad) return WithDerivatives(s, joints, placed.axes, equations, path_);
+    if (size <= kLastStepRad) return WithDerivatives(s, joints, placed.axes, equations, line_);
   }
   return std::nullopt;
 }
 
-double PathSolver::Deviation(double s, const Joints& joints) const {
-  const Frame target = path_.FrameAt(s);
+double LineSolver::Deviation(double s, const Joints& joints) const {
+  const Frame target = line_.FrameAt(s);
   const Frame tool = screws_.At(joints).tool;
   return std::max(Length(target.position - tool.position),
                   Length(RotationBetween(tool.rotation, target.rotation)));
 }
 
-FollowedPath Follow(const PathSolver& solver, const Joints& start) {
-  FollowedPath followed;
-  const auto first = solver.Solve(0, start);
-  if (!first || Largest(first->value, start) > kJointTolerance) return {{}, 0};
-  JointPath& joints = followed.joints;
-  joints.Append(*first);
+double Follow(const PlaceSolver& solver, double to, JointPath& joints) {
   double length = kLongestPiece;
-  while (joints.last().s < 1) {
+  while (joints.last().s < to) {
     const PathPoint& from = joints.last();
-    const double left = 1 - from.s;
+    const double left = to - from.s;
     // The last two pieces are of one length, so that none is very short.
-    length = std::min(length, left <= length ? left : std::max(left / 2, std::min(length, left)));
-    const double to = left <= length ? 1.0 : from.s + length;
+    if (left < 2 * length) length = left <= length ? left : left / 2;
+    const double end = left <= length ? to : from.s + length;
     double shrink = 0.25;
-    if (const auto next = solver.Solve(to, Extrapolated(from, to))) {
-      JointPath piece;
-      piece.Append({0, from.value, from.first, from.second, from.third});
-      // (A piece of its own, from s = 0.)
-      PathPoint end = *next;
-      end.s = to - from.s;
-      piece.Append(end);
-      const double middle = from.s + end.s / 2;
-      const Joints guess = piece.At(end.s / 2, 0).value;
+    if (const auto next = solver.Solve(end, Extrapolated(from, end))) {
+      JointPath piece(from);
+      piece.Append(*next);
+      const double middle = (from.s + end) / 2;
+      const Joints guess = piece.At(middle, 0).value;
       const double deviation = solver.Deviation(middle, guess);
       const auto exact = solver.Solve(middle, guess);
+      // The error of such a piece goes with the eighth power of its length.
+      const double fitting = 0.9 * std::pow(kPathTolerance / std::max(deviation, 1e-16), 0.125);
       if (exact && deviation <= kPathTolerance && Largest(exact->value, guess) <= kJointTolerance) {
         joints.Append(*next);
-        length *= std::clamp(0.9 * std::pow(kPathTolerance / std::max(deviation, 1e-16), 0.125),
-                             0.5, 3.0);
-        length = std::min(length, kLongestPiece);
+        length = std::min(length * std::clamp(fitting, 0.5, 3.0), kLongestPiece);
         continue;
       }
-      // The error of such a piece goes with the eighth power of its length.
-      if (exact) shrink = std::clamp(0.9 * std::pow(kPathTolerance / deviation, 0.125), 0.1, 0.8);
+      if (exact) shrink = std::clamp(fitting, 0.1, 0.8);
     }
     length *= shrink;
-    if (length < kShortestPiece) {
-      followed.stopped = from.s;
-      break;
-    }
+    if (length < kShortestPiece) break;
   }
-  return followed;
+  return joints.last().s;
 }
 
 }  // namespace qal

@@ -60,4 +60,20 @@ Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotion& motio
   }
 }
 
+Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion) {
+  const double cycle_s = arm.cycle_s().value;
+  const double cycles = WholeCycles(motion.duration_s(), cycle_s);
+  if (cycles >= kMostSamples) return TooMany(cycles);
+  const LineMotion played = motion.InDuration(cycles * cycle_s);
+  Trajectory samples;
+  samples.reserve(static_cast<size_t>(cycles) + 1);
+  for (double i = 0; i <= cycles; ++i) {
+    // The motion may be longer than that by its rounding.
+    const double time_s = i < cycles ? i * cycle_s : played.duration_s();
+    const auto [joints, velocities, accelerations] = played.At(time_s);
+    samples.push_back({i * cycle_s, joints, velocities, accelerations, played.PoseAt(time_s)});
+  }
+  return samples;
+}
+
 }  // namespace qal

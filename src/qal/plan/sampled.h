@@ -2,6 +2,7 @@
 #define QAL_PLAN_SAMPLED_H_
 
 #include "joint_move.h"
+#include "line.h"
 
 namespace qal {
 
@@ -14,6 +15,12 @@ constexpr double kMostSamples = 1e6;
 /// @return kTooManyPoints for more than `kMostSamples`; the errors of `PlanJoint`, where the slower
 ///         move leaves a joint's range and the quicker one doesn't; kNoPose, kSolverThrows
 QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotion& motion);
+
+/// A line as a controller plays it; where it ends between two cycles, it is slowed down to end at
+/// the later one.
+/// @param arm the one that it was planned for
+/// @return kTooManyPoints for more than `kMostSamples`
+QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion);
 
 }  // namespace qal
 
