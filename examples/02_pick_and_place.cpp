@@ -77,7 +77,7 @@ void Summarise(const Road& road, const char* path) {
 }
 
 // The waypoints as files hold them.
-qal::io::Trajectory ToTrajectory(const Road& road) {
+qal::io::FileTrajectory ToTrajectory(const Road& road) {
   std::vector<qal::State> states;
   for (const auto& [position, orientation, joints, known] : road) {
     const auto& [x, y, z] = position;

@@ -21,7 +21,7 @@ namespace qal::io {
 class FiniteDifferences {
  public:
   /// @param trajectory at least one sample; has to outlive this
-  explicit FiniteDifferences(const Trajectory& trajectory) : trajectory_(trajectory) {}
+  explicit FiniteDifferences(const FileTrajectory& trajectory) : trajectory_(trajectory) {}
 
   /// Length of interval 0 to size [s]; a second when there is but one sample, where nothing moves.
   double Duration(size_t interval) const;
@@ -42,7 +42,7 @@ class FiniteDifferences {
   double JointJerk(size_t interval, size_t joint) const;
 
  private:
-  const Trajectory& trajectory_;
+  const FileTrajectory& trajectory_;
 };
 
 /// Speed of a joint's motor [rpm, signed] when the joint turns at `speed_rad_s`, by the arm's gear

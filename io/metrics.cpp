@@ -50,7 +50,7 @@ void Raise(std::optional<Peak>& peak, double value, size_t sample) {
 
 using Metrics = std::array<Peaks, kMetricCount>;
 
-void MeasureTimes(const Trajectory& trajectory, Metrics& metrics) {
+void MeasureTimes(const FileTrajectory& trajectory, Metrics& metrics) {
   const FiniteDifferences differences(trajectory);
   for (const MetricIndex metric : {kRepeatedTimes, kBackwardTimes}) {
     Peak count{0.0, 0};
@@ -64,7 +64,7 @@ void MeasureTimes(const Trajectory& trajectory, Metrics& metrics) {
   }
 }
 
-void MeasureJoints(const Trajectory& trajectory, const Arm& arm, Metrics& metrics) {
+void MeasureJoints(const FileTrajectory& trajectory, const Arm& arm, Metrics& metrics) {
   const FiniteDifferences rates(trajectory);
   // An interval without a positive duration has no rates: it is one of the times above.
   const auto timed = [&](size_t first, size_t last) {
@@ -92,7 +92,7 @@ void MeasureJoints(const Trajectory& trajectory, const Arm& arm, Metrics& metric
   }
 }
 
-void MeasureSteps(const Trajectory& trajectory, Metrics& metrics) {
+void MeasureSteps(const FileTrajectory& trajectory, Metrics& metrics) {
   const size_t last = trajectory.size() - 1;
   for (size_t i = 1; i <= last; ++i) {
     double leading = 0.0;
@@ -125,13 +125,13 @@ double DistanceFromLine(const Vec3& point, const Vec3& from, const Vec3& to) {
   return Distance(out, {within * line.x, within * line.y, within * line.z});
 }
 
-Pose PoseOfJoints(const Arm& arm, const Trajectory& trajectory, size_t sample) {
+Pose PoseOfJoints(const Arm& arm, const FileTrajectory& trajectory, size_t sample) {
   const Result<Pose> pose = Forward(arm, trajectory[sample].joints);
   if (pose) return *pose;
   throw Failure(fmt::format("sample {}: {}", sample, ErrorText(pose.error())));
 }
 
-void MeasureTool(const Trajectory& trajectory, const Arm& arm, Metrics& metrics) {
+void MeasureTool(const FileTrajectory& trajectory, const Arm& arm, Metrics& metrics) {
   const auto position_at = [&](size_t sample) {
     const auto& pose = trajectory[sample].pose;
     return pose ? pose->position : PoseOfJoints(arm, trajectory, sample).position;
@@ -156,7 +156,7 @@ void MeasureTool(const Trajectory& trajectory, const Arm& arm, Metrics& metrics)
 
 }  // namespace
 
-std::array<Peaks, kMetricCount> Measure(const Trajectory& trajectory, const Arm& arm) {
+std::array<Peaks, kMetricCount> Measure(const FileTrajectory& trajectory, const Arm& arm) {
   Metrics metrics;
   for (size_t i = 0; i < kMetricCount; ++i) metrics[i].resize(kMetrics[i].per_joint ? 6 : 1);
   MeasureTimes(trajectory, metrics);

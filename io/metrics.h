@@ -58,7 +58,7 @@ using Peaks = std::vector<std::optional<Peak>>;
 /// without one, by forward kinematics of the joints. The times may be in any order; an interval
 /// without a positive duration has no rates.
 /// @throw Failure "sample N: REASON" when the arm's solver gives no pose of the joints
-std::array<Peaks, kMetricCount> Measure(const Trajectory& trajectory, const Arm& arm);
+std::array<Peaks, kMetricCount> Measure(const FileTrajectory& trajectory, const Arm& arm);
 
 /// A limit for each value of a metric; empty: none.
 using Limits = std::array<std::vector<double>, kMetricCount>;

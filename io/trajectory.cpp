@@ -32,9 +32,9 @@ void ExpectMeasurable(const LocatedTrajectory& trajectory) {
   }
 }
 
-Trajectory FromStates(const std::vector<State>& states, double cycle_s) {
+FileTrajectory FromStates(const std::vector<State>& states, double cycle_s) {
   const double cycle_ms = cycle_s * 1000.0;
-  Trajectory trajectory;
+  FileTrajectory trajectory;
   trajectory.reserve(states.size());
   for (const State& state : states) {
     // Not multiplied by seconds: 0.005 is not exact, and its error would show in the digits.
@@ -44,8 +44,8 @@ Trajectory FromStates(const std::vector<State>& states, double cycle_s) {
   return trajectory;
 }
 
-Sample SampleOf(const double* values, bool pose) {
-  Sample sample{values[0], {}, {}};
+FileSample SampleOf(const double* values, bool pose) {
+  FileSample sample{values[0], {}, {}};
   std::copy(values + 1, values + 7, sample.joints.begin());
   if (!pose) return sample;
   const double* q = values + 10;
@@ -56,9 +56,9 @@ Sample SampleOf(const double* values, bool pose) {
   return sample;
 }
 
-bool HavePoses(const Trajectory& trajectory) {
+bool HavePoses(const FileTrajectory& trajectory) {
   return !trajectory.empty() && std::all_of(trajectory.begin(), trajectory.end(),
-                                            [](const Sample& s) { return s.pose.has_value(); });
+                                            [](const FileSample& s) { return s.pose.has_value(); });
 }
 
 }  // namespace qal::io

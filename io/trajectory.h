@@ -11,19 +11,19 @@
 namespace qal::io {
 
 /// One sample of a trajectory. Only time and joints are always there.
-struct Sample {
+struct FileSample {
   double time_s;
   Joints joints;  ///< [rad]
   std::optional<Pose> pose;
 };
 
 /// A trajectory as the files hold it, in the order of time.
-using Trajectory = std::vector<Sample>;
+using FileTrajectory = std::vector<FileSample>;
 
 /// A trajectory read from a file, and the line that each sample begins on, counted from 1. JSON
 /// gives no lines.
 struct LocatedTrajectory {
-  Trajectory samples;
+  FileTrajectory samples;
   std::vector<size_t> lines;
   std::vector<std::string> notes = {};  ///< what the reader took upon itself, for the user to know
 };
@@ -37,14 +37,14 @@ void ExpectMeasurable(const LocatedTrajectory& trajectory);
 
 /// The states of a plan, one control cycle apart, the first at time 0. With a cycle of whole
 /// milliseconds, sample i is at the double nearest i * cycle.
-Trajectory FromStates(const std::vector<State>& states, double cycle_s);
+FileTrajectory FromStates(const std::vector<State>& states, double cycle_s);
 
 /// The sample of `values`: time, six joints, then, if `pose`, x, y, z, qw, qx, qy, qz.
 /// @throw UsageError when the quaternion is no orientation: all zeros
-Sample SampleOf(const double* values, bool pose);
+FileSample SampleOf(const double* values, bool pose);
 
 /// Whether every sample has a pose; false for no samples.
-bool HavePoses(const Trajectory& trajectory);
+bool HavePoses(const FileTrajectory& trajectory);
 
 }  // namespace qal::io
 

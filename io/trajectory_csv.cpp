@@ -34,7 +34,7 @@ std::string Header(size_t columns, bool full) {
   return header;
 }
 
-void AppendRates(const Trajectory& trajectory, size_t sample, bool poses, const Arm& arm,
+void AppendRates(const FileTrajectory& trajectory, size_t sample, bool poses, const Arm& arm,
                  std::vector<double>& row) {
   const FiniteDifferences rates(trajectory);
   for (size_t joint = 0; joint < 6; ++joint) row.push_back(rates.JointSpeed(sample, joint));
@@ -71,12 +71,12 @@ std::vector<size_t> TrajectoryColumns(const CsvFields& header) {
 }
 
 // With rates when there is an arm.
-std::string Csv(const Trajectory& trajectory, const Arm* arm) {
+std::string Csv(const FileTrajectory& trajectory, const Arm* arm) {
   const bool poses = HavePoses(trajectory);
   std::string csv = Header(poses ? kPoseColumns : kJointColumns, arm != nullptr) + "\n";
   std::vector<double> row;
   for (size_t i = 0; i < trajectory.size(); ++i) {
-    const Sample& sample = trajectory[i];
+    const FileSample& sample = trajectory[i];
     row.assign({sample.time_s});
     row.insert(row.end(), sample.joints.begin(), sample.joints.end());
     if (poses) {
@@ -95,9 +95,9 @@ std::string Csv(const Trajectory& trajectory, const Arm* arm) {
 
 }  // namespace
 
-std::string ToCsv(const Trajectory& trajectory) { return Csv(trajectory, nullptr); }
+std::string ToCsv(const FileTrajectory& trajectory) { return Csv(trajectory, nullptr); }
 
-std::string ToFullCsv(const Trajectory& trajectory, const Arm& arm) {
+std::string ToFullCsv(const FileTrajectory& trajectory, const Arm& arm) {
   return Csv(trajectory, &arm);
 }
 

@@ -13,7 +13,7 @@ namespace qal::io {
 /// A trajectory as CSV: `time_s,q1_rad,...,q6_rad`, then `x_m,y_m,z_m,qw,qx,qy,qz` when every
 /// sample has a pose. One header line, one line a sample, numbers that read back to the same
 /// double.
-std::string ToCsv(const Trajectory& trajectory);
+std::string ToCsv(const FileTrajectory& trajectory);
 
 /// The same with rates: adds `qd1_rad_s..qd6_rad_s` and `motor1_rpm..motor6_rpm`, the mean speed
 /// since the row before (0 in the first row); `qdd1_rad_s2..qdd6_rad_s2`, the change from this
@@ -21,7 +21,7 @@ std::string ToCsv(const Trajectory& trajectory);
 /// and `tcp_speed_m_s` likewise when there is a pose. The order is speeds, accelerations, tool,
 /// motors. Times have to increase.
 /// @param arm whose motors they are
-std::string ToFullCsv(const Trajectory& trajectory, const Arm& arm);
+std::string ToFullCsv(const FileTrajectory& trajectory, const Arm& arm);
 
 /// Reads CSV, ours or from elsewhere: the columns in any order, others passed over, the pose
 /// columns all or none. A byte order mark, CRLF line ends and blanks around fields are taken. Times

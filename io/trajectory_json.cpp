@@ -113,14 +113,14 @@ double* CopyRow(const Quantity& quantity, size_t sample, double* values) {
 
 }  // namespace
 
-nlohmann::ordered_json ToJson(const Trajectory& trajectory) {
+nlohmann::ordered_json ToJson(const FileTrajectory& trajectory) {
   using Json = nlohmann::ordered_json;
   Json times = Json::array();
   Json joints = Json::array();
   Json positions = Json::array();
   Json orientations = Json::array();
   const bool poses = HavePoses(trajectory);
-  for (const Sample& sample : trajectory) {
+  for (const FileSample& sample : trajectory) {
     times.push_back(sample.time_s);
     joints.push_back(sample.joints);
     if (!poses) continue;

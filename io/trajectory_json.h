@@ -14,7 +14,7 @@ namespace qal::io {
 ///      "position_m": [[x, y, z], ...], "orientation_wxyz": [[w, x, y, z], ...]}
 ///
 /// The last two are there when every sample has a pose.
-nlohmann::ordered_json ToJson(const Trajectory& trajectory);
+nlohmann::ordered_json ToJson(const FileTrajectory& trajectory);
 
 /// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.
 /// @throw UsageError "line N, column M: REASON" as JsonEvents; "KEY[SAMPLE]: REASON" when a value

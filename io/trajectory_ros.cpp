@@ -21,7 +21,7 @@ constexpr int kNsPerS = 1000000000;
 constexpr double kSecondsLimit = 2147483648.0;  // a ROS duration counts its seconds in 32 bits
 
 // A sample's time, later than `before` [ns].
-int64_t NanosecondsOf(const Trajectory& trajectory, size_t sample, int64_t before) {
+int64_t NanosecondsOf(const FileTrajectory& trajectory, size_t sample, int64_t before) {
   const double time_s = trajectory[sample].time_s;
   if (!(std::fabs(time_s) < kSecondsLimit - 1.0)) {
     throw UsageError(fmt::format("sample {}: {} s does not fit a ROS duration", sample, time_s));
@@ -116,7 +116,7 @@ JointNames DefaultJointNames() {
   return {"joint_1", "joint_2", "joint_3", "joint_4", "joint_5", "joint_6"};
 }
 
-std::string ToRosYaml(const Trajectory& trajectory, const JointNames& names) {
+std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names) {
   std::string yaml = "header:\n  stamp: {sec: 0, nanosec: 0}\n  frame_id: \"\"\n";
   // A list of strings in JSON is one in YAML, whatever the names hold.
   yaml += "joint_names: " + nlohmann::json(names).dump() + "\npoints:\n";
@@ -152,7 +152,7 @@ LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names) {
       positions.Refuse(fmt::format("{} positions, {} were expected, as in joint_names",
                                    positions.size(), listed.size()));
     }
-    Sample sample{TimeOf(point), {}, {}};
+    FileSample sample{TimeOf(point), {}, {}};
     for (size_t joint = 0; joint < 6; ++joint) {
       sample.joints[joint] = NumberOf(positions[places[joint]], "positions");
     }

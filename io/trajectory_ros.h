@@ -29,7 +29,7 @@ struct RosNames {
 /// cycle read back to the same double too.
 /// @throw UsageError "sample N: REASON" when times do not increase in whole nanoseconds, or do not
 ///        fit a ROS duration
-std::string ToRosYaml(const Trajectory& trajectory, const JointNames& names);
+std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names);
 
 /// Reads a `JointTrajectory` in YAML, also with the `secs` and `nsecs` of ROS 1, also as
 /// `ros2 topic echo` prints it. Joints are taken by their names, whatever their order; others are

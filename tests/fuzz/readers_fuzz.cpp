@@ -22,7 +22,7 @@ void Require(bool holds, const char* what) {
   if (!holds) throw std::logic_error(what);
 }
 
-bool Same(const Sample& a, const Sample& b) {
+bool Same(const FileSample& a, const FileSample& b) {
   if (a.time_s != b.time_s || a.joints != b.joints) return false;
   if (!a.pose || !b.pose) return !a.pose && !b.pose;
   const auto numbers = [](const qal::Pose& pose) {
@@ -35,7 +35,7 @@ bool Same(const Sample& a, const Sample& b) {
 // What is read and written is read the same again.
 template <typename Read, typename Write>
 void CheckTrajectory(const std::string& text, Read read, Write write) {
-  const Trajectory samples = read(text).samples;
+  const FileTrajectory samples = read(text).samples;
   Require(!samples.empty(), "no sample, and not refused");
   std::string written;
   try {
@@ -43,7 +43,7 @@ void CheckTrajectory(const std::string& text, Read read, Write write) {
   } catch (const UsageError&) {  // times that a format has no room for
     return;
   }
-  const Trajectory again = read(written).samples;
+  const FileTrajectory again = read(written).samples;
   Require(std::equal(samples.begin(), samples.end(), again.begin(), again.end(), Same),
           "not the same when read again");
 }
@@ -68,11 +68,11 @@ void Read(const std::string& format, const std::string& text) {
     CheckTrajectory(text, ParseCsv, ToCsv);
   } else if (format == "json") {
     CheckTrajectory(text, ParseJsonTrajectory,
-                    [](const Trajectory& t) { return ToJson(t).dump(); });
+                    [](const FileTrajectory& t) { return ToJson(t).dump(); });
   } else if (format == "ros") {
     CheckTrajectory(
         text, [](std::string_view t) { return ParseRosYaml(t, {}); },
-        [](const Trajectory& t) { return ToRosYaml(t, DefaultJointNames()); });
+        [](const FileTrajectory& t) { return ToRosYaml(t, DefaultJointNames()); });
   } else if (format == "urdf") {
     CheckArm(ReadUrdf(text, "file", {}));
   } else {

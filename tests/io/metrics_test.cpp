@@ -13,12 +13,13 @@ namespace {
 // One second apart, joint 1 at 0, 0.1, 0.3, 0.3 rad, joint 4 at 0, 0, 0, -0.2 and joint 6 at 0,
 // 0.1, 0.24, 0.33. The poses are those of the joints, but for sample 2: 3 mm higher, turned by 0.02
 // rad about z, and -q for q.
-Trajectory FourSamples() {
-  Trajectory trajectory = {{0.0, {0.0, 0.3, -0.2, 0.0, 0.5, 0.0}, {}},
-                           {1.0, {0.1, 0.3, -0.2, 0.0, 0.5, 0.1}, {}},
-                           {2.0, {0.3, 0.3, -0.2, 0.0, 0.5, 0.24}, {}},
-                           {3.0, {0.3, 0.3, -0.2, -0.2, 0.5, 0.33}, {}}};
-  for (Sample& sample : trajectory) sample.pose = Forward(Arm::Reference(), sample.joints).value();
+FileTrajectory FourSamples() {
+  FileTrajectory trajectory = {{0.0, {0.0, 0.3, -0.2, 0.0, 0.5, 0.0}, {}},
+                               {1.0, {0.1, 0.3, -0.2, 0.0, 0.5, 0.1}, {}},
+                               {2.0, {0.3, 0.3, -0.2, 0.0, 0.5, 0.24}, {}},
+                               {3.0, {0.3, 0.3, -0.2, -0.2, 0.5, 0.33}, {}}};
+  for (FileSample& sample : trajectory)
+    sample.pose = Forward(Arm::Reference(), sample.joints).value();
   auto& [position, q] = *trajectory[2].pose;
   position.z += 0.003;
   const double c = -std::cos(0.01);
@@ -34,7 +35,7 @@ struct Expected {
   size_t sample;
 };
 
-void ExpectPeaks(const Trajectory& trajectory, const std::vector<Expected>& expected) {
+void ExpectPeaks(const FileTrajectory& trajectory, const std::vector<Expected>& expected) {
   const auto metrics = Measure(trajectory, Arm::Reference());
   for (const auto& [metric, entry, value, sample] : expected) {
     const std::optional<Peak>& peak = metrics[metric].at(entry);
@@ -81,10 +82,10 @@ TEST(Measure, HoldsTheEndStepsAgainstTheOthers) {
 // end by 2 cm in 2 s and comes back: that is off the line as well.
 TEST(Measure, TakesTheToolFromTheFile) {
   const auto at = [](double time_s, double x, double y) {
-    return Sample{time_s, {}, Pose{{x, y, 0}, {1, 0, 0, 0}}};
+    return FileSample{time_s, {}, Pose{{x, y, 0}, {1, 0, 0, 0}}};
   };
-  Trajectory trajectory = {at(0, 0, 0), at(1, 0.01, 0.004), at(2, 0.02, 0), at(4, 0.05, 0),
-                           at(5, 0.03, 0)};
+  FileTrajectory trajectory = {at(0, 0, 0), at(1, 0.01, 0.004), at(2, 0.02, 0), at(4, 0.05, 0),
+                               at(5, 0.03, 0)};
   ExpectPeaks(trajectory, {{kLineDeviation, 0, 0.02, 3}, {kToolSpeed, 0, 0.02, 4}});
   trajectory.resize(3);
   ExpectPeaks(trajectory, {{kLineDeviation, 0, 0.004, 1}});
@@ -93,7 +94,7 @@ TEST(Measure, TakesTheToolFromTheFile) {
 // Rates leave out the repeated and the backward interval: 0.1 rad/s in the first and the last
 // remain.
 TEST(Measure, CountsTimesThatDoNotIncrease) {
-  const Trajectory trajectory = {
+  const FileTrajectory trajectory = {
       {0, {0.0}, {}}, {1, {0.1}, {}}, {1, {0.2}, {}}, {0.5, {0.3}, {}}, {1.5, {0.4}, {}}};
   ExpectPeaks(trajectory,
               {{kRepeatedTimes, 0, 1.0, 2}, {kBackwardTimes, 0, 1.0, 3}, {kJointSpeed, 0, 0.1, 4}});
@@ -104,9 +105,9 @@ TEST(Measure, CountsTimesThatDoNotIncrease) {
 // spot and back, the change from an infinite speed to its opposite.
 TEST(Measure, TakesWhatCannotBeComparedForBeyondEveryLimit) {
   const auto at = [](double time_s, double joint, double x) {
-    return Sample{time_s, {joint}, Pose{{x, 0, 0}, {1, 0, 0, 0}}};
+    return FileSample{time_s, {joint}, Pose{{x, 0, 0}, {1, 0, 0, 0}}};
   };
-  const Trajectory trajectory = {at(0, 0, 0), at(1, 1e308, 1e200), at(2, -1e308, 2e200)};
+  const FileTrajectory trajectory = {at(0, 0, 0), at(1, 1e308, 1e200), at(2, -1e308, 2e200)};
   const auto metrics = Measure(trajectory, Arm::Reference());
   for (const MetricIndex metric : {kJointSpeed, kJointAcceleration, kJointJerk, kLineDeviation}) {
     Limits limits;
@@ -117,7 +118,7 @@ TEST(Measure, TakesWhatCannotBeComparedForBeyondEveryLimit) {
 
 // q = t^2 has the speed 2 t and the acceleration 2, however it is sampled.
 TEST(FiniteDifferences, AreExactForAParabolaAtUnevenTimes) {
-  Trajectory trajectory;
+  FileTrajectory trajectory;
   for (const double t : {0.0, 1.0, 3.0, 3.5}) trajectory.push_back({t, {t * t}, {}});
   const FiniteDifferences rates(trajectory);
   EXPECT_DOUBLE_EQ(2.0, rates.JointSpeedAt(1, 0));

@@ -17,9 +17,9 @@ namespace {
 // motor turns at 0.5 * 363 * 60 / (2 pi) rpm, and three times that.
 TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
   const Pose pose = {{0.1, 0.2, 0.5}, {0, 1, 0, 0}};
-  Trajectory trajectory = {{0.0, {0.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
-                           {0.5, {0.25, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
-                           {1.0, {1.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose}};
+  FileTrajectory trajectory = {{0.0, {0.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
+                               {0.5, {0.25, 0, -0.0, 1e-9, 0.1, 0.3}, pose},
+                               {1.0, {1.0, 0, -0.0, 1e-9, 0.1, 0.3}, pose}};
   trajectory[1].pose->position.z = 0.75;
   trajectory[2].pose->position.z = 1.75;
   EXPECT_EQ(
@@ -36,8 +36,8 @@ TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
 }
 
 // Numbers whose decimals are easily lost.
-Trajectory Awkward(bool poses) {
-  Trajectory trajectory;
+FileTrajectory Awkward(bool poses) {
+  FileTrajectory trajectory;
   // Whole control cycles: also what a ROS file holds exactly.
   for (const int cycle : {-101, 0, 1, 3, 199, 201, 123457, 20000001}) {
     trajectory.push_back({cycle / 200.0, {0.1 + 0.2, -0.0, 4.9e-324, 1.7e308, -1.0 / 3, 1e22}, {}});
@@ -50,7 +50,7 @@ Trajectory Awkward(bool poses) {
 // A CSV file shows every bit: the signs of zeros, and digits that read back to the same double.
 TEST(TrajectoryFiles, ReadBackToTheSameDoubles) {
   for (const bool poses : {false, true}) {
-    const Trajectory written = Awkward(poses);
+    const FileTrajectory written = Awkward(poses);
     std::vector<LocatedTrajectory> read = {ParseCsv(ToCsv(written)),
                                            ParseCsv(ToFullCsv(written, Arm::Reference())),
                                            ParseJsonTrajectory(ToJson(written).dump())};
@@ -186,7 +186,7 @@ TEST(FromStates, SetsEachSampleAtTheNearestDouble) {
 
 // Half a nanosecond apart, the two times would be one.
 TEST(TrajectoryFiles, RosTimesMayNotFallTogether) {
-  const Trajectory close = {{0.0, {}, {}}, {5e-10 - 1e-12, {}, {}}};
+  const FileTrajectory close = {{0.0, {}, {}}, {5e-10 - 1e-12, {}, {}}};
   EXPECT_EQ("sample 1: the time is not a nanosecond after the one before",
             Refusal([&] { ToRosYaml(close, DefaultJointNames()); }));
 }

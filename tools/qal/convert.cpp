@@ -27,7 +27,7 @@ struct ConvertArguments {
 };
 
 void RequireIncreasingTimes(const LocatedTrajectory& trajectory, const std::string& name) {
-  const Trajectory& samples = trajectory.samples;
+  const FileTrajectory& samples = trajectory.samples;
   for (size_t i = 1; i < samples.size(); ++i) {
     if (samples[i].time_s > samples[i - 1].time_s) continue;
     throw UsageError(fmt::format("{}: {}: the time {:.9g} s is not after the one before, {:.9g} s",
@@ -36,7 +36,7 @@ void RequireIncreasingTimes(const LocatedTrajectory& trajectory, const std::stri
   }
 }
 
-void AddPoses(Trajectory& trajectory, const Arm& arm) {
+void AddPoses(FileTrajectory& trajectory, const Arm& arm) {
   for (size_t i = 0; i < trajectory.size(); ++i) {
     if (trajectory[i].pose) continue;
     try {

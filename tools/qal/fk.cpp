@@ -30,7 +30,7 @@ void RunFk(const FkArguments& arguments) {
   const LoadedArm loaded = arm_option->Load();
   if (!arguments.file.empty()) {
     return SolveFile(arguments.file, PointKind::kJoints, loaded, arguments.common,
-                     [&arm = loaded.arm](const Sample& row) -> Result<State> {
+                     [&arm = loaded.arm](const FileSample& row) -> Result<State> {
                        const Result<Pose> pose = Forward(arm, row.joints);
                        if (!pose) return pose.error();
                        return State{row.joints, *pose};

@@ -144,7 +144,7 @@ void RunIk(const IkArguments& arguments) {
   Request request = ReadRequest(arguments);
   if (file) {
     return SolveFile(arguments.file, PointKind::kPoses, loaded, arguments.common,
-                     [&](const Sample& row) {
+                     [&](const FileSample& row) {
                        auto solved = Nearest(loaded.arm, *row.pose, request.near, request.options);
                        if (solved) request.near = solved->joints;
                        return solved;

@@ -101,7 +101,7 @@ std::string FailureText(const classic::Failure& failure, const classic::Ends& en
   }
 }
 
-std::string Summary(const Trajectory& plan, const Arm& arm, const Units& units) {
+std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& units) {
   double length_m = 0.0;
   for (size_t i = 1; i < plan.size(); ++i) {
     length_m += Distance(plan[i - 1].pose->position, plan[i].pose->position);
@@ -110,7 +110,7 @@ std::string Summary(const Trajectory& plan, const Arm& arm, const Units& units) 
   const auto row = [](const std::string& label, const std::string& value) {
     return fmt::format("{:<32} {:>12}\n", label, value);
   };
-  const auto rows = [&](const Sample& sample) {
+  const auto rows = [&](const FileSample& sample) {
     return StateRows({sample.joints, *sample.pose}, units);
   };
   return row("points", std::to_string(plan.size())) +
@@ -128,7 +128,7 @@ void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const std::v
                const std::string& answer, const Json& json) {
   const auto& [arm_option, units, output] = options.common;
   const Arm& arm = loaded.arm;
-  const Trajectory trajectory = FromStates(plan, arm.cycle_s().value);
+  const FileTrajectory trajectory = FromStates(plan, arm.cycle_s().value);
   const Verdict verdict = Judge(trajectory, arm);
   Json all = {{"arm", ArmJson(loaded)}, {"verdict", VerdictJson(verdict)}};
   all.update(json);
@@ -147,7 +147,7 @@ void RunMove(const EndOptions& ends, const PlanOptions& options, const Planner& 
   const classic::Ends read = ends.Read(units, loaded.arm);
   const classic::Plan plan = planner(loaded.arm, read, options.Listener());
   if (!plan) throw Failure(FailureText(plan.error(), read, units));
-  const Trajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
+  const FileTrajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
   WritePlan(options, loaded, *plan, Summary(trajectory, loaded.arm, units), ToJson(trajectory));
 }
 

@@ -110,7 +110,7 @@ void SolveFile(const std::string& path, PointKind kind, const LoadedArm& loaded,
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", NameOf(path), error.what()));
   }
-  for (const Sample& row : rows.read.points.samples) rows.states.push_back(solve(row));
+  for (const FileSample& row : rows.read.points.samples) rows.states.push_back(solve(row));
   options.output.Write(
       options.output.json() ? JsonText(rows, loaded) : ArmRow(loaded) + Table(rows, options.units),
       [&rows] { return Csv(rows); });

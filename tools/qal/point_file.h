@@ -12,7 +12,7 @@
 namespace qal::tools {
 
 /// Solves a row of a file.
-using RowSolver = std::function<Result<State>(const io::Sample& row)>;
+using RowSolver = std::function<Result<State>(const io::FileSample& row)>;
 
 /// Solves each row of a CSV file and writes for each its joints and pose, or why there is none, as
 /// table, JSON or CSV.

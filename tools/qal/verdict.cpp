@@ -56,7 +56,7 @@ Check Highest(Check::Kind kind, const Peaks& peaks, const std::array<Setting, 6>
 }
 
 // The joint that stands farthest beyond its range, or nearest to an end of it.
-Check NearestToRange(const Trajectory& plan, const Arm& arm) {
+Check NearestToRange(const FileTrajectory& plan, const Arm& arm) {
   constexpr double kSlackRad = 1e-9;  // the rounding of a solver
   Check nearest = {Check::Kind::kRange, 0, 0, plan[0].joints[0], arm.joints()[0].upper_rad, false};
   double farthest = -std::numeric_limits<double>::infinity();
@@ -84,7 +84,7 @@ int Verdict::Exceeded() const {
                                         [](const Check& check) { return check.exceeded; }));
 }
 
-Verdict Judge(const Trajectory& plan, const Arm& arm) {
+Verdict Judge(const FileTrajectory& plan, const Arm& arm) {
   std::array<Setting, 6> speeds, accelerations, motors;
   for (size_t j = 0; j < 6; ++j) {
     const JointModel& joint = arm.joints()[j];

@@ -35,7 +35,7 @@ struct Verdict {
 };
 
 /// @param plan from the start to the end, one cycle from point to point
-Verdict Judge(const io::Trajectory& plan, const Arm& arm);
+Verdict Judge(const io::FileTrajectory& plan, const Arm& arm);
 
 /// Rows of a table.
 std::string VerdictRows(const Verdict& verdict, const Units& units);

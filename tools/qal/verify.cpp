@@ -59,7 +59,7 @@ Findings Verify(const VerifyArguments& arguments) {
     if (kMetrics[i].option != nullptr) limits[i] = ReadLimit(arguments.limits[i], kMetrics[i]);
   }
   Findings findings{arguments.arm->Load(), arguments.in.Read(), 0.0, 0.0, {}, limits, {}};
-  const Trajectory& samples = findings.trajectory.samples;
+  const FileTrajectory& samples = findings.trajectory.samples;
   const FiniteDifferences differences(samples);
   for (size_t i = 1; i < samples.size(); ++i) {
     const double duration = differences.Duration(i);
@@ -77,7 +77,7 @@ std::string Title(MetricIndex metric, size_t entry) {
 }
 
 std::string Heading(const Findings& findings, const std::string& name) {
-  const Trajectory& samples = findings.trajectory.samples;
+  const FileTrajectory& samples = findings.trajectory.samples;
   std::string text = fmt::format("{}: {} samples, {:.9g} s to {:.9g} s", OneLine(name),
                                  samples.size(), samples.front().time_s, samples.back().time_s);
   // Below it, a difference of two intervals is their rounding.
@@ -138,7 +138,7 @@ Json PeakJson(const std::optional<Peak>& peak, const LocatedTrajectory& trajecto
 }
 
 Json FindingsJson(const Findings& findings, const std::string& name) {
-  const Trajectory& samples = findings.trajectory.samples;
+  const FileTrajectory& samples = findings.trajectory.samples;
   Json json = {{"file", name},
                {"arm", ArmJson(findings.loaded)},
                {"samples", samples.size()},
