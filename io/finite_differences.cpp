@@ -41,6 +41,49 @@ double FiniteDifferences::JointJerk(size_t interval, size_t joint) const {
   return (after - before) / Duration(interval);
 }
 
+namespace {
+
+using Rates = std::optional<Joints> FileSample::*;
+
+Joints RatesOf(const FileTrajectory& trajectory, size_t sample, SpeedOfSample rate) {
+  const FiniteDifferences differences(trajectory);
+  Joints rates;
+  for (size_t joint = 0; joint < rates.size(); ++joint) {
+    rates[joint] = (differences.*rate)(sample, joint);
+  }
+  return rates;
+}
+
+void Fill(FileTrajectory& trajectory, Rates rates, SpeedOfSample rate) {
+  for (size_t i = 0; i < trajectory.size(); ++i) {
+    trajectory[i].*rates = RatesOf(trajectory, i, rate);
+  }
+}
+
+void Drop(FileTrajectory& trajectory, Rates rates, SpeedOfSample rate) {
+  for (size_t i = 0; i < trajectory.size(); ++i) {
+    const std::optional<Joints>& given = trajectory[i].*rates;
+    if (!given || *given != RatesOf(trajectory, i, rate)) return;
+  }
+  for (FileSample& sample : trajectory) (sample.*rates).reset();
+}
+
+}  // namespace
+
+FileTrajectory WithRates(FileTrajectory trajectory, SpeedOfSample speed) {
+  const SampleParts parts = PartsOf(trajectory);
+  if (!parts.velocities) Fill(trajectory, &FileSample::velocities, speed);
+  if (!parts.accelerations) {
+    Fill(trajectory, &FileSample::accelerations, &FiniteDifferences::JointAcceleration);
+  }
+  return trajectory;
+}
+
+void DropDifferences(FileTrajectory& trajectory, SpeedOfSample speed) {
+  Drop(trajectory, &FileSample::velocities, speed);
+  Drop(trajectory, &FileSample::accelerations, &FiniteDifferences::JointAcceleration);
+}
+
 double MotorRpm(const Arm& arm, size_t joint, double speed_rad_s) {
   constexpr double kRpmPerRadS = 60 / (2 * closed_form::kPi);
   return speed_rad_s * arm.joints()[joint].gear_ratio.value * kRpmPerRadS;

@@ -45,6 +45,17 @@ class FiniteDifferences {
   const FileTrajectory& trajectory_;
 };
 
+/// Which speed of a sample a file format holds: JointSpeed or JointSpeedAt.
+using SpeedOfSample = double (FiniteDifferences::*)(size_t sample, size_t joint) const;
+
+/// The trajectory with velocities and accelerations: differences where not every sample has its
+/// own.
+FileTrajectory WithRates(FileTrajectory trajectory, SpeedOfSample speed);
+
+/// The trajectory without the rates that `WithRates` has put there: those that are its differences
+/// to the last bit. What they say, the joints say as well.
+void DropDifferences(FileTrajectory& trajectory, SpeedOfSample speed);
+
 /// Speed of a joint's motor [rpm, signed] when the joint turns at `speed_rad_s`, by the arm's gear
 /// ratio. The classic operations hold one rpm at the six digits 0.104719 rad/s, which is 7
 /// millionths less than it is.

@@ -17,7 +17,7 @@ std::string Place(const LocatedTrajectory& trajectory, size_t sample) {
 
 void ExpectMeasurable(const LocatedTrajectory& trajectory) {
   for (size_t i = 0; i < trajectory.samples.size(); ++i) {
-    const auto& [time_s, joints, pose] = trajectory.samples[i];
+    const auto& [time_s, joints, pose, velocities, accelerations] = trajectory.samples[i];
     const auto check = [&, i](double number) {
       if (std::fabs(number) <= kLargestNumber) return;
       throw UsageError(fmt::format(
@@ -26,6 +26,9 @@ void ExpectMeasurable(const LocatedTrajectory& trajectory) {
     };
     check(time_s);
     std::for_each(joints.begin(), joints.end(), check);
+    for (const auto& rates : {velocities, accelerations}) {
+      if (rates) std::for_each(rates->begin(), rates->end(), check);
+    }
     if (!pose) continue;
     const auto& [p, q] = *pose;
     for (const double number : {p.x, p.y, p.z, q.w, q.x, q.y, q.z}) check(number);
@@ -44,21 +47,52 @@ FileTrajectory FromStates(const std::vector<State>& states, double cycle_s) {
   return trajectory;
 }
 
-FileSample SampleOf(const double* values, bool pose) {
-  FileSample sample{values[0], {}, {}};
-  std::copy(values + 1, values + 7, sample.joints.begin());
-  if (!pose) return sample;
-  const double* q = values + 10;
+FileTrajectory FromTrajectory(const Trajectory& trajectory) {
+  FileTrajectory samples;
+  samples.reserve(trajectory.size());
+  for (const auto& [time_s, joints, velocities, accelerations, pose] : trajectory) {
+    samples.push_back({time_s, joints, pose, velocities, accelerations});
+  }
+  return samples;
+}
+
+namespace {
+
+Joints TakeJoints(const double*& values) {
+  Joints joints;
+  std::copy_n(values, joints.size(), joints.begin());
+  values += joints.size();
+  return joints;
+}
+
+Pose TakePose(const double*& values) {
+  const double* const p = values;
+  const double* const q = values + 3;
   if (std::all_of(q, q + 4, [](double component) { return component == 0; })) {
     throw UsageError("the quaternion is all zeros, no orientation");
   }
-  sample.pose = Pose{{values[7], values[8], values[9]}, {q[0], q[1], q[2], q[3]}};
+  values += 7;
+  return {{p[0], p[1], p[2]}, {q[0], q[1], q[2], q[3]}};
+}
+
+}  // namespace
+
+FileSample SampleOf(const double* values, const SampleParts& parts) {
+  FileSample sample{*values++, {}};
+  sample.joints = TakeJoints(values);
+  if (parts.pose) sample.pose = TakePose(values);
+  if (parts.velocities) sample.velocities = TakeJoints(values);
+  if (parts.accelerations) sample.accelerations = TakeJoints(values);
   return sample;
 }
 
-bool HavePoses(const FileTrajectory& trajectory) {
-  return !trajectory.empty() && std::all_of(trajectory.begin(), trajectory.end(),
-                                            [](const FileSample& s) { return s.pose.has_value(); });
+SampleParts PartsOf(const FileTrajectory& trajectory) {
+  const auto all = [&trajectory](const auto& part) {
+    return !trajectory.empty() &&
+           std::all_of(trajectory.begin(), trajectory.end(),
+                       [&part](const FileSample& sample) { return (sample.*part).has_value(); });
+  };
+  return {all(&FileSample::pose), all(&FileSample::velocities), all(&FileSample::accelerations)};
 }
 
 }  // namespace qal::io

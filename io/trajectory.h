@@ -1,7 +1,7 @@
 #ifndef QAL_IO_TRAJECTORY_H_
 #define QAL_IO_TRAJECTORY_H_
 
-#include <qal/model/pose.h>
+#include <qal/plan/motion.h>
 
 #include <cstddef>
 #include <optional>
@@ -14,7 +14,9 @@ namespace qal::io {
 struct FileSample {
   double time_s;
   Joints joints;  ///< [rad]
-  std::optional<Pose> pose;
+  std::optional<Pose> pose = {};
+  std::optional<Joints> velocities = {};     ///< [rad/s], the motion's own, not differences
+  std::optional<Joints> accelerations = {};  ///< [rad/s^2], likewise
 };
 
 /// A trajectory as the files hold it, in the order of time.
@@ -32,19 +34,31 @@ struct LocatedTrajectory {
 /// where there is none.
 std::string Place(const LocatedTrajectory& trajectory, size_t sample);
 
-/// @throw UsageError "sample N: ..." where a time, joint or coordinate is beyond kLargestNumber
+/// @throw UsageError "sample N: ..." where a time, joint, rate or coordinate is beyond
+/// kLargestNumber
 void ExpectMeasurable(const LocatedTrajectory& trajectory);
 
 /// The states of a plan, one control cycle apart, the first at time 0. With a cycle of whole
 /// milliseconds, sample i is at the double nearest i * cycle.
 FileTrajectory FromStates(const std::vector<State>& states, double cycle_s);
 
-/// The sample of `values`: time, six joints, then, if `pose`, x, y, z, qw, qx, qy, qz.
-/// @throw UsageError when the quaternion is no orientation: all zeros
-FileSample SampleOf(const double* values, bool pose);
+/// A planned trajectory with all that it has.
+FileTrajectory FromTrajectory(const Trajectory& trajectory);
 
-/// Whether every sample has a pose; false for no samples.
-bool HavePoses(const FileTrajectory& trajectory);
+/// What samples have beside time and joints.
+struct SampleParts {
+  bool pose = false;
+  bool velocities = false;
+  bool accelerations = false;
+};
+
+/// The sample of `values`: time, six joints, then, as far as they are there, x, y, z, qw, qx, qy,
+/// qz, six velocities, six accelerations.
+/// @throw UsageError when the quaternion is no orientation: all zeros
+FileSample SampleOf(const double* values, const SampleParts& parts);
+
+/// What every sample has; nothing for no samples.
+SampleParts PartsOf(const FileTrajectory& trajectory);
 
 }  // namespace qal::io
 

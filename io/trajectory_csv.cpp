@@ -15,98 +15,131 @@ namespace qal::io {
 
 namespace {
 
-constexpr size_t kJointColumns = 7;  // time and joints, always there
-constexpr size_t kPoseColumns = 14;  // the pose as well
+// In the order of a file of ours, and of SampleOf's values.
+constexpr std::array<std::string_view, 26> kColumns = {
+    "time_s",      "q1_rad",     "q2_rad",      "q3_rad",      "q4_rad",      "q5_rad",
+    "q6_rad",      "x_m",        "y_m",         "z_m",         "qw",          "qx",
+    "qy",          "qz",         "qd1_rad_s",   "qd2_rad_s",   "qd3_rad_s",   "qd4_rad_s",
+    "qd5_rad_s",   "qd6_rad_s",  "qdd1_rad_s2", "qdd2_rad_s2", "qdd3_rad_s2", "qdd4_rad_s2",
+    "qdd5_rad_s2", "qdd6_rad_s2"};
 
-// In the order of a file of ours.
-constexpr std::array<std::string_view, kPoseColumns> kColumns = {
-    "time_s", "q1_rad", "q2_rad", "q3_rad", "q4_rad", "q5_rad", "q6_rad",
-    "x_m",    "y_m",    "z_m",    "qw",     "qx",     "qy",     "qz"};
+// Columns of kColumns that are there together.
+struct ColumnGroup {
+  size_t begin;
+  size_t end;
+  const char* names;  // for a message
+};
+constexpr ColumnGroup kMotion = {0, 7, "time_s, q1_rad to q6_rad"};
+constexpr ColumnGroup kPose = {7, 14, "x_m, y_m, z_m, qw, qx, qy, qz (all or none)"};
+constexpr ColumnGroup kVelocities = {14, 20, "qd1_rad_s to qd6_rad_s (all or none)"};
+constexpr ColumnGroup kAccelerations = {20, 26, "qdd1_rad_s2 to qdd6_rad_s2 (all or none)"};
+// What a file of points has of these.
+constexpr ColumnGroup kJointsPoint = {1, 7, "q1_rad to q6_rad"};
+constexpr ColumnGroup kPosePoint = {7, 14, "x_m, y_m, z_m, qw, qx, qy, qz"};
 
-std::string Header(size_t columns, bool full) {
-  std::string header(kColumns[0]);
-  for (size_t i = 1; i < columns; ++i) header.append(",").append(kColumns[i]);
-  if (!full) return header;
-  for (int joint = 1; joint <= 6; ++joint) header += fmt::format(",qd{}_rad_s", joint);
-  for (int joint = 1; joint <= 6; ++joint) header += fmt::format(",qdd{}_rad_s2", joint);
-  if (columns == kPoseColumns) header += ",tcp_speed_m_s";
-  for (int joint = 1; joint <= 6; ++joint) header += fmt::format(",motor{}_rpm", joint);
+std::string Header(const SampleParts& parts) {
+  std::string header;
+  const auto add = [&header](const ColumnGroup& group) {
+    for (size_t i = group.begin; i < group.end; ++i) header.append(kColumns[i]).append(",");
+  };
+  add(kMotion);
+  if (parts.pose) add(kPose);
+  if (parts.velocities) add(kVelocities);
+  if (parts.accelerations) add(kAccelerations);
+  header.pop_back();
   return header;
 }
 
-void AppendRates(const FileTrajectory& trajectory, size_t sample, bool poses, const Arm& arm,
-                 std::vector<double>& row) {
-  const FiniteDifferences rates(trajectory);
-  for (size_t joint = 0; joint < 6; ++joint) row.push_back(rates.JointSpeed(sample, joint));
-  for (size_t joint = 0; joint < 6; ++joint) row.push_back(rates.JointAcceleration(sample, joint));
-  if (poses) {
-    const size_t before = sample == 0 ? 0 : sample - 1;
-    row.push_back(Distance(trajectory[before].pose->position, trajectory[sample].pose->position) /
-                  rates.Duration(sample));
+// The sample's numbers, in the order of kColumns.
+void AppendSample(const FileSample& sample, const SampleParts& parts, std::vector<double>& row) {
+  const auto append = [&row](const Joints& joints) {
+    row.insert(row.end(), joints.begin(), joints.end());
+  };
+  row.push_back(sample.time_s);
+  append(sample.joints);
+  if (parts.pose) {
+    const auto& [p, o] = *sample.pose;
+    row.insert(row.end(), {p.x, p.y, p.z, o.w, o.x, o.y, o.z});
   }
-  for (size_t joint = 0; joint < 6; ++joint) {
-    row.push_back(MotorRpm(arm, joint, rates.JointSpeed(sample, joint)));
+  if (parts.velocities) append(*sample.velocities);
+  if (parts.accelerations) append(*sample.accelerations);
+}
+
+// The mean speed since the sample before.
+double ToolSpeed(const FileTrajectory& trajectory, size_t sample) {
+  const size_t before = sample == 0 ? 0 : sample - 1;
+  return Distance(trajectory[before].pose->position, trajectory[sample].pose->position) /
+         FiniteDifferences(trajectory).Duration(sample);
+}
+
+// Adds where a group's columns stand in the header.
+void FindColumns(const CsvFields& header, const ColumnGroup& group, std::vector<size_t>& places) {
+  for (size_t i = group.begin; i < group.end; ++i) {
+    places.push_back(FindColumn(header, kColumns[i], group.names));
   }
 }
 
-// Where the columns of kColumns from `first` to before `last` stand in the header.
-std::vector<size_t> FindColumns(const CsvFields& header, size_t first, size_t last,
-                                const std::string& expected) {
-  std::vector<size_t> places;
-  for (size_t i = first; i < last; ++i) {
-    places.push_back(FindColumn(header, kColumns[i], expected));
-  }
-  return places;
+bool HasAny(const CsvFields& header, const ColumnGroup& group) {
+  return std::find_first_of(header.begin(), header.end(), &kColumns[group.begin],
+                            &kColumns[group.begin] + (group.end - group.begin)) != header.end();
 }
 
-// All of kColumns, or the first kJointColumns.
-std::vector<size_t> TrajectoryColumns(const CsvFields& header) {
-  const bool pose =
-      std::find_first_of(header.begin(), header.end(), kColumns.begin() + kJointColumns,
-                         kColumns.end()) != header.end();
-  return FindColumns(
-      header, 0, pose ? kPoseColumns : kJointColumns,
-      pose ? "time_s, q1_rad to q6_rad, x_m, y_m, z_m, qw, qx, qy, qz (the pose whole or not)"
-           : "time_s, q1_rad to q6_rad");
-}
-
-// With rates when there is an arm.
-std::string Csv(const FileTrajectory& trajectory, const Arm* arm) {
-  const bool poses = HavePoses(trajectory);
-  std::string csv = Header(poses ? kPoseColumns : kJointColumns, arm != nullptr) + "\n";
-  std::vector<double> row;
-  for (size_t i = 0; i < trajectory.size(); ++i) {
-    const FileSample& sample = trajectory[i];
-    row.assign({sample.time_s});
-    row.insert(row.end(), sample.joints.begin(), sample.joints.end());
-    if (poses) {
-      const auto& [p, o] = *sample.pose;
-      row.insert(row.end(), {p.x, p.y, p.z, o.w, o.x, o.y, o.z});
-    }
-    if (arm != nullptr) AppendRates(trajectory, i, poses, *arm, row);
-    for (size_t k = 0; k < row.size(); ++k) {
-      if (k > 0) csv += ',';
-      csv += FormatNumber(row[k]);
-    }
-    csv += '\n';
-  }
-  return csv;
+void AppendRow(const std::vector<double>& row, std::string& csv) {
+  for (const double number : row) csv.append(FormatNumber(number)).append(",");
+  csv.back() = '\n';
 }
 
 }  // namespace
 
-std::string ToCsv(const FileTrajectory& trajectory) { return Csv(trajectory, nullptr); }
+std::string ToCsv(const FileTrajectory& trajectory) {
+  const SampleParts parts = PartsOf(trajectory);
+  std::string csv = Header(parts) + '\n';
+  std::vector<double> row;
+  for (const FileSample& sample : trajectory) {
+    row.clear();
+    AppendSample(sample, parts, row);
+    AppendRow(row, csv);
+  }
+  return csv;
+}
 
 std::string ToFullCsv(const FileTrajectory& trajectory, const Arm& arm) {
-  return Csv(trajectory, &arm);
+  const FileTrajectory full = WithRates(trajectory, &FiniteDifferences::JointSpeed);
+  const SampleParts parts = PartsOf(full);
+  std::string csv = Header(parts);
+  if (parts.pose) csv += ",tcp_speed_m_s";
+  for (int joint = 1; joint <= 6; ++joint) csv += fmt::format(",motor{}_rpm", joint);
+  csv += '\n';
+  std::vector<double> row;
+  for (size_t i = 0; i < full.size(); ++i) {
+    row.clear();
+    AppendSample(full[i], parts, row);
+    if (parts.pose) row.push_back(ToolSpeed(full, i));
+    for (size_t joint = 0; joint < 6; ++joint) {
+      row.push_back(MotorRpm(arm, joint, (*full[i].velocities)[joint]));
+    }
+    AppendRow(row, csv);
+  }
+  return csv;
 }
 
 LocatedTrajectory ParseCsv(std::string_view text) {
   LocatedTrajectory read;
-  ReadCsvRows(text, TrajectoryColumns, [&read](const std::vector<double>& row, size_t line) {
-    read.samples.push_back(SampleOf(row.data(), row.size() == kPoseColumns));
+  SampleParts parts;
+  const auto choose = [&parts](const CsvFields& header) {
+    parts = {HasAny(header, kPose), HasAny(header, kVelocities), HasAny(header, kAccelerations)};
+    std::vector<size_t> places;
+    FindColumns(header, kMotion, places);
+    if (parts.pose) FindColumns(header, kPose, places);
+    if (parts.velocities) FindColumns(header, kVelocities, places);
+    if (parts.accelerations) FindColumns(header, kAccelerations, places);
+    return places;
+  };
+  ReadCsvRows(text, choose, [&](const std::vector<double>& row, size_t line) {
+    read.samples.push_back(SampleOf(row.data(), parts));
     read.lines.push_back(line);
   });
+  DropDifferences(read.samples, &FiniteDifferences::JointSpeed);
   return read;
 }
 
@@ -114,19 +147,18 @@ PointRows ParsePointsCsv(std::string_view text, PointKind kind) {
   PointRows read;
   const bool poses = kind == PointKind::kPoses;
   const auto choose = [&read, poses](const CsvFields& header) {
-    std::vector<size_t> places =
-        poses ? FindColumns(header, kJointColumns, kPoseColumns, "x_m, y_m, z_m, qw, qx, qy, qz")
-              : FindColumns(header, 1, kJointColumns, "q1_rad to q6_rad");
+    std::vector<size_t> places;
+    FindColumns(header, poses ? kPosePoint : kJointsPoint, places);
     read.timed = std::find(header.begin(), header.end(), kColumns[0]) != header.end();
     if (read.timed) places.push_back(FindColumn(header, kColumns[0], "time_s"));
     return places;
   };
   ReadCsvRows(text, choose, [&read, poses](const std::vector<double>& row, size_t line) {
-    std::array<double, kPoseColumns> values{};
+    std::array<double, kPose.end> values{};
     if (read.timed) values[0] = row.back();
-    const size_t first = poses ? kJointColumns : 1;
+    const size_t first = poses ? kPosePoint.begin : kJointsPoint.begin;
     std::copy(row.begin(), row.end() - (read.timed ? 1 : 0), values.begin() + first);
-    read.points.samples.push_back(SampleOf(values.data(), poses));
+    read.points.samples.push_back(SampleOf(values.data(), {poses, false, false}));
     read.points.lines.push_back(line);
   });
   return read;

@@ -16,6 +16,8 @@ constexpr auto kTimes = "time_s";
 constexpr auto kJoints = "joints_rad";
 constexpr auto kPositions = "position_m";
 constexpr auto kOrientations = "orientation_wxyz";
+constexpr auto kVelocities = "velocities_rad_s";
+constexpr auto kAccelerations = "accelerations_rad_s2";
 
 // The array of one of the keys: an entry a sample, each a number or a row of numbers.
 struct Quantity {
@@ -26,13 +28,15 @@ struct Quantity {
   std::vector<double> values = {};
 };
 
-// Keeps the numbers of the four quantities and passes over all else.
+// Keeps the numbers of the quantities and passes over all else.
 class QuantityReader : public JsonEvents {
  public:
-  const Quantity& times() const { return quantities_[0]; }
-  const Quantity& joints() const { return quantities_[1]; }
-  const Quantity& positions() const { return quantities_[2]; }
-  const Quantity& orientations() const { return quantities_[3]; }
+  // Those of the parts, in the order of SampleOf's values.
+  std::vector<const Quantity*> Of(const SampleParts& parts) const;
+  SampleParts parts() const {
+    const auto& [times, joints, positions, orientations, velocities, accelerations] = quantities_;
+    return {positions.found || orientations.found, velocities.found, accelerations.found};
+  }
 
  private:
   // depth() in an array of a quantity, and in a row of it.
@@ -90,11 +94,24 @@ class QuantityReader : public JsonEvents {
                                  current_->entries, current_->width));
   }
 
-  std::array<Quantity, 4> quantities_ = {
-      {{kTimes, 0}, {kJoints, 6}, {kPositions, 3}, {kOrientations, 4}}};
+  std::array<Quantity, 6> quantities_ = {{{kTimes, 0},
+                                          {kJoints, 6},
+                                          {kPositions, 3},
+                                          {kOrientations, 4},
+                                          {kVelocities, 6},
+                                          {kAccelerations, 6}}};
   Quantity* current_ = nullptr;  // whose array is being read
   size_t in_row_ = 0;
 };
+
+std::vector<const Quantity*> QuantityReader::Of(const SampleParts& parts) const {
+  const auto& [times, joints, positions, orientations, velocities, accelerations] = quantities_;
+  std::vector<const Quantity*> quantities = {&times, &joints};
+  if (parts.pose) quantities.insert(quantities.end(), {&positions, &orientations});
+  if (parts.velocities) quantities.push_back(&velocities);
+  if (parts.accelerations) quantities.push_back(&accelerations);
+  return quantities;
+}
 
 void ExpectEntries(const Quantity& quantity, size_t count) {
   if (quantity.entries == 0) {
@@ -105,33 +122,39 @@ void ExpectEntries(const Quantity& quantity, size_t count) {
                                quantity.entries, count, kTimes));
 }
 
-// The numbers of a row, to where they go in a sample's; behind them.
-double* CopyRow(const Quantity& quantity, size_t sample, double* values) {
+// Adds the numbers of a sample.
+void AppendRow(const Quantity& quantity, size_t sample, std::vector<double>& values) {
   const size_t width = std::max<size_t>(quantity.width, 1);
-  return std::copy_n(&quantity.values[sample * width], width, values);
+  const double* const row = &quantity.values[sample * width];
+  values.insert(values.end(), row, row + width);
 }
 
 }  // namespace
 
 nlohmann::ordered_json ToJson(const FileTrajectory& trajectory) {
-  using Json = nlohmann::ordered_json;
-  Json times = Json::array();
-  Json joints = Json::array();
-  Json positions = Json::array();
-  Json orientations = Json::array();
-  const bool poses = HavePoses(trajectory);
-  for (const FileSample& sample : trajectory) {
-    times.push_back(sample.time_s);
-    joints.push_back(sample.joints);
-    if (!poses) continue;
-    const auto& [position, orientation] = *sample.pose;
-    positions.push_back({position.x, position.y, position.z});
-    orientations.push_back({orientation.w, orientation.x, orientation.y, orientation.z});
+  nlohmann::ordered_json json;
+  const auto add = [&](const char* key, const auto& entry_of) {
+    auto& entries = json[key] = nlohmann::ordered_json::array();
+    for (const FileSample& sample : trajectory) entries.push_back(entry_of(sample));
+  };
+  const SampleParts parts = PartsOf(trajectory);
+  add(kTimes, [](const FileSample& sample) { return sample.time_s; });
+  add(kJoints, [](const FileSample& sample) { return sample.joints; });
+  if (parts.pose) {
+    add(kPositions, [](const FileSample& sample) {
+      const auto& [x, y, z] = sample.pose->position;
+      return std::array<double, 3>{x, y, z};
+    });
+    add(kOrientations, [](const FileSample& sample) {
+      const auto& [w, x, y, z] = sample.pose->orientation;
+      return std::array<double, 4>{w, x, y, z};
+    });
   }
-  Json json = {{kTimes, std::move(times)}, {kJoints, std::move(joints)}};
-  if (poses) {
-    json[kPositions] = std::move(positions);
-    json[kOrientations] = std::move(orientations);
+  if (parts.velocities) {
+    add(kVelocities, [](const FileSample& sample) { return *sample.velocities; });
+  }
+  if (parts.accelerations) {
+    add(kAccelerations, [](const FileSample& sample) { return *sample.accelerations; });
   }
   return json;
 }
@@ -139,22 +162,18 @@ nlohmann::ordered_json ToJson(const FileTrajectory& trajectory) {
 LocatedTrajectory ParseJsonTrajectory(std::string_view text) {
   QuantityReader reader;
   reader.Read(text);
-  const size_t count = reader.times().entries;
-  ExpectEntries(reader.times(), count);
-  ExpectEntries(reader.joints(), count);
-  const bool pose = reader.positions().found || reader.orientations().found;
-  if (pose) {
-    ExpectEntries(reader.positions(), count);
-    ExpectEntries(reader.orientations(), count);
-  }
+  const SampleParts parts = reader.parts();
+  const std::vector<const Quantity*> quantities = reader.Of(parts);
+  const size_t count = quantities.front()->entries;
+  for (const Quantity* quantity : quantities) ExpectEntries(*quantity, count);
   LocatedTrajectory read;
   read.samples.reserve(count);
+  std::vector<double> values;
   for (size_t i = 0; i < count; ++i) {
-    std::array<double, 14> values{};
-    double* next = CopyRow(reader.joints(), i, CopyRow(reader.times(), i, values.data()));
-    if (pose) CopyRow(reader.orientations(), i, CopyRow(reader.positions(), i, next));
+    values.clear();
+    for (const Quantity* quantity : quantities) AppendRow(*quantity, i, values);
     try {
-      read.samples.push_back(SampleOf(values.data(), pose));
+      read.samples.push_back(SampleOf(values.data(), parts));
     } catch (const UsageError& error) {
       throw UsageError(fmt::format("{}[{}]: {}", kOrientations, i, error.what()));
     }

@@ -11,9 +11,10 @@ namespace qal::io {
 /// A trajectory as JSON, one array a quantity and one entry a sample:
 ///
 ///     {"time_s": [0, ...], "joints_rad": [[q1, ..., q6], ...],
-///      "position_m": [[x, y, z], ...], "orientation_wxyz": [[w, x, y, z], ...]}
+///      "position_m": [[x, y, z], ...], "orientation_wxyz": [[w, x, y, z], ...],
+///      "velocities_rad_s": [[v1, ..., v6], ...], "accelerations_rad_s2": [[a1, ..., a6], ...]}
 ///
-/// The last two are there when every sample has a pose.
+/// Pose, velocities and accelerations are there when every sample has them.
 nlohmann::ordered_json ToJson(const FileTrajectory& trajectory);
 
 /// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.

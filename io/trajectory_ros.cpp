@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <nlohmann/json.hpp>
 #include <numeric>
+#include <utility>
 
 #include "error.h"
 #include "finite_differences.h"
@@ -20,25 +21,26 @@ namespace {
 constexpr int kNsPerS = 1000000000;
 constexpr double kSecondsLimit = 2147483648.0;  // a ROS duration counts its seconds in 32 bits
 
+int64_t Nanoseconds(double time_s) { return std::llround(time_s * kNsPerS); }
+
+double SecondsOf(int64_t nanoseconds) { return static_cast<double>(nanoseconds) / kNsPerS; }
+
 // A sample's time, later than `before` [ns].
 int64_t NanosecondsOf(const FileTrajectory& trajectory, size_t sample, int64_t before) {
   const double time_s = trajectory[sample].time_s;
   if (!(std::fabs(time_s) < kSecondsLimit - 1.0)) {
     throw UsageError(fmt::format("sample {}: {} s does not fit a ROS duration", sample, time_s));
   }
-  const int64_t time = std::llround(time_s * kNsPerS);
+  const int64_t time = Nanoseconds(time_s);
   if (time > before) return time;
   throw UsageError(
       fmt::format("sample {}: the time is not a nanosecond after the one before", sample));
 }
 
-template <typename Value>
-std::string ListOf(Value value) {
-  std::string list = "[";
-  for (size_t joint = 0; joint < 6; ++joint) {
-    if (joint > 0) list += ", ";
-    list += FormatNumber(value(joint));
-  }
+std::string ListOf(const Joints& joints) {
+  std::string list;
+  for (const double joint : joints)
+    list.append(list.empty() ? "[" : ", ").append(FormatNumber(joint));
   return list + "]";
 }
 
@@ -70,7 +72,7 @@ double TimeOf(const YamlNode& point) {
   const int64_t seconds = WholeOf(time.At(s_key), s_key, -kSecondsLimit, kSecondsLimit);
   const int64_t nanoseconds = WholeOf(time.At(ns_key), ns_key, 0.0, kNsPerS);
   // One rounding only, so that a time in whole nanoseconds is the nearest double.
-  return static_cast<double>(seconds * kNsPerS + nanoseconds) / kNsPerS;
+  return SecondsOf(seconds * kNsPerS + nanoseconds);
 }
 
 size_t CountOf(const YamlNode& list, const std::string& name) {
@@ -110,6 +112,36 @@ std::array<size_t, 6> FindJoints(const YamlNode& list, const RosNames& wanted,
   return places;
 }
 
+// Whether the point has the list: not where it is left out or empty.
+bool Has(const YamlNode& point, const char* key) {
+  const auto list = point.Find(key);
+  return list && (list->size() > 0 || list->Scalar());
+}
+
+Joints JointsOf(const YamlNode& point, const char* key, const std::array<size_t, 6>& places,
+                size_t count) {
+  const YamlNode list = point.At(key);
+  if (list.size() != count) {
+    list.Refuse(fmt::format("{} {}, {} were expected, as in joint_names", list.size(), key, count));
+  }
+  Joints joints;
+  for (size_t joint = 0; joint < joints.size(); ++joint) {
+    joints[joint] = NumberOf(list[places[joint]], key);
+  }
+  return joints;
+}
+
+// The trajectory with the times as a file holds them [s], so that its differences are those that a
+// reader finds.
+FileTrajectory WithHeldTimes(FileTrajectory trajectory) {
+  int64_t before = INT64_MIN;
+  for (size_t i = 0; i < trajectory.size(); ++i) {
+    before = NanosecondsOf(trajectory, i, before);
+    trajectory[i].time_s = SecondsOf(before);
+  }
+  return trajectory;
+}
+
 }  // namespace
 
 JointNames DefaultJointNames() {
@@ -120,18 +152,14 @@ std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names)
   std::string yaml = "header:\n  stamp: {sec: 0, nanosec: 0}\n  frame_id: \"\"\n";
   // A list of strings in JSON is one in YAML, whatever the names hold.
   yaml += "joint_names: " + nlohmann::json(names).dump() + "\npoints:\n";
-  const FiniteDifferences rates(trajectory);
-  int64_t before = INT64_MIN;
-  for (size_t i = 0; i < trajectory.size(); ++i) {
-    const int64_t time = NanosecondsOf(trajectory, i, before);
-    before = time;
+  for (const FileSample& sample :
+       WithRates(WithHeldTimes(trajectory), &FiniteDifferences::JointSpeedAt)) {
+    const int64_t time = Nanoseconds(sample.time_s);
     const int64_t nanoseconds = (time % kNsPerS + kNsPerS) % kNsPerS;
     yaml += fmt::format(
         "- positions: {}\n  velocities: {}\n  accelerations: {}\n"
         "  time_from_start: {{sec: {}, nanosec: {}}}\n",
-        ListOf([&](size_t joint) { return trajectory[i].joints[joint]; }),
-        ListOf([&](size_t joint) { return rates.JointSpeedAt(i, joint); }),
-        ListOf([&](size_t joint) { return rates.JointAcceleration(i, joint); }),
+        ListOf(sample.joints), ListOf(*sample.velocities), ListOf(*sample.accelerations),
         (time - nanoseconds) / kNsPerS, nanoseconds);
   }
   return yaml;
@@ -147,18 +175,18 @@ LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names) {
   if (points.size() == 0) points.Refuse("no points");
   for (size_t i = 0; i < points.size(); ++i) {
     const YamlNode point = points[i];
-    const YamlNode positions = point.At("positions");
-    if (positions.size() != listed.size()) {
-      positions.Refuse(fmt::format("{} positions, {} were expected, as in joint_names",
-                                   positions.size(), listed.size()));
-    }
-    FileSample sample{TimeOf(point), {}, {}};
-    for (size_t joint = 0; joint < 6; ++joint) {
-      sample.joints[joint] = NumberOf(positions[places[joint]], "positions");
+    FileSample sample{TimeOf(point), JointsOf(point, "positions", places, listed.size())};
+    for (const auto& [key, rates] : {std::pair{"velocities", &FileSample::velocities},
+                                     std::pair{"accelerations", &FileSample::accelerations}}) {
+      if (Has(point, key)) sample.*rates = JointsOf(point, key, places, listed.size());
+      if (i == 0 || (sample.*rates).has_value() == (read.samples[0].*rates).has_value()) continue;
+      point.Refuse(
+          fmt::format("{} in some points and not in others; all or none are expected", key));
     }
     read.samples.push_back(sample);
     read.lines.push_back(point.line());
   }
+  DropDifferences(read.samples, &FiniteDifferences::JointSpeedAt);
   return read;
 }
 

@@ -22,8 +22,9 @@ struct RosNames {
 };
 
 /// A trajectory as a ROS 2 `trajectory_msgs/JointTrajectory` in YAML. Velocities and accelerations
-/// are those at the samples themselves, as a controller that interpolates wants them: velocity 0 at
-/// the first sample and the last. There is no place for a pose.
+/// are the samples' own. Where they have none they are differences, those at the samples
+/// themselves, as a controller that interpolates wants them: velocity 0 at the first sample and the
+/// last. There is no place for a pose.
 ///
 /// Numbers read back to the same double. Times are held in whole nanoseconds; those of the control
 /// cycle read back to the same double too.
@@ -33,9 +34,9 @@ std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names)
 
 /// Reads a `JointTrajectory` in YAML, also with the `secs` and `nsecs` of ROS 1, also as
 /// `ros2 topic echo` prints it. Joints are taken by their names, whatever their order; others are
-/// passed over, and so is everything but positions and time. Where nobody named them and
-/// they aren't the file's, its six joints are taken in its order, with a note. Times are not
-/// checked for their order.
+/// passed over. Where nobody named them and they aren't the file's, its six joints are taken in its
+/// order, with a note. Velocities and accelerations are in all points or in none; those that are
+/// ToRosYaml's differences are passed over. Times are not checked for their order.
 /// @throw UsageError "line N: REASON"
 LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names);
 

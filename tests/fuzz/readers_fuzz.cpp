@@ -23,7 +23,10 @@ void Require(bool holds, const char* what) {
 }
 
 bool Same(const FileSample& a, const FileSample& b) {
-  if (a.time_s != b.time_s || a.joints != b.joints) return false;
+  if (a.time_s != b.time_s || a.joints != b.joints || a.velocities != b.velocities ||
+      a.accelerations != b.accelerations) {
+    return false;
+  }
   if (!a.pose || !b.pose) return !a.pose && !b.pose;
   const auto numbers = [](const qal::Pose& pose) {
     const auto& [p, q] = pose;

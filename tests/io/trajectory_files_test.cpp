@@ -36,26 +36,35 @@ TEST(TrajectoryCsv, FullRowsHoldTheSpeedThatLedThereAndTheChangeToTheNext) {
 }
 
 // Numbers whose decimals are easily lost.
-FileTrajectory Awkward(bool poses) {
+FileTrajectory Awkward(const SampleParts& parts) {
   FileTrajectory trajectory;
   // Whole control cycles: also what a ROS file holds exactly.
   for (const int cycle : {-101, 0, 1, 3, 199, 201, 123457, 20000001}) {
-    trajectory.push_back({cycle / 200.0, {0.1 + 0.2, -0.0, 4.9e-324, 1.7e308, -1.0 / 3, 1e22}, {}});
+    const Joints numbers = {0.1 * cycle, -0.0, 4.9e-324, 1.7e308, -1.0 / 3, 1e22};
+    trajectory.push_back({cycle / 200.0, numbers});
     const double nearly_one = std::nextafter(1.0, 0.0);
-    if (poses) trajectory.back().pose = Pose{{0.7, 1e-17, -2.5}, {nearly_one, 0, -0.0, 0.1}};
+    if (parts.pose) trajectory.back().pose = Pose{{0.7, 1e-17, -2.5}, {nearly_one, 0, -0.0, 0.1}};
+    if (parts.velocities) trajectory.back().velocities = numbers;
+    if (parts.accelerations) trajectory.back().accelerations = numbers;
   }
   return trajectory;
 }
 
 // A CSV file shows every bit: the signs of zeros, and digits that read back to the same double.
+// Rates that a writer has filled in with differences are gone again.
 TEST(TrajectoryFiles, ReadBackToTheSameDoubles) {
-  for (const bool poses : {false, true}) {
-    const FileTrajectory written = Awkward(poses);
+  for (const SampleParts& parts : {SampleParts{},
+                                   {true},
+                                   {true, true},
+                                   {true, true, true},
+                                   {false, true},
+                                   {false, true, true}}) {
+    const FileTrajectory written = Awkward(parts);
     std::vector<LocatedTrajectory> read = {ParseCsv(ToCsv(written)),
                                            ParseCsv(ToFullCsv(written, Arm::Reference())),
                                            ParseJsonTrajectory(ToJson(written).dump())};
     const JointNames names = {"a: b", "\"", "c", "d", "e", "f"};
-    if (!poses) read.push_back(ParseRosYaml(ToRosYaml(written, names), {names, true}));
+    if (!parts.pose) read.push_back(ParseRosYaml(ToRosYaml(written, names), {names, true}));
     for (const LocatedTrajectory& file : read) {
       EXPECT_EQ(ToCsv(written), ToCsv(file.samples)) << &file - read.data();
     }
@@ -113,6 +122,7 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {head + row + "\n1,0,x,0,0,0,0", "line 3: q2_rad: 'x' is not a number"},
           {head + row + "\n1,0,0,0,0,0,inf", "line 3: q6_rad: 'inf' is not a finite number"},
           {head + pose + row + ",0,0,0,0,0,0,0", "line 2: the quaternion is all zeros"},
+          {head + ",qd1_rad_s" + row + ",0", "line 1: no column 'qd2_rad_s'"},
       });
   const std::string json = R"({"time_s": [0, 1], "joints_rad": [[0,0,0,0,0,0], )";
   ExpectRefused(
@@ -125,6 +135,8 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {json + "[0,0,0,0,0,0],[0,0,0,0,0,0]]}", "joints_rad: 3 entries, 2 were"},
           {json + R"([0,0,0,0,0,0]], "position_m": [[0,0,0],[0,0,0]]})",
            "no array 'orientation_wxyz'"},
+          {json + R"([0,0,0,0,0,0]], "velocities_rad_s": [[0,0,0,0,0,0]]})",
+           "velocities_rad_s: 1 entries, 2 were"},
       });
   const std::string names = "joint_names: [joint_1, joint_2, joint_3, joint_4, joint_5, joint_6]\n";
   const std::string points = "points:\n- positions: [0, 0, 0, 0, 0, ";
@@ -142,6 +154,10 @@ TEST(TrajectoryFiles, AreRefusedWithTheLine) {
           {names + points + "0]\n", "line 3: no 'time_from_start'"},
           {names + points + "0" + time + "1000000000}", "line 4: nanosec: 1000000000 is no whole"},
           {names + points + "0" + time + "0}\n---\na: b", "line 6: a second document"},
+          {names + points + "0" + time + "0}\n  velocities: [1]", "line 5: 1 velocities, 6 were"},
+          {names + points + "0" + time + "0}\n  accelerations: [0, 0, 0, 0, 0, 0]\n" +
+               points.substr(8) + "0" + time + "1}",
+           "line 6: accelerations in some points and not in others"},
           {names + points + "0" + time + "0}\npoints: 1", "line 5: 'points' is a duplicate key"},
       });
 }

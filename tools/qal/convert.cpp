@@ -93,12 +93,13 @@ void AddConvert(CLI::App& app, const SharedArm& arm) {
   convert->add_flag("--fk", arguments->fk,
                     "give samples without a pose that of their joints, by forward kinematics");
   convert->footer(
-      "Numbers read back to the same double; a ROS file holds its times in whole nanoseconds.\n"
-      "With --full, a row has the mean speeds since the row before, and the accelerations from\n"
-      "these to the next row's: the first row starts from rest, the last one comes to rest.\n"
-      "A ROS file has no pose. It gets the velocities and accelerations at the samples "
-      "themselves,\n"
-      "0 velocity at both ends. Of a file that is read, only time, joints and pose count.\n"
+      "Numbers read back to the same double; a ROS file holds its times in whole nanoseconds, and "
+      "no\npose. Speeds and accelerations in a file are kept as they are. Where there are none, "
+      "--full\nand ROS files have differences of the joints: with --full the mean speeds since the "
+      "row\nbefore, and the accelerations from these to the next row's, from rest and to rest; in "
+      "a "
+      "ROS\nfile those at the samples themselves, 0 velocity at both ends. Read again, such "
+      "differences\nare not taken for speeds that somebody planned.\n"
       "Example: qal convert planned.csv planned.yaml");
   convert->callback([arguments] { RunConvert(*arguments); });
 }

@@ -87,7 +87,7 @@ std::string Heading(const Findings& findings, const std::string& name) {
   } else if (samples.size() > 1) {
     text += fmt::format(", {:.9g} s apart", findings.longest_s);
   }
-  text += HavePoses(samples) ? "; tool by the file's pose\n" : "; tool by the joints\n";
+  text += PartsOf(samples).pose ? "; tool by the file's pose\n" : "; tool by the joints\n";
   return text + ArmRow(findings.loaded);
 }
 
@@ -146,7 +146,7 @@ Json FindingsJson(const Findings& findings, const std::string& name) {
                {"last_time_s", samples.back().time_s},
                {"shortest_interval_s", findings.shortest_s},
                {"longest_interval_s", findings.longest_s},
-               {"tool_by", HavePoses(samples) ? "pose" : "joints"}};
+               {"tool_by", PartsOf(samples).pose ? "pose" : "joints"}};
   for (size_t i = 0; i < kMetricCount; ++i) {
     Json peaks = Json::array();
     for (const auto& peak : findings.metrics[i])
