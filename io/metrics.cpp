@@ -6,11 +6,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "error.h"
 #include "error_text.h"
 #include "finite_differences.h"
+#include "joint_metrics.h"
 
 namespace qal::io {
 
@@ -21,6 +21,16 @@ const std::array<MetricKind, kMetricCount> kMetrics = {{
     {"joint acceleration", "rad/s^2", "joint_acceleration_rad_s2", "--max-joint-acc", true,
      "acceleration of a joint"},
     {"joint jerk", "rad/s^3", "joint_jerk_rad_s3", "--max-joint-jerk", true, "jerk of a joint"},
+    {"speed error", "rad/s", "speed_error_rad_s", "--max-speed-error", false,
+     "difference between the file's speeds and those of its joints"},
+    {"acceleration error", "rad/s^2", "acceleration_error_rad_s2", "--max-acc-error", false,
+     "difference between the file's accelerations and those of its speeds"},
+    {"end speed", "rad/s", "end_speed_rad_s", "--max-end-speed", false,
+     "the file's speed of a joint at the first sample and the last"},
+    {"end acceleration", "rad/s^2", "end_acceleration_rad_s2", "--max-end-acc", false,
+     "the file's acceleration of a joint at the first sample and the last"},
+    {"beyond range", "rad", "beyond_range_rad", "--max-beyond-range", true,
+     "distance of a joint from its range"},
     {"motor speed", "rpm", "motor_speed_rpm", "--max-motor-rpm", true,
      "speed of a joint's motor, by its gear ratio"},
     {"joint step", "rad", "joint_step_rad", "--max-joint-step", true,
@@ -41,15 +51,6 @@ const std::array<MetricKind, kMetricCount> kMetrics = {{
 
 namespace {
 
-// A magnitude of NaN is none that could be compared: it is beyond every limit.
-void Raise(std::optional<Peak>& peak, double value, size_t sample) {
-  const double magnitude =
-      std::isnan(value) ? std::numeric_limits<double>::infinity() : std::fabs(value);
-  if (!peak || magnitude > peak->value) peak = Peak{magnitude, sample};
-}
-
-using Metrics = std::array<Peaks, kMetricCount>;
-
 void MeasureTimes(const FileTrajectory& trajectory, Metrics& metrics) {
   const FiniteDifferences differences(trajectory);
   for (const MetricIndex metric : {kRepeatedTimes, kBackwardTimes}) {
@@ -64,30 +65,13 @@ void MeasureTimes(const FileTrajectory& trajectory, Metrics& metrics) {
   }
 }
 
-void MeasureJoints(const FileTrajectory& trajectory, const Arm& arm, Metrics& metrics) {
-  const FiniteDifferences rates(trajectory);
-  // An interval without a positive duration has no rates: it is one of the times above.
-  const auto timed = [&](size_t first, size_t last) {
-    while (first <= last && rates.Duration(first) > 0.0) ++first;
-    return first > last;
-  };
-  for (size_t interval = 0; interval <= trajectory.size(); ++interval) {
-    const size_t sample = std::min(interval, trajectory.size() - 1);
-    const size_t before = interval == 0 ? 0 : interval - 1;
-    const size_t after = std::min(interval + 1, trajectory.size());
+void MeasureRange(const FileTrajectory& trajectory, const Arm& arm, Metrics& metrics) {
+  for (size_t i = 0; i < trajectory.size(); ++i) {
     for (size_t joint = 0; joint < 6; ++joint) {
-      if (timed(interval, interval)) {
-        const double speed = rates.JointSpeed(interval, joint);
-        Raise(metrics[kJointSpeed][joint], speed, sample);
-        Raise(metrics[kMotorSpeed][joint], MotorRpm(arm, joint, speed), sample);
-      }
-      if (timed(before, after)) {
-        Raise(metrics[kJointJerk][joint], rates.JointJerk(interval, joint), sample);
-      }
-      if (interval < trajectory.size() && timed(interval, after)) {
-        const double acceleration = rates.JointAcceleration(interval, joint);
-        Raise(metrics[kJointAcceleration][joint], acceleration, interval);
-      }
+      const double at = trajectory[i].joints[joint];
+      const JointModel& model = arm.joints()[joint];
+      const double beyond = std::max(at - model.upper_rad.value, model.lower_rad.value - at);
+      Raise(metrics[kBeyondRange][joint], std::max(beyond, 0.0), i);
     }
   }
 }
@@ -156,36 +140,25 @@ void MeasureTool(const FileTrajectory& trajectory, const Arm& arm, Metrics& metr
 
 }  // namespace
 
-std::array<Peaks, kMetricCount> Measure(const FileTrajectory& trajectory, const Arm& arm) {
+Metrics Measure(const FileTrajectory& trajectory, const Arm& arm,
+                const std::optional<Joints>& jerk_rad_s3) {
+  Joints jerk;
+  std::transform(arm.joints().begin(), arm.joints().end(), jerk.begin(),
+                 [](const JointModel& joint) { return joint.jerk_rad_s3.value; });
+  jerk = jerk_rad_s3.value_or(jerk);
   Metrics metrics;
   for (size_t i = 0; i < kMetricCount; ++i) metrics[i].resize(kMetrics[i].per_joint ? 6 : 1);
   MeasureTimes(trajectory, metrics);
-  MeasureJoints(trajectory, arm, metrics);
+  if (HaveRates(trajectory)) {
+    MeasureByRates(trajectory, arm, jerk, metrics);
+  } else {
+    MeasureByDifferences(trajectory, arm, metrics);
+  }
+  MeasureAgreement(trajectory, jerk, metrics);
+  MeasureRange(trajectory, arm, metrics);
   MeasureSteps(trajectory, metrics);
   MeasureTool(trajectory, arm, metrics);
   return metrics;
-}
-
-Limits DefaultLimits() {
-  Limits limits;
-  limits[kRepeatedTimes] = {0.0};
-  limits[kBackwardTimes] = {0.0};
-  return limits;
-}
-
-std::vector<Violation> FindViolations(const Metrics& metrics, const Limits& limits) {
-  // Separates a real excess from the rounding of angles and times in a plan that goes up to its
-  // limit exactly: a difference of theirs loses up to six digits, a jerk more.
-  constexpr double kSlack = 1.0 + 1e-9;
-  std::vector<Violation> violations;
-  for (size_t i = 0; i < kMetricCount; ++i) {
-    for (size_t entry = 0; entry < limits[i].size(); ++entry) {
-      const std::optional<Peak>& peak = metrics[i][entry];
-      if (peak && peak->value <= limits[i][entry] * kSlack) continue;
-      violations.push_back({static_cast<MetricIndex>(i), entry, limits[i][entry]});
-    }
-  }
-  return violations;
 }
 
 }  // namespace qal::io

@@ -19,6 +19,11 @@ enum MetricIndex : size_t {
   kJointSpeed,
   kJointAcceleration,
   kJointJerk,
+  kSpeedError,
+  kAccelerationError,
+  kEndSpeed,
+  kEndAcceleration,
+  kBeyondRange,
   kMotorSpeed,
   kJointStep,
   kFirstStep,
@@ -48,33 +53,24 @@ extern const std::array<MetricKind, kMetricCount> kMetrics;
 struct Peak {
   double value;
   size_t sample;
+  int joint = -1;  ///< from 0, in a metric of the whole trajectory that is about one
 };
 
 /// One peak, or six; nothing where a metric has no value (no pose in the file, no positive
-/// duration, no step but the first and the last).
+/// duration, no rates, no step but the first and the last).
 using Peaks = std::vector<std::optional<Peak>>;
 
-/// Measures a trajectory: rates as `FiniteDifferences` defines them, the tool by its pose, or,
-/// without one, by forward kinematics of the joints. The times may be in any order; an interval
-/// without a positive duration has no rates.
+using Metrics = std::array<Peaks, kMetricCount>;
+
+/// Measures a trajectory: the joints' rates by their velocities and accelerations, at the samples
+/// and between them, as `MeasureByRates` says, or, where samples don't have both, by differences as
+/// `FiniteDifferences` defines them; the tool by its pose, or, without one, by forward kinematics
+/// of the joints. The times may be in any order; an interval without a positive duration has no
+/// rates.
+/// @param jerk_rad_s3 what a joint's jerk may be, if it isn't the arm's
 /// @throw Failure "sample N: REASON" when the arm's solver gives no pose of the joints
-std::array<Peaks, kMetricCount> Measure(const FileTrajectory& trajectory, const Arm& arm);
-
-/// A limit for each value of a metric; empty: none.
-using Limits = std::array<std::vector<double>, kMetricCount>;
-
-/// No limits but that no time may be repeated or go back.
-Limits DefaultLimits();
-
-struct Violation {
-  MetricIndex metric;
-  size_t entry;  // the joint, counted from 0; 0 for a metric of the whole trajectory
-  double limit;
-};
-
-/// Where a peak is above its limit, or where there is a limit and nothing to measure.
-std::vector<Violation> FindViolations(const std::array<Peaks, kMetricCount>& metrics,
-                                      const Limits& limits);
+Metrics Measure(const FileTrajectory& trajectory, const Arm& arm,
+                const std::optional<Joints>& jerk_rad_s3 = {});
 
 }  // namespace qal::io
 

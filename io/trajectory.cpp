@@ -78,7 +78,8 @@ Pose TakePose(const double*& values) {
 }  // namespace
 
 FileSample SampleOf(const double* values, const SampleParts& parts) {
-  FileSample sample{*values++, {}};
+  FileSample sample{*values, {}};
+  ++values;
   sample.joints = TakeJoints(values);
   if (parts.pose) sample.pose = TakePose(values);
   if (parts.velocities) sample.velocities = TakeJoints(values);
@@ -93,6 +94,11 @@ SampleParts PartsOf(const FileTrajectory& trajectory) {
                        [&part](const FileSample& sample) { return (sample.*part).has_value(); });
   };
   return {all(&FileSample::pose), all(&FileSample::velocities), all(&FileSample::accelerations)};
+}
+
+bool HaveRates(const FileTrajectory& trajectory) {
+  const SampleParts parts = PartsOf(trajectory);
+  return parts.velocities && parts.accelerations;
 }
 
 }  // namespace qal::io

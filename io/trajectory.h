@@ -60,6 +60,9 @@ FileSample SampleOf(const double* values, const SampleParts& parts);
 /// What every sample has; nothing for no samples.
 SampleParts PartsOf(const FileTrajectory& trajectory);
 
+/// Whether every sample has velocities and accelerations.
+bool HaveRates(const FileTrajectory& trajectory);
+
 }  // namespace qal::io
 
 #endif  // QAL_IO_TRAJECTORY_H_

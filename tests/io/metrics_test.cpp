@@ -3,9 +3,13 @@
 #include <gtest/gtest.h>
 #include <qal/solve/kinematics.h>
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
+#include <random>
 
 #include "../../io/finite_differences.h"
+#include "../../io/judgement.h"
 
 namespace qal::io {
 namespace {
@@ -98,7 +102,8 @@ TEST(Measure, CountsTimesThatDoNotIncrease) {
       {0, {0.0}, {}}, {1, {0.1}, {}}, {1, {0.2}, {}}, {0.5, {0.3}, {}}, {1.5, {0.4}, {}}};
   ExpectPeaks(trajectory,
               {{kRepeatedTimes, 0, 1.0, 2}, {kBackwardTimes, 0, 1.0, 3}, {kJointSpeed, 0, 0.1, 4}});
-  EXPECT_EQ(2u, FindViolations(Measure(trajectory, Arm::Reference()), DefaultLimits()).size());
+  const Arm arm = Arm::Reference();
+  EXPECT_EQ(2u, FindViolations(Measure(trajectory, arm), LimitsOf(arm)).size());
 }
 
 // Squares of these positions are infinite, and the deviation infinite over infinite; so is, on the
@@ -111,8 +116,103 @@ TEST(Measure, TakesWhatCannotBeComparedForBeyondEveryLimit) {
   const auto metrics = Measure(trajectory, Arm::Reference());
   for (const MetricIndex metric : {kJointSpeed, kJointAcceleration, kJointJerk, kLineDeviation}) {
     Limits limits;
-    limits[metric].assign(metrics[metric].size(), 1e300);
+    limits[metric].assign(metrics[metric].size(), {1e300, Origin::kOption});
     EXPECT_EQ(1u, FindViolations(metrics, limits).size()) << kMetrics[metric].key;
+  }
+}
+
+// A move of joint 1 from rest to rest: the acceleration rises, holds and falls, the speed is kept,
+// and all of it backwards.
+struct Move {
+  double jerk, rise_s, hold_s, cruise_s;
+
+  double acceleration() const { return jerk * rise_s; }
+  double speed() const { return acceleration() * (rise_s + hold_s); }
+};
+
+FileSample At(const Move& move, double time_s) {
+  const double durations[] = {move.rise_s, move.hold_s, move.rise_s, move.cruise_s,
+                              move.rise_s, move.hold_s, move.rise_s};
+  double q = 0, v = 0, a = 0, left = time_s;
+  for (size_t i = 0; i < 7; ++i) {
+    const double h = std::clamp(left, 0.0, durations[i]);
+    const double jerk = i == 0 || i == 6 ? move.jerk : i == 2 || i == 4 ? -move.jerk : 0;
+    q += h * (v + h * (a / 2 + h * jerk / 6));
+    v += h * (a + h * jerk / 2);
+    a += h * jerk;
+    left -= h;
+  }
+  return {time_s, {q}, {}, Joints{v}, Joints{a}};
+}
+
+// One sample a cycle of 5 ms; the arm stays a cycle or two at the end.
+FileTrajectory Sampled(const Move& move) {
+  FileTrajectory trajectory;
+  const double duration_s = 4 * move.rise_s + 2 * move.hold_s + move.cruise_s;
+  do trajectory.push_back(At(move, 0.005 * static_cast<double>(trajectory.size())));
+  while (trajectory.back().time_s < duration_s + 0.005);
+  trajectory.back().velocities = trajectory.back().accelerations = Joints{};
+  return trajectory;
+}
+
+// The samples lie anywhere: what a move reaches between them isn't overstated by anything, nor
+// understated by 1 %.
+TEST(Measure, TellsWhatAMotionReachesBetweenItsSamples) {
+  std::mt19937 generator(1);
+  const auto draw = [&generator](double least, double most) {
+    return least * std::pow(most / least, static_cast<double>(generator()) / 4294967296.0);
+  };
+  for (int i = 0; i < 300; ++i) {
+    const double jerk = draw(3, 1000), rise_s = draw(0.01, 0.2);
+    const double hold_s = draw(0.001, 0.3), cruise_s = draw(0.001, 0.3);
+    const Move move = {jerk, rise_s, i % 3 == 0 ? 0 : hold_s, i % 4 == 0 ? 0 : cruise_s};
+    const FileTrajectory samples = Sampled(move);
+    for (const double excess : {1.0, 1.01}) {
+      SCOPED_TRACE(testing::Message() << jerk << ' ' << rise_s << ' ' << move.hold_s << ' '
+                                      << move.cruise_s << ", limits divided by " << excess);
+      const Metrics metrics = Measure(samples, Arm::Reference(), Joints{jerk / excess});
+      const bool beyond = excess > 1;
+      EXPECT_EQ(beyond, IsBeyond(*metrics[kJointSpeed][0], move.speed() / excess));
+      EXPECT_EQ(beyond, IsBeyond(*metrics[kJointAcceleration][0], move.acceleration() / excess));
+      EXPECT_EQ(beyond, IsBeyond(*metrics[kJointJerk][0], jerk / excess));
+      EXPECT_LT(metrics[kSpeedError][0]->value, beyond ? 1e-3 : 1e-9);
+    }
+  }
+}
+
+// Whatever steps the acceleration has between samples, true rates agree with the joints. Others
+// don't, and a motion that is cut off doesn't rest at its ends.
+TEST(Measure, TellsRatesThatAreNotTheJoints) {
+  const auto scale = [](std::optional<Joints> FileSample::*rates, double factor) {
+    return [rates, factor](FileTrajectory& samples) {
+      for (FileSample& sample : samples) (*(sample.*rates))[0] *= factor;
+    };
+  };
+  const struct {
+    std::function<void(FileTrajectory&)> change;
+    std::vector<MetricIndex> violated;
+  } rows[] = {
+      {[](auto&) {}, {}},
+      {scale(&FileSample::velocities, 0.99), {kSpeedError}},
+      {scale(&FileSample::velocities, 0), {kSpeedError, kAccelerationError}},
+      {scale(&FileSample::accelerations, 0.95), {kAccelerationError}},
+      {[](auto& samples) { samples.resize(samples.size() / 4); }, {kEndSpeed, kEndAcceleration}},
+  };
+  for (const double rise_s : {0.05, 1e-9}) {
+    const FileTrajectory truth = Sampled({3.4 / rise_s, rise_s, 0.1033, 0.1577});
+    for (const auto& [change, violated] : rows) {
+      FileTrajectory samples = truth;
+      change(samples);
+      const Metrics metrics = Measure(samples, Arm::Reference());
+      for (const MetricIndex metric :
+           {kSpeedError, kAccelerationError, kEndSpeed, kEndAcceleration}) {
+        const bool expected = std::count(violated.begin(), violated.end(), metric) > 0;
+        EXPECT_EQ(expected,
+                  IsBeyond(*metrics[metric][0], LimitsOf(Arm::Reference())[metric][0].value))
+            << "row " << &change - &rows[0].change << ", " << kMetrics[metric].key << ' '
+            << metrics[metric][0]->value << ", rise " << rise_s;
+      }
+    }
   }
 }
 
@@ -130,16 +230,19 @@ TEST(FiniteDifferences, AreExactForAParabolaAtUnevenTimes) {
 }
 
 // At its peak each limit holds, a thousandth below it it doesn't; each limit is its metric's alone.
+// What isn't measured is a violation where somebody has asked for it.
 TEST(FindViolations, FindsEachViolationOnce) {
   const auto metrics = Measure(FourSamples(), Arm::Reference());
-  EXPECT_TRUE(FindViolations(metrics, DefaultLimits()).empty());
+  EXPECT_TRUE(FindViolations(metrics, LimitsOf(Arm::Reference())).empty());
   for (size_t i = kJointSpeed; i < kMetricCount; ++i) {
     const size_t entry = metrics[i].size() > 1 ? 3 : 0;
-    Limits limits = DefaultLimits();
-    limits[i].assign(metrics[i].size(), 1e9);
-    limits[i][entry] = metrics[i][entry]->value;
+    if (metrics[i][entry] && metrics[i][entry]->value == 0) continue;
+    Limits limits = LimitsOf(Arm::Reference());
+    limits[i].assign(metrics[i].size(),
+                     {1e9, metrics[i][entry] ? Origin::kOption : Origin::kAlways});
+    if (metrics[i][entry]) limits[i][entry].value = metrics[i][entry]->value;
     EXPECT_TRUE(FindViolations(metrics, limits).empty()) << kMetrics[i].key;
-    limits[i][entry] *= 0.999;
+    limits[i][entry] = {limits[i][entry].value * 0.999, Origin::kOption};
     const std::vector<Violation> violations = FindViolations(metrics, limits);
     ASSERT_EQ(1u, violations.size()) << kMetrics[i].key;
     EXPECT_EQ(i, violations[0].metric);

@@ -25,7 +25,10 @@ TEST_F(Verify, ListsTheViolationsWithSampleAndLine) {
   const ToolRun good = Qal("verify --max-joint-speed 1 1 1,0.2 1 1 --max-motor-rpm 700 in.csv");
   EXPECT_EQ(0, good.status) << good.out;
   EXPECT_EQ("", good.err);
-  EXPECT_EQ(0, good.out.find("in.csv: 4 samples, 0 s to 3 s, 1 s apart; tool by the joints\n"));
+  EXPECT_EQ(
+      0,
+      good.out.find(
+          "in.csv: 4 samples, 0 s to 3 s, 1 s apart; rates by differences, tool by the joints\n"));
   EXPECT_NE(std::string::npos, good.out.find("\nno violation\n")) << good.out;
 
   const std::string check = "verify --max-joint-speed 0.15 --max-position-error 0.001 in.csv";
@@ -34,9 +37,10 @@ TEST_F(Verify, ListsTheViolationsWithSampleAndLine) {
   EXPECT_EQ("qal verify: in.csv: 2 violations\n", bad.err);
   EXPECT_NE(
       std::string::npos,
-      bad.out.find("\nviolations:\n"
-                   "  joint speed, joint 4: 0.2 rad/s at sample 3 (line 5), 3 s; limit 0.15 rad/s\n"
-                   "  position error: nothing to measure; limit 0.001 m\n"))
+      bad.out.find(
+          "\nviolations:\n"
+          "  joint speed, joint 4: 0.2 rad/s at sample 3 (line 5), 3 s; limit 0.15 rad/s (option)\n"
+          "  position error: nothing to measure; limit 0.001 m (option)\n"))
       << bad.out;
 
   const Json json = Json::parse(Qal(check + " --json").out);
@@ -45,6 +49,23 @@ TEST_F(Verify, ListsTheViolationsWithSampleAndLine) {
   EXPECT_EQ(measured, json["violations"][0]["measured"]);
   std::ofstream("in.csv", std::ios::app) << "3,0,0,0,0,0,0\n";
   EXPECT_EQ("qal verify: in.csv: 1 violation\n", Qal("verify in.csv").err);
+}
+
+// What the arm file says makes an acceleration of 0.16 rad/s^2 be assumed: joint 4 has 0.2.
+TEST_F(Verify, JudgesByTheArmAndTakesWhatIsAssumedForANote) {
+  std::ofstream("slow.toml") << "description = '" QAL_ARMS_DIR
+                                "/reference.urdf'\n[limits]\nvelocity_rad_s = 0.04\n";
+  const std::string by_arm = "verify in.csv --arm slow.toml";
+  EXPECT_EQ("qal verify: in.csv: 2 violations\n", Qal(by_arm).err);
+  const std::string assumed =
+      "  joint acceleration, joint 4: 0.2 rad/s^2 at sample 2 (line 4), 2 s; limit 0.16 rad/s^2 "
+      "(assumed)\n";
+  const ToolRun note = Qal(by_arm + " --max-joint-speed 1");
+  EXPECT_EQ(0, note.status) << note.err;
+  EXPECT_NE(std::string::npos, note.out.find(":\n" + assumed + "\nno violation\n")) << note.out;
+  const ToolRun strict = Qal(by_arm + " --max-joint-speed 1 --strict");
+  EXPECT_EQ(1, strict.status);
+  EXPECT_NE(std::string::npos, strict.out.find("\nviolations:\n" + assumed)) << strict.out;
 }
 
 TEST_F(Verify, PrintsNoNanHoweverFewTheSamples) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <limits>
 
+#include "../../io/judgement.h"
 #include "../../io/messages.h"
 #include "../../io/metrics.h"
 
@@ -16,18 +17,16 @@ using namespace io;
 
 namespace {
 
-// Separates a real excess from the rounding of a plan that goes up to its limit exactly.
-constexpr double kSlack = 1.0 + 1e-6;
-
 struct KindWords {
   const char* title;
   const char* unit;  // with "rad" where the caller's unit of angles goes
   const char* key;
 };
 
-constexpr std::array<KindWords, 4> kKinds = {{
+constexpr std::array<KindWords, 5> kKinds = {{
     {"joint speed", "rad/s", "joint_speed_rad_s"},
     {"joint acceleration", "rad/s^2", "joint_acceleration_rad_s2"},
+    {"joint jerk", "rad/s^3", "joint_jerk_rad_s3"},
     {"motor speed", "rpm", "motor_speed_rpm"},
     {"joint position", "rad", "joint_position_rad"},
 }};
@@ -44,15 +43,32 @@ double Shown(const Check& check, double value, const Units& units) {
 }
 
 // The joint whose peak is the largest part of its limit.
-Check Highest(Check::Kind kind, const Peaks& peaks, const std::array<Setting, 6>& limits) {
-  Check highest = {kind, 0, 0, 0.0, limits[0], false};
+Check Highest(Check::Kind kind, const Peaks& peaks, const std::vector<Bound>& limits) {
+  const auto setting = [&limits](size_t j) {
+    return Setting{limits[j].value, limits[j].origin == Origin::kDescribed};
+  };
+  Check highest = {kind, 0, 0, 0.0, setting(0), false};
   double largest = -1.0;
   for (size_t j = 0; j < limits.size(); ++j) {
     if (!peaks[j] || !(peaks[j]->value / limits[j].value > largest)) continue;
     largest = peaks[j]->value / limits[j].value;
-    highest = {kind, j, peaks[j]->sample, peaks[j]->value, limits[j], largest > kSlack};
+    highest = {kind,
+               j,
+               peaks[j]->sample,
+               peaks[j]->value,
+               setting(j),
+               IsBeyond(*peaks[j], limits[j].value)};
   }
   return highest;
+}
+
+std::vector<Bound> MotorLimits(const Arm& arm) {
+  std::vector<Bound> limits;
+  for (const JointModel& joint : arm.joints()) {
+    const bool described = joint.velocity_rad_s.described && joint.gear_ratio.described;
+    limits.push_back({joint.motor_speed_rpm(), described ? Origin::kDescribed : Origin::kAssumed});
+  }
+  return limits;
 }
 
 // The joint that stands farthest beyond its range, or nearest to an end of it.
@@ -85,26 +101,27 @@ int Verdict::Exceeded() const {
 }
 
 Verdict Judge(const FileTrajectory& plan, const Arm& arm) {
-  std::array<Setting, 6> speeds, accelerations, motors;
-  for (size_t j = 0; j < 6; ++j) {
-    const JointModel& joint = arm.joints()[j];
-    speeds[j] = joint.velocity_rad_s;
-    accelerations[j] = joint.acceleration_rad_s2;
-    motors[j] = {joint.motor_speed_rpm(),
-                 joint.velocity_rad_s.described && joint.gear_ratio.described};
-  }
-  const auto metrics = Measure(plan, arm);
+  const Limits limits = LimitsOf(arm);
+  const Metrics metrics = Measure(plan, arm);
   const auto value_of = [&metrics](MetricIndex metric) -> std::optional<double> {
     const std::optional<Peak>& peak = metrics[metric][0];
     return peak ? std::optional<double>(peak->value) : std::nullopt;
   };
-  return {
-      {Highest(Check::Kind::kSpeed, metrics[kJointSpeed], speeds),
-       Highest(Check::Kind::kAcceleration, metrics[kJointAcceleration], accelerations),
-       Highest(Check::Kind::kMotorSpeed, metrics[kMotorSpeed], motors), NearestToRange(plan, arm)},
-      value_of(kFirstStep).value_or(0.0),
-      value_of(kLastStep).value_or(0.0),
-      value_of(kEndStep)};
+  Verdict verdict = {{},
+                     value_of(kFirstStep).value_or(0.0),
+                     value_of(kLastStep).value_or(0.0),
+                     value_of(kEndStep)};
+  const auto add = [&](Check::Kind kind, MetricIndex metric) {
+    verdict.checks.push_back(Highest(kind, metrics[metric], limits[metric]));
+  };
+  add(Check::Kind::kSpeed, kJointSpeed);
+  add(Check::Kind::kAcceleration, kJointAcceleration);
+  // Without rates of its own a plan has steps of acceleration, as the classic operations do.
+  if (HaveRates(plan)) add(Check::Kind::kJerk, kJointJerk);
+  verdict.checks.push_back(
+      Highest(Check::Kind::kMotorSpeed, metrics[kMotorSpeed], MotorLimits(arm)));
+  verdict.checks.push_back(NearestToRange(plan, arm));
+  return verdict;
 }
 
 std::string VerdictRows(const Verdict& verdict, const Units& units) {

@@ -15,11 +15,11 @@ namespace qal::tools {
 
 /// A plan's peak of one quantity, at the joint that comes nearest to its limit or exceeds it most.
 struct Check {
-  enum class Kind { kSpeed, kAcceleration, kMotorSpeed, kRange };
+  enum class Kind { kSpeed, kAcceleration, kJerk, kMotorSpeed, kRange };
   Kind kind;
   size_t joint;  ///< from 0
   size_t point;  ///< from 0
-  double value;  ///< [rad/s, rad/s^2, rpm, rad]
+  double value;  ///< [rad/s, rad/s^2, rad/s^3, rpm, rad]
   Setting limit;
   bool exceeded;
 };
