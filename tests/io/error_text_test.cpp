@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "../../io/plan_text.h"
+
 namespace qal::io {
 namespace {
 
@@ -60,6 +62,18 @@ TEST(ErrorText, SpeaksInTheCallersUnits) {
             "the end is 1333.33333 mm away on an axis; a line may be 1000 mm long on each");
   EXPECT_EQ(ErrorText({Reason::kLimits, 0, -third_turn, 0, "jerk_rad_s3"}, units),
             "joint 1: the jerk is -60 deg/s^3; a finite number above 0 is expected");
+}
+
+// A failure on the way has its place; one of the request has none.
+TEST(PlanFailureText, SaysWhereWhyAndWhatToDo) {
+  const State before = {{0, 0.5, 0, 0, 1, 0}, {{0.4, 0, 0.5}, {1, 0, 0, 0}}};
+  EXPECT_EQ(
+      PlanFailureText({{Reason::kJointRange, 3, 3.0, 2.9}, 0.4321, before}, "line"),
+      "43.21 % along the line: joint 4 at 3 rad, 0.1 rad outside its limit of 2.9 rad; before "
+      "it joints 0 0.5 0 0 1 0 rad, position 0.4 0 0.5 m; begin in another configuration, or "
+      "end elsewhere");
+  EXPECT_EQ(PlanFailureText({{Reason::kSetting, -1, 0, 1, "speed"}, 0, before}, "line"),
+            "the speed is 0; the nearest that works is 1");
 }
 
 }  // namespace

@@ -17,5 +17,5 @@ expect "$arm" "$bin/mkik" "$arm" -o libik.so
 expect "sound, nothing found" "$bin/ikcheck" libik.so --arm "$arm" --poses 100
 expect "position x y z" "$bin/qal" fk --arm "$PWD/libik.so" --joints 0 0.1 0.2 0.3 0.4 0.5
 expect "position x y z" "$bin/qal" fk --arm "$arm" --joints 0 0.1 0.2 0.3 0.4 0.5
-run "$bin/qal" joint --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --speed 20 --acc 500 --csv move.csv >joint.txt
+run "$bin/qal" joint --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --csv move.csv >joint.txt
 expect "joint speed" "$bin/qal" verify move.csv

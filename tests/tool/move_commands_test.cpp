@@ -59,7 +59,7 @@ TEST_F(Line, IsJudgedByTheArm) {
       {"line" + kFrom + "--by 0 0.3 0 --speed 50 --arm slow.toml",
        {"joint_speed_rad_s", "motor_speed_rpm"}},
       {"line" + kFrom + "--by 0.1 0 0 --speed 1 --arm slow.toml", {"joint_position_rad"}},
-      {"joint --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --speed 100 --acc 5000",
+      {"joint --profile trapezoid --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --speed 100 --acc 5000",
        {"joint_speed_rad_s", "motor_speed_rpm"}},
       {"jog --joints 0 0.3 -0.2 0 0.001 0 --frame tool --axis rx --step 0.1",
        {"joint_speed_rad_s", "joint_acceleration_rad_s2", "motor_speed_rpm"}},
@@ -100,13 +100,36 @@ TEST_F(Line, SaysWhereTheSCurveEnds) {
 TEST_F(Joint, HasThePointsOfItsProfileAndItsOwnLinesWithVerboseAlone) {
   const std::string joint = "joint --json --from 0 0 0 0 0 0 --to 1 0.5 0 0 0 -0.3 --speed 50 ";
   std::set<size_t> points;
-  for (const char* profile : {"--profile fixed", "--profile ramp", "--acc 10000"}) {
+  for (const char* profile :
+       {"--profile fixed", "--profile ramp", "--profile trapezoid --acc 10000"}) {
     points.insert(QalJson(joint + profile)["time_s"].size());
   }
   EXPECT_EQ(3u, points.size());
   EXPECT_EQ(1u, points.count(493));
-  const std::string quiet = Qal(joint + "--acc 10000").err;
-  EXPECT_EQ("the joint num is492\n" + quiet, Qal(joint + "--acc 10000 --verbose").err);
+  const std::string trapezoid = joint + "--profile trapezoid --acc 10000";
+  const std::string quiet = Qal(trapezoid).err;
+  EXPECT_EQ("the joint num is492\n" + quiet, Qal(trapezoid + " --verbose").err);
+}
+
+// Joint 1 has the longest way. Its rates are in every file as planned, so that each is judged by
+// them and kept; at half of the limits by a factor of 2.
+TEST_F(Joint, KeepsTheLimitsOfTheArmUnlessToldOtherwise) {
+  const std::string joint = "joint --from 0 0 0 0 1.2 0 --to 0.9 0.3 0.2 0 1 0";
+  const Json plan = QalJson(joint + " --strict --csv a.csv");
+  EXPECT_EQ("joint_velocity", plan["limited_by"][0]["limit"]);
+  EXPECT_EQ(1, plan["limited_by"][0]["joint"]);
+  EXPECT_EQ(0, Qal("convert a.csv a.json").status + Qal("convert a.json a.yaml").status);
+  for (const char* file : {"a.csv", "a.json", "a.yaml"}) {
+    EXPECT_EQ(0, Qal("verify --strict " + std::string(file)).status) << file;
+    const Json by_file = QalJson("verify " + std::string(file));
+    EXPECT_EQ("file", by_file["rates_by"]) << file;
+    EXPECT_NEAR(plan["verdict"]["joint_jerk_rad_s3"]["value"],
+                by_file["joint_jerk_rad_s3"][0]["value"], 1e-9);
+  }
+  const Json half = QalJson(joint + " --scale 50")["verdict"];
+  for (const char* rate : {"joint_speed_rad_s", "joint_acceleration_rad_s2", "joint_jerk_rad_s3"}) {
+    EXPECT_NEAR(0.5, double(half[rate]["value"]) / double(half[rate]["limit"]), 0.01) << rate;
+  }
 }
 
 }  // namespace

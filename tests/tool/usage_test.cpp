@@ -66,8 +66,10 @@ TEST_F(Refusal, OfBadUsageIsOneLine) {
       {"line", FROM "--by 0 0 .1 --speed 2.5", "--speed: '2.5' is no whole number from 1 to 1000000000"},
       {"line", FROM "--by 0 0 .1 --speed 5 --jerk 1", "--jerk does not go with --profile ramp"},
       {"line", FROM "--by 0 0 .1 --profile fixed --speed 1 --precision 1", "--profile fixed: one of --speed and --precision is expected"},
-      {"joint", FROM "--to 1 0 0 0 0 0 --acc 1 --speed 101", "--speed: '101' is no whole number from 1 to 100"},
+      {"joint", FROM "--to 1 0 0 0 0 0 --profile trapezoid --acc 1 --speed 101", "--speed: '101' is no whole number from 1 to 100"},
       {"joint", FROM "--to 1 0 0 0 0 0 --profile ramp --speed 1", "--speed: '1' is no whole number from 2 to 1000000000"},
+      {"joint", FROM "--to 1 0 0 0 0 0 --acc 1", "--acc does not go with --profile limited"},
+      {"joint", FROM "--to 1 0 0 0 0 0 --scale 0", "--scale: 0 is not from 0.01 to 100"},
       {"verify", "good.csv --max-joint-acc 1,2", "--max-joint-acc: one number or six expected, 2 given"},
       {"verify", "good.csv --max-deviation 1,1", "--max-deviation: one number expected, 2 given"},
       {"verify", "good.csv --max-tool-speed -1", "--max-tool-speed: -1 is below 0"},
@@ -93,7 +95,7 @@ TEST_F(Refusal, OfWhatTheArmCannotDoSaysWhereAndWhy) {
       {"line", FROM "--by 0.01 0 0 --profile s-curve --acc 1 --jerk 10 --motor-rpm 3", "at 0.524134..."},
       {"line", FROM "--by 0 0 .1 --profile fixed --precision 1e-5", "50000000 points, at most 1000000 are planned"},
       {"ik", FOREIGN, "no solution at 0.1 0.2 0.3 m (orientation 1 0 0 0): the solver throws an exception (no way); ikcheck..."},
-      {"joint", FROM "--to-pose 2 0 0 --speed 1 --acc 1", "no solution at the end, 2 0 0 m (orientation 0.0353908 0 0.999374 0)..."},
+      {"joint", FROM "--to-pose 2 0 0", "no solution at the end, 2 0 0 m (orientation 0.0353908 0 0.999374 0)..."},
   };
   ::setenv("QAL_FOREIGN_FAULT", "throws", 1);
   ExpectRefused(1, kRows);

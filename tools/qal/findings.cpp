@@ -30,7 +30,7 @@ std::pair<double, double> Intervals(const FileTrajectory& samples) {
 size_t JointOf(const Findings& findings, size_t metric, size_t entry) {
   if (kMetrics[metric].per_joint) return entry + 1;
   const std::optional<Peak>& peak = findings.metrics[metric][entry];
-  return peak ? static_cast<size_t>(peak->joint + 1) : 0;
+  return peak && peak->value > 0 ? static_cast<size_t>(peak->joint + 1) : 0;
 }
 
 std::string Title(const Findings& findings, size_t metric, size_t entry) {

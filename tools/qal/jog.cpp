@@ -44,8 +44,8 @@ void RunJog(const JogArguments& arguments) {
                               arguments.frame, PoseText(current.pose, units),
                               ErrorText(jogged.error().error, units.text())));
   }
-  WritePlan(arguments.plan, loaded, {current, *jogged}, StateRows(*jogged, units),
-            StateJson(*jogged));
+  WritePlan(arguments.plan, loaded, FromStates({current, *jogged}, loaded.arm.cycle_s().value),
+            StateRows(*jogged, units), StateJson(*jogged));
 }
 
 }  // namespace

@@ -1,11 +1,14 @@
 #include <fmt/format.h>
-#include <qal/solve/kinematics.h>
+#include <qal/plan/joint_move.h>
+#include <qal/plan/sampled.h>
 
 #include <CLI/CLI.hpp>
 #include <memory>
 
 #include "../../io/error.h"
+#include "../../io/plan_text.h"
 #include "commands.h"
+#include "limited.h"
 #include "move.h"
 
 namespace qal::tools {
@@ -16,19 +19,26 @@ namespace {
 
 struct JointArguments {
   EndOptions ends;
-  std::string profile = "trapezoid";
+  std::string profile = "limited";
+  NumberOption scale;
   NumberOption speed;
   NumberOption acc;
   PlanOptions plan;
 };
 
-// The end of the move; of a pose, the joints nearest the start's.
-State EndOf(const Arm& arm, const classic::Ends& ends, const Units& units) {
-  if (ends.end_joints) return {*ends.end_joints, ends.end};
-  const Result<State> solved = Nearest(arm, ends.end, ends.start.joints);
-  if (solved) return *solved;
-  throw Failure(fmt::format("no solution at the end, {}: {}", PoseText(ends.end, units),
-                            ErrorText(solved.error(), units.text())));
+void RunLimited(const JointArguments& a) {
+  const Units& units = a.plan.common.units;
+  const LoadedArm loaded = a.plan.common.arm->Load();
+  const classic::Ends ends = a.ends.Read(units, loaded.arm);
+  const State end = EndOf(loaded.arm, ends, units);
+  const auto or_fail = [&units](auto planned) {
+    if (planned) return *std::move(planned);
+    throw Failure(PlanFailureText(planned.error(), "move", units.text()));
+  };
+  const JointMotion motion =
+      or_fail(PlanJoint(loaded.arm, {ends.start.joints}, {end.joints}, {ReadScale(a.scale)}));
+  WriteLimited(a.plan, loaded, {or_fail(Sampled(loaded.arm, motion)), motion.bindings()}, "",
+               Json::object());
 }
 
 Planner PlannerOf(const JointArguments& a) {
@@ -50,8 +60,17 @@ Planner PlannerOf(const JointArguments& a) {
 }
 
 void RunJoint(const JointArguments& a) {
-  if (a.profile != "trapezoid") RefuseOthers(a.profile, {&a.acc}, {});
-  RunMove(a.ends, a.plan, PlannerOf(a));
+  const std::initializer_list<const NumberOption*> all = {&a.scale, &a.speed, &a.acc};
+  if (a.profile == "limited") {
+    RefuseOthers(a.profile, all, {&a.scale});
+    return RunLimited(a);
+  }
+  if (a.profile == "trapezoid") {
+    RefuseOthers(a.profile, all, {&a.speed, &a.acc});
+  } else {
+    RefuseOthers(a.profile, all, {&a.speed});
+  }
+  RunClassic(a.ends, a.plan, PlannerOf(a));
 }
 
 }  // namespace
@@ -63,11 +82,16 @@ void AddJoint(CLI::App& app, const SharedArm& arm) {
       "Joint move, all joints at once, one point per control cycle, judged by the arm's limits");
   arguments->ends.AddTo(*joint);
   joint
-      ->add_option("--profile", arguments->profile,
-                   "fixed: equal steps; ramp: the leading joint's step grows, cruises and falls;\n"
-                   "trapezoid: every joint by its motor's speed, all arriving together")
-      ->check(CLI::IsMember({"fixed", "ramp", "trapezoid"}))
+      ->add_option(
+          "--profile", arguments->profile,
+          "limited: the quickest move within every joint's velocity, acceleration and jerk\n"
+          "fixed: equal steps; begins and ends with a whole one, and keeps no limit\n"
+          "ramp: the leading joint's step grows, cruises and falls; keeps no limit\n"
+          "trapezoid: every joint by its motor's speed, all arriving together; may exceed\n"
+          "speed and acceleration, and has steps of acceleration")
+      ->check(CLI::IsMember({"limited", "fixed", "ramp", "trapezoid"}))
       ->capture_default_str();
+  AddScale(arguments->scale, *joint);
   arguments->speed.AddTo(*joint, "--speed", "N",
                          "whole number; fixed: steps of 0.01 deg a unit; ramp: cruise steps of\n"
                          "0.01 deg for two units, 0.01 deg more or less from cycle to cycle on\n"
@@ -76,7 +100,7 @@ void AddJoint(CLI::App& app, const SharedArm& arm) {
                        "trapezoid: motor acceleration, a whole number [rpm/s]");
   arguments->plan.AddTo(*joint, arm);
   joint->footer(
-      "Example: qal joint --from 0 0 0 0 1.2 0 --to 0.6 0.3 0.2 0 1 0 --speed 50 --acc 10000");
+      "Example: qal joint --from 0 0 0 0 1.2 0 --to 0.6 0.3 0.2 0 1 0 --scale 50 --csv move.csv");
   joint->callback([arguments] { RunJoint(*arguments); });
 }
 

@@ -80,7 +80,7 @@ void RunLine(const LineArguments& a) {
   if (a.profile == "fixed" && a.speed.given() == a.precision.given()) {
     throw UsageError("--profile fixed: one of --speed and --precision is expected");
   }
-  RunMove(a.ends, a.plan, PlannerOf(a));
+  RunClassic(a.ends, a.plan, PlannerOf(a));
 }
 
 }  // namespace

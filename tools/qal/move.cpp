@@ -101,6 +101,8 @@ std::string FailureText(const classic::Failure& failure, const classic::Ends& en
   }
 }
 
+}  // namespace
+
 std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& units) {
   double length_m = 0.0;
   for (size_t i = 1; i < plan.size(); ++i) {
@@ -122,33 +124,31 @@ std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& uni
          "first point\n" + rows(plan.front()) + "last point\n" + rows(plan.back());
 }
 
-}  // namespace
-
-void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const std::vector<State>& plan,
+void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTrajectory& plan,
                const std::string& answer, const Json& json) {
   const auto& [arm_option, units, output] = options.common;
   const Arm& arm = loaded.arm;
-  const FileTrajectory trajectory = FromStates(plan, arm.cycle_s().value);
-  const Verdict verdict = Judge(trajectory, arm);
+  const Verdict verdict = Judge(plan, arm);
   Json all = {{"arm", ArmJson(loaded)}, {"verdict", VerdictJson(verdict)}};
   all.update(json);
   output.Write(
       output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
-      [&, full = output.full()] { return full ? ToFullCsv(trajectory, arm) : ToCsv(trajectory); });
+      [&, full = output.full()] { return full ? ToFullCsv(plan, arm) : ToCsv(plan); });
   NoteExceeded(verdict, units);
   if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
     throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
   }
 }
 
-void RunMove(const EndOptions& ends, const PlanOptions& options, const Planner& planner) {
+void RunClassic(const EndOptions& ends, const PlanOptions& options, const Planner& planner) {
   const Units& units = options.common.units;
   const LoadedArm loaded = options.common.arm->Load();
   const classic::Ends read = ends.Read(units, loaded.arm);
   const classic::Plan plan = planner(loaded.arm, read, options.Listener());
   if (!plan) throw Failure(FailureText(plan.error(), read, units));
   const FileTrajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
-  WritePlan(options, loaded, *plan, Summary(trajectory, loaded.arm, units), ToJson(trajectory));
+  WritePlan(options, loaded, trajectory, Summary(trajectory, loaded.arm, units),
+            ToJson(trajectory));
 }
 
 }  // namespace qal::tools

@@ -52,15 +52,19 @@ void RefuseOthers(const std::string& profile, std::initializer_list<const Number
 /// @param json   what JSON has beside the arm and the verdict
 /// @throw Failure with --strict, when a limit of the arm is exceeded; all is written before
 void WritePlan(const PlanOptions& options, const io::LoadedArm& loaded,
-               const std::vector<State>& plan, const std::string& answer, const Json& json);
+               const io::FileTrajectory& plan, const std::string& answer, const Json& json);
 
-/// Plans between two ends.
+/// Rows that a person can check: points, duration, length, both ends.
+/// @param plan with poses
+std::string Summary(const io::FileTrajectory& plan, const Arm& arm, const Units& units);
+
+/// Plans between two ends by a classic operation.
 using Planner =
     std::function<classic::Plan(const Arm&, const classic::Ends&, const classic::Listener&)>;
 
-/// Reads the ends, plans, judges and writes.
+/// Reads the ends, plans by a classic operation, judges and writes.
 /// @throw Failure when there is no plan: where, and why
-void RunMove(const EndOptions& ends, const PlanOptions& options, const Planner& planner);
+void RunClassic(const EndOptions& ends, const PlanOptions& options, const Planner& planner);
 
 }  // namespace qal::tools
 
