@@ -7,10 +7,6 @@ BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 pytho
 TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
              $(BENCH_DEPS)
 
-# What the reference arm can do, and how far a point's joints may be off its pose.
-DEMO_LIMITS := --max-motor-rpm 3000 --max-joint-acc 4 --max-end-step 1 \
-               --max-position-error 1e-6 --max-orientation-error 1e-6
-
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60
 
@@ -23,7 +19,7 @@ demo: build-deps
 	@packaging/quietly "Building, for some minutes" cmake --build --preset release
 	@mkdir -p out
 	@build/release/bin/02_pick_and_place out/pick_and_place.csv
-	@build/release/bin/qal verify out/pick_and_place.csv $(DEMO_LIMITS)
+	@build/release/bin/qal verify out/pick_and_place.csv --strict
 	@echo
 	@echo "Made: the libraries in build/release/lib, the tools in build/release/bin, and"
 	@echo "out/pick_and_place.csv, a pick and place of the reference arm that keeps its limits."

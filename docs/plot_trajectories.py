@@ -136,7 +136,7 @@ def draw_pick_and_place(data, name):
     left.set_box_aspect((0.6, 0.6, 0.9))
     left.view_init(elev=15, azim=-115)
     right = figure.add_subplot(1, 2, 2)
-    draw_joints(right, time, joints(data, "motor", "rpm"), "motor speed [rpm]")
+    draw_joints(right, time, joints(data, "qd", "rad_s"), "joint speed [rad/s]")
     save(figure, name)
 
 

@@ -1,109 +1,124 @@
 // A small pick and place of the reference arm: a joint move to above the part, a straight line down
-// to it, the line back up, a joint move home. Writes one trajectory: 02_pick_and_place FILE.csv
+// to it, the line back up, a joint move home. Each part goes from rest to rest as fast as every
+// limit of the arm allows. Writes one trajectory: 02_pick_and_place FILE.csv
 
-#include <kinematics/ikfunc.h>
+#include <qal/plan/joint_move.h>
+#include <qal/plan/line.h>
+#include <qal/plan/sampled.h>
+#include <qal/solve/kinematics.h>
 
-#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
+#include <fstream>
 #include <stdexcept>
+#include <string>
 #include <vector>
-
-#include "../io/files.h"
-#include "../io/trajectory_csv.h"
 
 namespace {
 
-using Road = std::vector<RoadPoint>;
+constexpr qal::Vec3 kPartM = {0.42, 0.25, 0.10};
+constexpr double kClearanceM = 0.25;
 
-constexpr double kCycleS = 0.005;
-constexpr double kPartM[3] = {0.42, 0.25, 0.10};
-// Above the part. At the line's speed this is ramps of 0.0328 m, 272 whole cruise steps of 0.0008
-// m, and one unit of 0.00002 m as the jump to the end: a longer one would jerk there.
-constexpr double kClearanceM = 0.25042;
-constexpr int kLineSpeed = 40;            // units of 2e-5 m per cycle: 0.16 m/s
-constexpr int kJointSpeedPercent = 30;    // of 3000 rpm at the motors
-constexpr int kJointAcceleration = 5000;  // [rpm/s] at the motors
-
-RoadPoint AtJoints(const std::vector<double>& joints) {
-  RoadPoint point;
-  std::copy(joints.begin(), joints.end(), point.jointpos);
-  if (!Ikfunc::ArmFk(point)) throw std::runtime_error("home has no pose");
-  return point;
+// What a call gives, or an exception that says where there is nothing.
+template <class T, class E>
+T Expect(const qal::Result<T, E>& result, const char* what) {
+  if (!result) throw std::runtime_error(std::string(what) + " cannot be planned");
+  return *result;
 }
 
-// Solves `point` for the joints nearest `from`'s.
-RoadPoint Solved(RoadPoint point, RoadPoint from) {
-  if (!Ikfunc::ArmIk(point, from.jointpos)) throw std::runtime_error("out of reach");
-  return point;
-}
-
-void AppendJointMove(const RoadPoint& from, const RoadPoint& to, Road& road) {
-  Road move;
-  if (!Ikfunc::CountRunCurvelLineToBuffer(from, to, &move, kJointSpeedPercent,
-                                          kJointAcceleration)) {
-    throw std::runtime_error("the joint move has no plan");
+// Appends a part that begins where the trajectory ends, one cycle of the arm from sample to sample.
+void Append(const qal::Trajectory& part, const qal::Arm& arm, qal::Trajectory& trajectory) {
+  for (size_t i = trajectory.empty() ? 0 : 1; i < part.size(); ++i) {
+    trajectory.push_back(part[i]);
+    const double index = static_cast<double>(trajectory.size() - 1);
+    trajectory.back().time_s = index * (arm.cycle_s().value * 1000) / 1000;
   }
-  road.insert(road.end(), move.begin(), move.end());
 }
 
-void AppendLine(const RoadPoint& from, const RoadPoint& to, Road& road) {
-  Road line;
-  // A line too short for its ramps is true as well, and leaves the vector empty.
-  if (!Ikfunc::CountLineToBuffer(from, to, &line, kLineSpeed) || line.empty()) {
-    throw std::runtime_error("the line has no plan");
+qal::Trajectory JointMove(const qal::Arm& arm, const qal::Joints& from, const qal::Joints& to) {
+  const qal::JointMotion motion = Expect(qal::PlanJoint(arm, {from}, {to}), "a joint move");
+  return Expect(qal::Sampled(arm, motion), "a joint move");
+}
+
+qal::Trajectory Line(const qal::Arm& arm, const qal::Sample& from, const qal::Pose& to) {
+  return qal::Sampled(arm, Expect(qal::PlanLine(arm, {from.joints, from.pose}, to), "a line"));
+}
+
+qal::Trajectory PickAndPlace(const qal::Arm& arm) {
+  const qal::Joints home = {0.0, -0.3, 0.3, 0.0, std::acos(-1.0) / 2, 0.0};
+  // Down on the part with the tool as it is at home.
+  const qal::Pose at_home = Expect(qal::Forward(arm, home), "home");
+  const qal::Pose at_part = {kPartM, at_home.orientation};
+  const qal::Pose above = {{kPartM.x, kPartM.y, kPartM.z + kClearanceM}, at_home.orientation};
+  const qal::State start = Expect(qal::Nearest(arm, above, home), "the place above the part");
+
+  qal::Trajectory trajectory;
+  Append(JointMove(arm, home, start.joints), arm, trajectory);
+  Append(Line(arm, trajectory.back(), at_part), arm, trajectory);
+  Append(Line(arm, trajectory.back(), above), arm, trajectory);
+  Append(JointMove(arm, trajectory.back().joints, home), arm, trajectory);
+  return trajectory;
+}
+
+std::string Header() {
+  std::string header = "time_s";
+  const auto add = [&header](const char* prefix, const char* unit) {
+    for (int j = 1; j <= 6; ++j) header += ',' + (prefix + std::to_string(j)) + unit;
+  };
+  add("q", "_rad");
+  header += ",x_m,y_m,z_m,qw,qx,qy,qz";
+  add("qd", "_rad_s");
+  add("qdd", "_rad_s2");
+  return header + '\n';
+}
+
+// The columns of the header, in numbers that read back to the same double.
+std::string Row(const qal::Sample& sample) {
+  const auto& [p, o] = sample.pose;
+  std::vector<double> numbers = {sample.time_s};
+  const auto add = [&numbers](const auto& more) {
+    numbers.insert(numbers.end(), more.begin(), more.end());
+  };
+  add(sample.joints);
+  add(std::array<double, 7>{p.x, p.y, p.z, o.w, o.x, o.y, o.z});
+  add(sample.velocities);
+  add(sample.accelerations);
+  std::string row;
+  for (const double number : numbers) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.17g", number);
+    row.append(row.empty() ? "" : ",").append(text);
   }
-  road.insert(road.end(), line.begin(), line.end());
+  return row + '\n';
+}
+
+void Write(const qal::Trajectory& trajectory, const char* path) {
+  std::ofstream file(path, std::ios::binary);
+  file << Header();
+  for (const qal::Sample& sample : trajectory) file << Row(sample);
+  if (!file.flush()) throw std::runtime_error("cannot write " + std::string(path));
 }
 
 // Says what a person can check.
-void Summarise(const Road& road, const char* path) {
+void Summarise(const qal::Trajectory& trajectory, const char* path) {
   double length = 0.0;
-  const Pos* lowest = &road.front().position;
-  for (size_t i = 1; i < road.size(); ++i) {
-    const Pos step = road[i].position - road[i - 1].position;
-    length += std::sqrt(step.x * step.x + step.y * step.y + step.z * step.z);
-    if (road[i].position.z < lowest->z) lowest = &road[i].position;
+  const qal::Vec3* before = &trajectory.front().pose.position;
+  const qal::Vec3* lowest = before;
+  for (const qal::Sample& sample : trajectory) {
+    const qal::Vec3& p = sample.pose.position;
+    length += std::hypot(p.x - before->x, p.y - before->y, p.z - before->z);
+    if (p.z < lowest->z) lowest = &p;
+    before = &p;
   }
-  const auto print = [](const char* label, const Pos& p) {
+  const auto print = [](const char* label, const qal::Vec3& p) {
     std::printf("%-22s x %.6f  y %.6f  z %.6f m\n", label, p.x, p.y, p.z);
   };
   std::printf("%-22s %s\n%-22s %zu\n%-22s %.3f s\n%-22s %.6f m\n", "trajectory", path, "points",
-              road.size(), "duration", kCycleS * static_cast<double>(road.size() - 1),
-              "TCP path length", length);
-  print("the tool starts at", road.front().position);
+              trajectory.size(), "duration", trajectory.back().time_s, "TCP path length", length);
+  print("the tool starts at", trajectory.front().pose.position);
   print("picks at", *lowest);
-  print("and ends at", road.back().position);
-}
-
-// The waypoints as files hold them.
-qal::io::FileTrajectory ToTrajectory(const Road& road) {
-  std::vector<qal::State> states;
-  for (const auto& [position, orientation, joints, known] : road) {
-    const auto& [x, y, z] = position;
-    const auto& [qw, qx, qy, qz] = orientation;
-    qal::State state = {{}, {{x, y, z}, {qw, qx, qy, qz}}};
-    std::copy(joints, joints + 6, state.joints.begin());
-    states.push_back(state);
-  }
-  return qal::io::FromStates(states, kCycleS);
-}
-
-Road PickAndPlace() {
-  const RoadPoint home = AtJoints({0.0, -0.3, 0.3, 0.0, std::acos(-1.0) / 2, 0.0});
-  RoadPoint above = home;  // the tool points down as it does at home
-  above.position = Pos(kPartM[0], kPartM[1], kPartM[2] + kClearanceM);
-  above = Solved(above, home);
-  RoadPoint at_part = above;
-  at_part.position.z = kPartM[2];
-  at_part = Solved(at_part, above);
-
-  Road road = {home};
-  AppendJointMove(home, above, road);
-  AppendLine(above, at_part, road);
-  AppendLine(at_part, above, road);
-  AppendJointMove(above, home, road);
-  return road;
+  print("and ends at", trajectory.back().pose.position);
 }
 
 }  // namespace
@@ -114,9 +129,9 @@ int main(int argc, char** argv) {
     return 2;
   }
   try {
-    const Road road = PickAndPlace();
-    qal::io::WriteFile(argv[1], qal::io::ToFullCsv(ToTrajectory(road), qal::Arm::Reference()));
-    Summarise(road, argv[1]);
+    const qal::Trajectory trajectory = PickAndPlace(qal::Arm::Reference());
+    Write(trajectory, argv[1]);
+    Summarise(trajectory, argv[1]);
     return 0;
   } catch (const std::exception& error) {
     std::fprintf(stderr, "%s\n", error.what());

@@ -14,21 +14,23 @@ using Joint = InOwnFolder;
 const std::string kFrom = " --from 0 0.3 0.2 0 1 0 ";
 
 TEST_F(Line, EndsWithTheJointsGivenOrWithTheOnesItArrivesWith) {
-  const Json by_pose = QalJson("line" + kFrom + "--by 0 0.3 0 --speed 50")["joints_rad"];
+  const Json by_pose =
+      QalJson("line" + kFrom + "--by 0 0.3 0 --profile ramp --speed 50")["joints_rad"];
   ASSERT_EQ(351, by_pose.size());
   const Json& end = by_pose[350];
   // The same rotation as the start's, with the other sign.
   const Json turned = QalJson("line" + kFrom +
                               "--to-pose 0.524128326 0.3 0.530868682 -0.035390772 0 -0.999373555 0 "
-                              "--speed 50");
+                              "--profile ramp --speed 50");
   EXPECT_EQ(351, turned["time_s"].size());
   const std::string joints = end.dump().substr(1, end.dump().size() - 2);
-  const Json by_joints = QalJson("line" + kFrom + "--to " + joints + " --speed 50")["joints_rad"];
+  const Json by_joints =
+      QalJson("line" + kFrom + "--to " + joints + " --profile ramp --speed 50")["joints_rad"];
   EXPECT_EQ(end, by_joints.back());
 }
 
 TEST_F(Line, PrintsASummaryAndWritesTheSameFileWhole) {
-  const std::string plan = "line" + kFrom + "--by 0 0.3 0 --speed 50";
+  const std::string plan = "line" + kFrom + "--by 0 0.3 0 --profile ramp --speed 50";
   EXPECT_EQ(1, Qal(plan + " --mm --csv line.csv").status);  // 0.3 mm are too short, and ...
   EXPECT_EQ("", Files());                                   // ... leave no file
   const ToolRun whole = Qal(plan + " --csv line.csv");
@@ -55,10 +57,11 @@ TEST_F(Line, IsJudgedByTheArm) {
     std::string arguments;
     std::vector<const char*> exceeded;
   } cases[] = {
-      {"line" + kFrom + "--by 0 0.3 0 --speed 50", {}},
-      {"line" + kFrom + "--by 0 0.3 0 --speed 50 --arm slow.toml",
+      {"line" + kFrom + "--by 0 0.3 0 --profile ramp --speed 50", {}},
+      {"line" + kFrom + "--by 0 0.3 0 --profile ramp --speed 50 --arm slow.toml",
        {"joint_speed_rad_s", "motor_speed_rpm"}},
-      {"line" + kFrom + "--by 0.1 0 0 --speed 1 --arm slow.toml", {"joint_position_rad"}},
+      {"line" + kFrom + "--by 0.1 0 0 --profile ramp --speed 1 --arm slow.toml",
+       {"joint_position_rad"}},
       {"joint --profile trapezoid --from 0 0 0 0 1 0 --to 1 0 0 0 1 0 --speed 100 --acc 5000",
        {"joint_speed_rad_s", "motor_speed_rpm"}},
       {"jog --joints 0 0.3 -0.2 0 0.001 0 --frame tool --axis rx --step 0.1",
@@ -76,9 +79,27 @@ TEST_F(Line, IsJudgedByTheArm) {
     EXPECT_EQ(exceeded.empty() ? 0 : 1, strict.status);
     EXPECT_EQ(exceeded.empty(), strict.out.find(": exceeded\n") == std::string::npos);
   }
-  const Json described = QalJson("line" + kFrom + "--by 0 0.3 0 --speed 50")["verdict"];
+  const Json described =
+      QalJson("line" + kFrom + "--by 0 0.3 0 --profile ramp --speed 50")["verdict"];
   EXPECT_FALSE(described["motor_speed_rpm"]["assumed"]);
   EXPECT_TRUE(described["joint_acceleration_rad_s2"]["assumed"]);
+}
+
+// 0.3 m at 0.2 m/s, reached in 0.2 s + 0.1 s with 1 m/s^2 and 10 m/s^3: 1.5 s + 0.3 s, the middle
+// at 0.2 m/s. The quarter turn about the tool's axis takes longer: 1 rad/s, in 0.35 s.
+TEST_F(Line, KeepsEveryLimitWhateverItsEnds) {
+  const std::string line = "line" + kFrom + "--strict --speed 0.2 ";
+  const Json straight = QalJson(line + "--by 0 0.3 0 --csv a.csv");
+  EXPECT_NEAR(1.8, straight["duration_s"], 0.005 + 1e-9);
+  EXPECT_NEAR(0.3, straight["length_m"], 1e-12);
+  EXPECT_EQ("tool_speed", straight["limited_by"].at(0).at("limit"));
+  const Json turned = QalJson(line + "--to-pose 0.5 0.1 0.5 --rpy 180 0 90 --deg --csv b.csv");
+  EXPECT_EQ("turn_speed", turned["limited_by"].at(0).at("limit"));
+  EXPECT_EQ(0, QalJson(line + "--by 0 0 0")["duration_s"]);
+  for (const char* file : {"a.csv", "b.csv"}) {
+    const ToolRun verified = Qal("verify --strict --max-tool-speed 0.2 " + std::string(file));
+    EXPECT_EQ(0, verified.status) << verified.out;
+  }
 }
 
 // Jerk 10, 0.01 m: a phase of 79 ms, cut to 75 ms, 15 points, 0.0703125 of the line.
@@ -116,8 +137,8 @@ TEST_F(Joint, HasThePointsOfItsProfileAndItsOwnLinesWithVerboseAlone) {
 TEST_F(Joint, KeepsTheLimitsOfTheArmUnlessToldOtherwise) {
   const std::string joint = "joint --from 0 0 0 0 1.2 0 --to 0.9 0.3 0.2 0 1 0";
   const Json plan = QalJson(joint + " --strict --csv a.csv");
-  EXPECT_EQ("joint_velocity", plan["limited_by"][0]["limit"]);
-  EXPECT_EQ(1, plan["limited_by"][0]["joint"]);
+  EXPECT_EQ("joint_velocity", plan["limited_by"].at(0).at("limit"));
+  EXPECT_EQ(1, plan["limited_by"].at(0).at("joint"));
   EXPECT_EQ(0, Qal("convert a.csv a.json").status + Qal("convert a.json a.yaml").status);
   for (const char* file : {"a.csv", "a.json", "a.yaml"}) {
     EXPECT_EQ(0, Qal("verify --strict " + std::string(file)).status) << file;

@@ -35,7 +35,7 @@ namespace {
 
 // "joint jerk of joint 2, 31.5 % of the duration; longest from 0.2 to 0.35 s, 12 to 40 % along".
 std::string LimitedBy(const LimitedMotion& motion) {
-  if (motion.bindings.empty()) return "nothing: there is no way to go";
+  if (motion.bindings.empty()) return "nothing";
   const Binding& longest = motion.bindings.front();
   std::string text =
       fmt::format("{}, {:.3g} % of the duration; longest from {:.4g} to {:.4g} s",
