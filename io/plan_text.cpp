@@ -20,9 +20,6 @@ const char* RemedyOf(const Error& error) {
       return "begin in another configuration, or end elsewhere";
     case Reason::kSingularity:
       return "lead it past there, or make a joint move";
-    case Reason::kStepBound:
-    case Reason::kConfiguration:
-      return "make a joint move";
     case Reason::kNoPose:
     case Reason::kSolverFault:
     case Reason::kSolverThrows:
@@ -52,6 +49,7 @@ std::string PlanFailureText(const PlanFailure& failure, const std::string& path,
                             const TextUnits& units) {
   const std::string reason = ErrorText(failure.error, units);
   const std::string remedy = RemedyOf(failure.error);
+  if (failure.error.reason == Reason::kTooManyPoints) return reason + "; a faster one has fewer";
   if (remedy.empty()) return reason;
   return fmt::format("{:.4g} % along the {}: {}; before it {}; {}", 100 * failure.along, path,
                      reason, StateText(failure.before, units), remedy);
