@@ -42,7 +42,8 @@ qal::Trajectory JointMove(const qal::Arm& arm, const qal::Joints& from, const qa
 }
 
 qal::Trajectory Line(const qal::Arm& arm, const qal::Sample& from, const qal::Pose& to) {
-  return qal::Sampled(arm, Expect(qal::PlanLine(arm, {from.joints, from.pose}, to), "a line"));
+  const auto line = Expect(qal::PlanLine(arm, {from.joints, from.pose}, to), "a line");
+  return Expect(qal::Sampled(arm, line), "a line");
 }
 
 qal::Trajectory PickAndPlace(const qal::Arm& arm) {

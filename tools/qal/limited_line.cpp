@@ -82,8 +82,10 @@ void RunLimitedLine(const LineArguments& a) {
   const auto motion = PlanLine(loaded.arm, ends.start, ends.end, limits);
   if (!motion) throw Failure(PlanFailureText(motion.error(), "line", units.text()));
   ExpectEnd(*motion, ends, units);
+  auto trajectory = Sampled(loaded.arm, *motion);
+  if (!trajectory) throw Failure(PlanFailureText(trajectory.error(), "line", units.text()));
   WriteLimited(a.plan, loaded,
-               {Sampled(loaded.arm, *motion), motion->bindings(),
+               {*std::move(trajectory), motion->bindings(),
                 [&motion](double time_s) { return motion->AlongAt(time_s); }},
                PathRows(*motion, units),
                {{"length_m", motion->length_m()},
