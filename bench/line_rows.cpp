@@ -34,7 +34,9 @@ nlohmann::json RowOf(const Arm& arm, const Line& line, const LineMotion& motion,
                      const std::string& name) {
   const auto screws = Screws::Of(arm, line.from.joints);
   const LinePath path(*Forward(arm, line.from.joints), line.to);
-  const FollowedPath followed = Follow(PathSolver(*screws, path), line.from.joints);
+  const LineSolver solver(*screws, path);
+  JointPath joints(*solver.Solve(0, line.from.joints));
+  (void)Follow(solver, 1, joints);  // it does, as there is a plan
   const LineLimits& limits = line.limits;
   const auto of_s = [&](double tool, double turn) {
     return std::min(tool / path.length_m(), turn / path.angle_rad());
@@ -47,12 +49,12 @@ nlohmann::json RowOf(const Arm& arm, const Line& line, const LineMotion& motion,
         {"acceleration", of_s(limits.acceleration_m_s2, limits.turn_acceleration_rad_s2)},
         {"jerk", of_s(limits.jerk_m_s3, limits.turn_jerk_rad_s3)}}}};
   for (const JointModel& joint : arm.joints()) {
-    nlohmann::json& joints = row["joints"];
-    joints["velocity"].push_back(limits.scale.velocity * joint.velocity_rad_s.value);
-    joints["acceleration"].push_back(limits.scale.acceleration * joint.acceleration_rad_s2.value);
-    joints["jerk"].push_back(limits.scale.jerk * joint.jerk_rad_s3.value);
+    nlohmann::json& limit = row["joints"];
+    limit["velocity"].push_back(limits.scale.velocity * joint.velocity_rad_s.value);
+    limit["acceleration"].push_back(limits.scale.acceleration * joint.acceleration_rad_s2.value);
+    limit["jerk"].push_back(limits.scale.jerk * joint.jerk_rad_s3.value);
   }
-  for (const auto& [s, value, first, second, third] : PointsOf(followed.joints)) {
+  for (const auto& [s, value, first, second, third] : PointsOf(joints)) {
     row["s"].push_back(s);
     row["dq"].push_back(first);
     row["ddq"].push_back(second);

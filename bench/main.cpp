@@ -21,6 +21,7 @@ Cases AllCases(const Workload& work) {
   Cases cases;
   AddKinematics(work, cases);
   AddTrajectories(work, cases);
+  AddLines(work, cases);
   AddArms(cases);
   AddMoves(cases);
   AddScaling(cases);

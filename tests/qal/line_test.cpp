@@ -89,7 +89,7 @@ Findings Examine(const Arm& arm, const Line& line, const LineMotion& motion) {
       // The mean of both ends' speeds is that of the joints but for jerk * step^2 / 12.
       const double mean = (state.velocities[j] + before.velocities[j]) / 2;
       worst(found.rates, ((state.joints[j] - before.joints[j]) / step_s - mean) /
-                             (jerk_limit * step_s * step_s / 12 + 1e-6));
+                             (jerk_limit * step_s * step_s / 12 + 1e-5));
     }
     before = state;
     if (i % 8 != 0) continue;

@@ -1,6 +1,7 @@
 #include "line_failure.h"
 
-#include <cmath>
+#include <algorithm>
+#include <vector>
 
 #include "../solve/kinematics.h"
 
@@ -8,82 +9,90 @@ namespace qal {
 
 namespace {
 
-// Where a path is looked at in each of its pieces, whose joints bend at most a little.
-constexpr int kLooks = 8;
+// Rounding puts a joint that stands at its limit beyond it.
+constexpr double kRoundingRad = 1e-9;
 
+// How far a joint is beyond the limit that is nearer, and which that is [rad].
 struct Excess {
-  double over = 0;  // beyond the nearer limit [rad]; not above 0 within the range
-  double value = 0;
-  double bound = 0;
+  double over;
+  double bound;
 };
 
 Excess ExcessOf(const JointModel& joint, double value) {
   const double below = joint.lower_rad.value - value;
   const double above = value - joint.upper_rad.value;
-  return below > above ? Excess{below, value, joint.lower_rad.value}
-                       : Excess{above, value, joint.upper_rad.value};
+  return below > above ? Excess{below, joint.lower_rad.value}
+                       : Excess{above, joint.upper_rad.value};
 }
 
-// Where a joint stops or turns between two places, at which its rates have opposite signs.
+// Where a joint turns back between two places, at which its rates have opposite signs.
 double TurningPoint(const JointPath& path, size_t piece, size_t joint, double a, double b) {
   const bool rises = path.At(a, piece).first[joint] > 0;
-  for (int i = 0; i < 60 && b - a > 1e-15; ++i) {
+  for (int i = 0; i < 60; ++i) {
     const double middle = (a + b) / 2;
     ((path.At(middle, piece).first[joint] > 0) == rises ? a : b) = middle;
   }
-  return (a + b) / 2;
+  return a;
+}
+
+// Places in the order of s, close together, and with all that joints turn back at.
+std::vector<PathPoint> PointsOf(const JointPath& path) {
+  constexpr int kLooks = 8;
+  std::vector<PathPoint> points = {path.At(0)};
+  std::vector<double> turns;
+  for (size_t piece = 0; piece < path.size(); ++piece) {
+    for (int i = 1; i <= kLooks; ++i) {
+      const PathPoint before = points.back();
+      const double s = path.begin(piece) + path.length(piece) * i / kLooks;
+      const PathPoint here = path.At(s, piece);
+      turns.clear();
+      for (size_t j = 0; j < 6; ++j) {
+        if (!(before.first[j] * here.first[j] < 0)) continue;
+        turns.push_back(TurningPoint(path, piece, j, before.s, s));
+      }
+      std::sort(turns.begin(), turns.end());
+      for (const double turn : turns) points.push_back(path.At(turn, piece));
+      points.push_back(here);
+    }
+  }
+  return points;
 }
 
 }  // namespace
 
 std::optional<PlanFailure> OutOfRange(const Arm& arm, const LinePath& line, const JointPath& path) {
-  // Rounding puts a joint that stands at its limit beyond it.
-  constexpr double kRoundingRad = 1e-9;
-  std::optional<PlanFailure> failure;
-  size_t leaves = 0;
-  Excess farthest;
-  PathPoint inside = path.At(0);
-  const auto look = [&](const PathPoint& q) {
-    for (size_t j = 0; j < 6; ++j) {
-      const Excess excess = ExcessOf(arm.joints()[j], q.value[j]);
-      if (!(excess.over > kRoundingRad) || (failure && j != leaves)) continue;
-      if (excess.over > farthest.over) farthest = excess;
-      if (failure) continue;
-      leaves = j;
-      failure = PlanFailure{{}, inside.s, {inside.value, line.At(inside.s)}};
-    }
-    if (!failure) inside = q;
+  const std::vector<PathPoint> points = PointsOf(path);
+  const auto out = [&arm](size_t joint, const PathPoint& point) {
+    return ExcessOf(arm.joints()[joint], point.value[joint]).over > kRoundingRad;
   };
-  for (size_t piece = 0; piece < path.size(); ++piece) {
-    PathPoint before = path.At(path.begin(piece), piece);
-    look(before);
-    for (int i = 1; i <= kLooks; ++i) {
-      const double s = path.begin(piece) + path.length(piece) * i / kLooks;
-      const PathPoint here = path.At(s, piece);
-      for (size_t j = 0; j < 6; ++j) {
-        if (before.first[j] * here.first[j] < 0) {
-          look(path.At(TurningPoint(path, piece, j, before.s, s), piece));
-        }
-      }
-      look(here);
-      before = here;
+  size_t joint = 0;
+  const auto leaves = [&](const PathPoint& point) {
+    for (joint = 0; joint < 6; ++joint) {
+      if (out(joint, point)) return true;
     }
-  }
-  if (!failure) return std::nullopt;
-  failure->error = {Reason::kJointRange, static_cast<int>(leaves), farthest.value, farthest.bound};
-  // From the last look inside to the place itself.
-  double a = failure->along;
-  double b = std::min(1.0, a + 1.0);
-  const auto out = [&](double s) {
-    return ExcessOf(arm.joints()[leaves], path.At(s).value[leaves]).over > kRoundingRad;
+    return false;
   };
-  for (double step = 1e-6; a + step < 1 && !out(b = a + step); step *= 2) a = b;
+  const auto first = std::find_if(points.begin(), points.end(), leaves);
+  if (first == points.end()) return std::nullopt;
+
+  double inside = first == points.begin() ? 0 : (first - 1)->s;
+  double outside = first->s;
   for (int i = 0; i < 60; ++i) {
-    const double middle = (a + b) / 2;
-    (out(middle) ? b : a) = middle;
+    const double middle = (inside + outside) / 2;
+    (out(joint, path.At(middle)) ? outside : inside) = middle;
   }
-  failure->along = a;
-  failure->before = {path.At(a).value, line.At(a)};
+  const auto nearer = [&](const PathPoint& a, const PathPoint& b) {
+    const JointModel& model = arm.joints()[joint];
+    return ExcessOf(model, a.value[joint]).over < ExcessOf(model, b.value[joint]).over;
+  };
+  const double farthest = std::max_element(first, points.end(), nearer)->value[joint];
+  PlanFailure failure;
+  failure.error.reason = Reason::kJointRange;
+  failure.error.joint = static_cast<int>(joint);
+  failure.error.value = farthest;
+  failure.error.bound = ExcessOf(arm.joints()[joint], farthest).bound;
+  failure.along = inside;
+  failure.before = {path.At(inside).value, line.At(inside)};
   return failure;
 }
 

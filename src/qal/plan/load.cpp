@@ -17,10 +17,12 @@ Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathLimits&
                std::fabs(moment.acceleration) / limits.acceleration,
                std::fabs(moment.jerk) / limits.jerk};
   for (size_t j = 0; j < 6; ++j) {
+    // What joints need between two looks is a little more than at them.
+    constexpr double kBetween = 1.0003;
     load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / limits.joint_velocity[j]);
-    load.acceleration =
-        std::max(load.acceleration, std::fabs(accelerations[j]) / limits.joint_acceleration[j]);
-    load.jerk = std::max(load.jerk, std::fabs(jerks[j]) / limits.joint_jerk[j]);
+    load.acceleration = std::max(
+        load.acceleration, kBetween * std::fabs(accelerations[j]) / limits.joint_acceleration[j]);
+    load.jerk = std::max(load.jerk, kBetween * std::fabs(jerks[j]) / limits.joint_jerk[j]);
   }
   return load;
 }
@@ -57,7 +59,8 @@ void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
   const size_t there = path_.PieceAt(s, before);
   // A law that is faster than its numbers can tell is none.
   constexpr double kShortestS = 1e-9;
-  if (there > before + 1 && to_s - from_s > kShortestS) {
+  const bool passes = there > before + 1 || s - here_.s > path_.length(there) / 2;
+  if (passes && to_s - from_s > kShortestS) {
     const double middle_s = (from_s + to_s) / 2;
     MoveTo(from_s, middle_s, most);
     MoveTo(middle_s, to_s, most);

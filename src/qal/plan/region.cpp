@@ -23,16 +23,16 @@ bool Same(const PathState& a, const PathState& b) {
 }  // namespace
 
 Region::Region(const PathState& low, const PathState& high) : size_(4) {
-  corners_[0].state = low;
-  corners_[1].state = {high.square, low.acceleration};
-  corners_[2].state = high;
-  corners_[3].state = {low.square, high.acceleration};
+  corners_[0] = {low, false, 0};
+  corners_[1] = {{high.square, low.acceleration}, false, 0};
+  corners_[2] = {high, false, 0};
+  corners_[3] = {{low.square, high.acceleration}, false, 0};
 }
 
 Region Region::Between(const PathState& a, const PathState& b) {
   Region line;
-  line.corners_[0].state = a;
-  line.corners_[1].state = b;
+  line.corners_[0] = {a, false, 0};
+  line.corners_[1] = {b, false, 0};
   line.size_ = 2;
   return line;
 }
@@ -72,8 +72,10 @@ void Region::Cut(const HalfPlane& plane) {
       const double part = excess[i] / (excess[i] - excess[next]);
       const PathState& a = corners_[i].state;
       const PathState& b = corners_[next].state;
-      keep(Corner{{a.square + part * (b.square - a.square),
-                   a.acceleration + part * (b.acceleration - a.acceleration)}});
+      keep({{a.square + part * (b.square - a.square),
+             a.acceleration + part * (b.acceleration - a.acceleration)},
+            false,
+            0});
     }
   }
   if (count > 1 && Same(kept[0].state, kept[count - 1].state)) --count;

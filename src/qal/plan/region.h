@@ -29,15 +29,16 @@ struct HalfPlane {
 class Region {
  public:
   /// Corners of a simplified region at the most.
-  static constexpr size_t kFewCorners = 10;
+  static constexpr size_t kFewCorners = 8;
 
   struct Corner {
     PathState state;
-    bool known = false;  ///< whether `outside` is; not of new corners
-    double outside = 0;  ///< the user's: above 0 where the corner doesn't belong to the region
+    bool known;      ///< whether `outside` is; not of new corners
+    double outside;  ///< the user's: above 0 where the corner doesn't belong to the region
   };
 
-  Region() = default;
+  // What is beyond the corners that there are is neither set nor read.
+  Region() {}  // NOLINT(modernize-use-equals-default): that one would set it
   /// A rectangle.
   Region(const PathState& low, const PathState& high);
   /// A line.
@@ -61,7 +62,7 @@ class Region {
 
  private:
   // A cut adds one at the most; what is beyond this many is cut off.
-  static constexpr size_t kMostCorners = 40;
+  static constexpr size_t kMostCorners = 32;
 
   std::array<Corner, kMostCorners> corners_;
   size_t size_ = 0;
