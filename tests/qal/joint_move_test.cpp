@@ -353,7 +353,9 @@ TEST(JointMove, SaysWhereAMovingJointHasToLeaveItsRange) {
   EXPECT_NEAR(before.pose.position.x, Forward(arm, before.joints)->position.x, 1e-15);
   const auto endless = PlanJoint(EndlessArm([&](size_t) { return limits; }), move.from, move.to);
   EXPECT_NEAR(endless->At(along * endless->duration_s()).joints[1], upper, 1e-9);
-  // Where there is room, the same braking is no fault.
+  // Where there is room, the same braking is no fault; nor is a rounding at the end of the range.
+  Set(move.from, 1, {upper + 1e-12});
+  EXPECT_TRUE(PlanJoint(arm, move.from, move.to));
   Set(move.from, 1, {upper - passed - 1e-9, velocity, 0});
   EXPECT_TRUE(PlanJoint(arm, move.from, move.to));
 }

@@ -17,7 +17,7 @@ double UnavoidableVelocity(const AxisState& state, double jerk);
 class AxisTransfer {
  public:
   // cppcheck-suppress uninitMemberVar
-  AxisTransfer() = default;  // likewise
+  AxisTransfer() = default;  // not to be used, like Reach's
   /// Each state has to be one that the limits allow (joint_move.cpp checks them).
   AxisTransfer(const AxisState& from, const AxisState& to, const AxisLimits& limits);
 

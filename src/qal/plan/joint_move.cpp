@@ -15,7 +15,8 @@ namespace {
 
 constexpr int kJoints = 6;
 
-// How far a move may pass its end [rad] that stands at the limit of its joint's range: roundings.
+// How far outside of its range a joint may be [rad]: roundings of states that a motion was sampled
+// at, and of motions to a limit.
 constexpr double kAtRangeRad = 1e-11;
 
 AxisState StateOf(const MotionState& state, size_t j) {
@@ -103,8 +104,10 @@ class JointPlanner {
     const JointModel& model = models_[j];
     const AxisState from = StateOf(motion_.from_, j);
     const AxisState to = StateOf(motion_.to_, j);
-    if (Outside(model, from.position) > 0) return Fail(OutOfRange(joint, model, from.position), 0);
-    if (Outside(model, to.position) > 0) return Fail(OutOfRange(joint, model, to.position), 1);
+    for (const double along : {0, 1}) {
+      const double end = along == 0 ? from.position : to.position;
+      if (Outside(model, end) > kAtRangeRad) return Fail(OutOfRange(joint, model, end), along);
+    }
     AxisLimits& limits = motion_.limits_[j];
     limits = {model.velocity_rad_s.value * scale.velocity,
               model.acceleration_rad_s2.value * scale.acceleration,
@@ -172,8 +175,8 @@ class JointPlanner {
   JointMotion& motion_;
   std::array<SevenPhases, kJoints> phases_;      // between rests
   std::array<AxisTransfer, kJoints> transfers_;  // otherwise
-  std::array<bool, kJoints> moving_;             // otherwise
-  double least_s_ = 0;                           // for the former
+  std::array<bool, kJoints> moving_;             // which it is
+  double least_s_ = 0;                           // for all between rests
 };
 
 MotionState JointMotion::At(double t_s) const {
