@@ -8,6 +8,7 @@
 #include <qal/solve/kinematics.h>
 
 #include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <fstream>
@@ -74,7 +75,7 @@ std::string Header() {
   return header + '\n';
 }
 
-// The columns of the header, in numbers that read back to the same double.
+// The columns of the header, in the shortest numbers that read back to the same double.
 std::string Row(const qal::Sample& sample) {
   const auto& [p, o] = sample.pose;
   std::vector<double> numbers = {sample.time_s};
@@ -88,8 +89,8 @@ std::string Row(const qal::Sample& sample) {
   std::string row;
   for (const double number : numbers) {
     char text[32];
-    std::snprintf(text, sizeof text, "%.17g", number);
-    row.append(row.empty() ? "" : ",").append(text);
+    row.append(row.empty() ? "" : ",");
+    row.append(text, std::to_chars(text, text + sizeof text, number).ptr);
   }
   return row + '\n';
 }
