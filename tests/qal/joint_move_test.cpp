@@ -396,7 +396,7 @@ TEST(JointMove, HasAWholeNumberOfCyclesAndSaysWhatBinds) {
   ASSERT_EQ(samples->size(), 15u);
   EXPECT_EQ(samples->front().joints, move.from.joints);
   EXPECT_EQ(samples->back().joints, move.to.joints);
-  const auto slower = PlanJoint(arm, move.from, move.to, {{}, 14 * 0.2});
+  const auto slower = PlanJoint(arm, move.from, move.to, {{}, 2.8});
   for (size_t i = 0; i < samples->size(); ++i) {
     const Sample& sample = (*samples)[i];
     EXPECT_DOUBLE_EQ(sample.time_s, 0.2 * static_cast<double>(i));

@@ -16,6 +16,10 @@ double WholeCycles(double duration_s, double cycle_s) {
   return std::ceil(duration_s / cycle_s - kRounding);
 }
 
+// The time of a sample. With a cycle of whole milliseconds it is the nearest double, as 0.165 is:
+// 0.005 isn't exact, and its error would show.
+double TimeOf(double cycles, double cycle_s) { return cycles * (cycle_s * 1000) / 1000; }
+
 PlanFailure TooMany(double cycles) {
   return {{Reason::kTooManyPoints, -1, cycles + 1, kMostSamples}};
 }
@@ -24,7 +28,7 @@ Result<Trajectory, PlanFailure> Played(const Arm& arm, const JointMotion& motion
   Trajectory samples;
   samples.reserve(cycles + 1);
   for (size_t i = 0; i <= cycles; ++i) {
-    const double time_s = static_cast<double>(i) * arm.cycle_s().value;
+    const double time_s = TimeOf(static_cast<double>(i), arm.cycle_s().value);
     const auto [joints, velocities, accelerations] = i < cycles ? motion.At(time_s) : motion.to();
     const Result<Pose> pose = Forward(arm, joints);
     if (!pose) {
@@ -44,14 +48,14 @@ Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotion& motio
   const double cycle_s = arm.cycle_s().value;
   double cycles = WholeCycles(motion.duration_s(), cycle_s);
   if (cycles >= kMostSamples) return TooMany(cycles);
-  if (motion.duration_s() >= cycles * cycle_s) {
+  if (motion.duration_s() >= TimeOf(cycles, cycle_s)) {
     return Played(arm, motion, static_cast<size_t>(cycles));
   }
   for (;;) {
     const auto slower =
-        PlanJoint(arm, motion.from(), motion.to(), {motion.scale(), cycles * cycle_s});
+        PlanJoint(arm, motion.from(), motion.to(), {motion.scale(), TimeOf(cycles, cycle_s)});
     if (!slower) return slower.error();
-    if (slower->duration_s() == cycles * cycle_s) {
+    if (slower->duration_s() == TimeOf(cycles, cycle_s)) {
       return Played(arm, *slower, static_cast<size_t>(cycles));
     }
     // It can't take as long as that, but longer.
@@ -64,14 +68,16 @@ Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion
   const double cycle_s = arm.cycle_s().value;
   const double cycles = WholeCycles(motion.duration_s(), cycle_s);
   if (cycles >= kMostSamples) return TooMany(cycles);
-  const LineMotion played = motion.InDuration(cycles * cycle_s);
+  const LineMotion played = motion.InDuration(TimeOf(cycles, cycle_s));
+  const auto last = static_cast<size_t>(cycles);
   Trajectory samples;
-  samples.reserve(static_cast<size_t>(cycles) + 1);
-  for (double i = 0; i <= cycles; ++i) {
+  samples.reserve(last + 1);
+  for (size_t i = 0; i <= last; ++i) {
+    const double time_s = TimeOf(static_cast<double>(i), cycle_s);
     // The motion may be longer than that by its rounding.
-    const double time_s = i < cycles ? i * cycle_s : played.duration_s();
-    const auto [joints, velocities, accelerations] = played.At(time_s);
-    samples.push_back({i * cycle_s, joints, velocities, accelerations, played.PoseAt(time_s)});
+    const double played_s = i < last ? time_s : played.duration_s();
+    const auto [joints, velocities, accelerations] = played.At(played_s);
+    samples.push_back({time_s, joints, velocities, accelerations, played.PoseAt(played_s)});
   }
   return samples;
 }
