@@ -83,6 +83,22 @@ def draw_joint_move(data, name, prefix="qd", unit="rad_s", label="joint speed [r
     save(figure, name)
 
 
+def draw_limited(data, name, tool):
+    """Speeds and accelerations as planned; the tool's speed or the joint angles beside them."""
+    figure, axes = plt.subplots(1, 3, figsize=(10.5, 2.8))
+    time = data["time_s"]
+    if tool:
+        position = np.stack([data[f"{axis}_m"] for axis in "xyz"], axis=1)
+        speed = np.linalg.norm(np.gradient(position, time, axis=0), axis=1)
+        axes[0].plot(time, speed, color="black")
+        axes[0].set(xlabel="time [s]", ylabel="tool speed [m/s]", ylim=(0, None))
+    else:
+        draw_joints(axes[0], time, joints(data, "q", "rad"), "joint angle [rad]")
+    draw_joints(axes[1], time, joints(data, "qd", "rad_s"), "joint speed [rad/s]")
+    draw_joints(axes[2], time, joints(data, "qdd", "rad_s2"), "joint acceleration [rad/s²]")
+    save(figure, name)
+
+
 def draw_s_curve(data, length, name):
     """Fraction of the way, speed and acceleration of the tool."""
     position = np.stack([data[f"{axis}_m"] for axis in "xyz"], axis=1)
@@ -151,7 +167,14 @@ def main():
                    "--acc", "1", "--jerk", "10", "--motor-rpm", "3000")
     draw_s_curve(s_curve, 0.2, "line_s_curve.svg")
 
+    # Past the wrist's singularity at 2 degrees.
+    past = ["line", "--from", *"0.35 -0.31 0.22 -0.04 0.29 1.72".split(), "--by", "0.1", "0", "-0.2"]
+    draw_limited(plan(bin_dir, *past), "line_limited.svg", tool=True)
+    draw_limited(plan(bin_dir, *past, "--max-orientation-error", "0.05"), "line_past_wrist.svg",
+                 tool=True)
+
     move = ["joint", "--from", *START, "--to", *"0.9 0.1 -0.2 -0.6 1.2 0.4".split()]
+    draw_limited(plan(bin_dir, *move), "joint_limited.svg", tool=False)
     draw_joint_move(plan(bin_dir, *move, "--profile", "fixed", "--speed", "40"), "joint_fixed.svg")
     draw_joint_move(plan(bin_dir, *move, "--profile", "ramp", "--speed", "80"), "joint_ramp.svg")
     draw_joint_move(plan(bin_dir, *move, "--profile", "trapezoid", "--speed", "40", "--acc", "5000"),
