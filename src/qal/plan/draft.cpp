@@ -100,20 +100,21 @@ Draft Spaced(const Draft& draft, const JointPath& path, double step_s) {
   TimedDraft timed(draft);
   // Fewer would not show the phases of a short motion.
   constexpr double kLeast = 24;
-  const double count = std::max(kLeast, std::ceil(timed.duration_s() / step_s));
+  const auto count = static_cast<int>(std::max(kLeast, std::ceil(timed.duration_s() / step_s)));
   const double interval_s = timed.duration_s() / count;
   std::vector<double> times;
   size_t piece = 0;
   double before = 0;
-  for (double i = 1; i <= count; ++i) {
+  for (int i = 1; i <= count; ++i) {
     const double s = i < count ? timed.At(i * interval_s).first : 1;
     double shortest = path.length(piece);
     for (; piece + 1 < path.size() && path.begin(piece + 1) < s; ++piece) {
       shortest = std::min(shortest, path.length(piece + 1));
     }
-    const double parts = std::ceil(3 * (s - before) / shortest);
-    for (double part = 1; part <= parts; ++part) {
-      times.push_back((i - 1 + part / parts) * interval_s);
+    constexpr double kPartsOfPiece = 3;
+    const auto parts = static_cast<int>(std::ceil(kPartsOfPiece * (s - before) / shortest));
+    for (int part = 1; part <= parts; ++part) {
+      times.push_back((i - 1 + static_cast<double>(part) / parts) * interval_s);
     }
     before = s;
   }

@@ -21,8 +21,8 @@ TimeLaw SevenPhaseLaw(const SevenPhases& phases, double step_s) {
     const bool final = i + 1 == motion.size();
     const double length_s =
         (final ? phases.duration_s() : motion.begin_s(i + 1)) - motion.begin_s(i);
-    const double parts = std::max(1.0, std::ceil(length_s / step_s));
-    for (double part = 1; part <= parts; ++part) {
+    const auto parts = static_cast<int>(std::max(1.0, std::ceil(length_s / step_s)));
+    for (int part = 1; part <= parts; ++part) {
       const AxisState end = motion.cubic(i).At(length_s * part / parts);
       const bool stops = final && part == parts;
       law.Append({stops ? 1.0 : end.position, stops ? 0.0 : end.velocity,

@@ -1,6 +1,6 @@
 #include "joint_path.h"
 
-#include <algorithm>
+#include "pieces.h"
 
 namespace qal {
 
@@ -38,20 +38,11 @@ void JointPath::CutAfter(double s) {
   if (end.s > last_.s) Append(end);
 }
 
-size_t JointPath::PieceAt(double s, size_t near) const {
-  const auto holds = [&](size_t i) {
-    return s >= pieces_[i].begin && (i + 1 == pieces_.size() || s < pieces_[i + 1].begin);
-  };
-  if (near < pieces_.size() && holds(near)) return near;
-  if (near + 1 < pieces_.size() && holds(near + 1)) return near + 1;
-  const auto after = std::upper_bound(pieces_.begin(), pieces_.end(), s,
-                                      [](double x, const Piece& p) { return x < p.begin; });
-  return after == pieces_.begin() ? 0 : static_cast<size_t>(after - pieces_.begin()) - 1;
-}
+size_t JointPath::PieceAt(double s, size_t near) const { return PieceHolding(pieces_, s, near); }
 
 PathPoint JointPath::At(double s, size_t piece) const {
-  const auto& [begin, length, c] = pieces_[piece];
-  const double u = (s - begin) / length;
+  const auto& [from, span, c] = pieces_[piece];
+  const double u = (s - from) / span;
   PathPoint point = {s, c[7], {}, {}, {}};
   // Horner's scheme for the polynomial, its derivative, and halves and sixths of the next two.
   for (int power = 6; power >= 0; --power) {
@@ -63,7 +54,7 @@ PathPoint JointPath::At(double s, size_t piece) const {
       point.value[j] = point.value[j] * u + add[j];
     }
   }
-  const double one = 1 / length;
+  const double one = 1 / span;
   const double two = 2 * one * one;
   const double three = 3 * two * one;
   for (size_t j = 0; j < 6; ++j) {

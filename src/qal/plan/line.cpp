@@ -214,14 +214,14 @@ std::vector<Binding> LineMotion::bindings() const {
   const double of_tool[] = {limits.speed_m_s, limits.acceleration_m_s2, limits.jerk_m_s3};
   const double of_turn[] = {limits.turn_speed_rad_s, limits.turn_acceleration_rad_s2,
                             limits.turn_jerk_rad_s3};
-  const Joints* const of_joints[] = {&along.joint_velocity, &along.joint_acceleration,
-                                     &along.joint_jerk};
+  const JointRates of_joints = {along.joint_velocity, along.joint_acceleration, along.joint_jerk};
   // What binds is looked for once a cycle, in the middle of it.
   constexpr double kMostLooks = 1e5;
-  const double looks = std::min(kMostLooks, std::ceil(duration_s() / held_->arm.cycle_s().value));
+  const auto looks =
+      static_cast<int>(std::min(kMostLooks, std::ceil(duration_s() / held_->arm.cycle_s().value)));
   const double look_s = duration_s() / looks;
   std::array<std::array<Stretches, 3>, 8> stretches;  // of tool, turn and joints; by derivative
-  for (double i = 0; i < looks; ++i) {
+  for (int i = 0; i < looks; ++i) {
     const PathMoment moment = held_->MomentAt((i + 0.5) * look_s);
     const JointRates rates = RatesOf(held_->joints.At(moment.s), moment);
     const double of_s[] = {moment.speed, moment.acceleration, moment.jerk};
@@ -234,7 +234,7 @@ std::vector<Binding> LineMotion::bindings() const {
       };
       add(6, length_m() * of_s[order], of_tool[order]);
       add(7, angle_rad() * of_s[order], of_turn[order]);
-      for (size_t j = 0; j < 6; ++j) add(j, rates[order][j], (*of_joints[order])[j]);
+      for (size_t j = 0; j < 6; ++j) add(j, rates[order][j], of_joints[order][j]);
     }
   }
   constexpr Limit kKinds[3][3] = {

@@ -54,21 +54,24 @@ Load Larger(const Load& a, const Load& b) {
 Load LoadMeter::At(double time_s) const { return LoadAt(here_, law_.At(time_s, piece_), limits_); }
 
 void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
-  const size_t before = path_piece_;
-  const double s = std::clamp(law_.At(to_s, piece_).s, 0.0, 1.0);
-  const size_t there = path_.PieceAt(s, before);
   // A law that is faster than its numbers can tell is none.
   constexpr double kShortestS = 1e-9;
-  const bool passes = there > before + 1 || s - here_.s > path_.length(there) / 2;
-  if (passes && to_s - from_s > kShortestS) {
-    const double middle_s = (from_s + to_s) / 2;
-    MoveTo(from_s, middle_s, most);
-    MoveTo(middle_s, to_s, most);
-    return;
+  double step_s = to_s - from_s;
+  for (double at_s = from_s; at_s < to_s;) {
+    const double next_s = step_s < to_s - at_s ? at_s + step_s : to_s;
+    const double s = std::clamp(law_.At(next_s, piece_).s, 0.0, 1.0);
+    const size_t there = path_.PieceAt(s, path_piece_);
+    const bool passes = there > path_piece_ + 1 || s - here_.s > path_.length(there) / 2;
+    if (passes && step_s > kShortestS) {
+      step_s /= 2;
+      continue;
+    }
+    path_piece_ = there;
+    here_ = path_.At(s, there);
+    most = Larger(most, At(next_s));
+    at_s = next_s;
+    step_s *= 2;
   }
-  path_piece_ = there;
-  here_ = path_.At(s, there);
-  most = Larger(most, At(to_s));
 }
 
 Load LoadMeter::Next() {

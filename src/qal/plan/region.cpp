@@ -53,7 +53,7 @@ HalfPlane Region::Edge(size_t i) const {
 
 // I. E. Sutherland and G. W. Hodgman, "Reentrant polygon clipping", CACM 17 (1974).
 void Region::Cut(const HalfPlane& plane) {
-  double excess[kMostCorners];
+  double excess[kMostCorners] = {};
   bool all = true;
   for (size_t i = 0; i < size_; ++i) {
     excess[i] = plane.Excess(corners_[i].state);
@@ -84,7 +84,7 @@ void Region::Cut(const HalfPlane& plane) {
 }
 
 void Region::KeepInside() {
-  const auto end = corners_.begin() + static_cast<std::ptrdiff_t>(size_);
+  auto* const end = corners_.begin() + static_cast<std::ptrdiff_t>(size_);
   size_ = static_cast<size_t>(
       std::remove_if(corners_.begin(), end,
                      [](const Corner& c) { return !c.known || c.outside > 0; }) -

@@ -53,8 +53,8 @@ class Screws {
     Vector3 point;
     Vector3 direction;
   };
-  std::array<Axis, 6> axes_;  // with all joints at zero, in the base frame
-  Frame tool_;                // likewise
+  std::array<Axis, 6> axes_ = {};  // with all joints at zero, in the base frame
+  Frame tool_ = {};                // likewise
 };
 
 }  // namespace qal

@@ -1,6 +1,6 @@
 #include "time_law.h"
 
-#include <algorithm>
+#include "pieces.h"
 
 namespace qal {
 
@@ -24,20 +24,12 @@ void TimeLaw::Append(const PathMoment& moment, double after_s) {
 }
 
 size_t TimeLaw::PieceAt(double time_s, size_t near) const {
-  const auto holds = [&](size_t i) {
-    return time_s >= pieces_[i].begin_s &&
-           (i + 1 == pieces_.size() || time_s < pieces_[i + 1].begin_s);
-  };
-  if (near < pieces_.size() && holds(near)) return near;
-  if (near + 1 < pieces_.size() && holds(near + 1)) return near + 1;
-  const auto after = std::upper_bound(pieces_.begin(), pieces_.end(), time_s,
-                                      [](double t, const Piece& p) { return t < p.begin_s; });
-  return after == pieces_.begin() ? 0 : static_cast<size_t>(after - pieces_.begin()) - 1;
+  return PieceHolding(pieces_, time_s, near);
 }
 
 PathMoment TimeLaw::At(double time_s, size_t piece) const {
-  const auto& [begin_s, length_s, c] = pieces_[piece];
-  const double t = time_s - begin_s;
+  const double(&c)[6] = pieces_[piece].coefficient;
+  const double t = time_s - pieces_[piece].begin;
   return {c[0] + t * (c[1] + t * (c[2] + t * (c[3] + t * (c[4] + t * c[5])))),
           c[1] + t * (2 * c[2] + t * (3 * c[3] + t * (4 * c[4] + t * 5 * c[5]))),
           2 * c[2] + t * (6 * c[3] + t * (12 * c[4] + t * 20 * c[5])),
@@ -48,8 +40,8 @@ TimeLaw TimeLaw::Slower(double factor) const {
   TimeLaw slower = *this;
   slower.duration_s_ *= factor;
   for (Piece& piece : slower.pieces_) {
-    piece.begin_s *= factor;
-    piece.length_s *= factor;
+    piece.begin *= factor;
+    piece.length *= factor;
     double power = 1;
     for (double& c : piece.coefficient) {
       c *= power;

@@ -25,8 +25,8 @@ class TimeLaw {
 
   double duration_s() const { return duration_s_; }
   size_t size() const { return pieces_.size(); }
-  double begin_s(size_t piece) const { return pieces_[piece].begin_s; }
-  double length_s(size_t piece) const { return pieces_[piece].length_s; }
+  double begin_s(size_t piece) const { return pieces_[piece].begin; }
+  double length_s(size_t piece) const { return pieces_[piece].length; }
 
   /// The piece at a time. Quick where it is `near` or one after it.
   size_t PieceAt(double time_s, size_t near = 0) const;
@@ -38,9 +38,9 @@ class TimeLaw {
 
  private:
   struct Piece {
-    double begin_s;
-    double length_s;
-    double coefficient[6];  // of powers of time_s - begin_s
+    double begin;  // [s], as is the next
+    double length;
+    double coefficient[6];  // of powers of time_s - begin
   };
   std::vector<Piece> pieces_;
   PathMoment last_ = {};

@@ -162,9 +162,11 @@ std::optional<WristPass> PassWrist(const Arm& arm, const Screws& screws, const L
   const LineSolver solver(screws, line);
   constexpr double kLongest = 0.25;
   constexpr double kShortest = 1e-6;
-  for (double half = std::min({kLongest, place - after, 1 - place}); half > kShortest; half /= 2) {
+  double half = std::min({kLongest, place - after, 1 - place});
+  while (half > kShortest) {
     const double begin = place - half;
     const double end = place + half;
+    half /= 2;
     JointPath led = joints;
     led.CutAfter(begin);
     // Beyond the singularity the joints next to those before it are those of the flipped wrist.
