@@ -100,7 +100,8 @@ Draft Spaced(const Draft& draft, const JointPath& path, double step_s) {
   TimedDraft timed(draft);
   // Fewer would not show the phases of a short motion.
   constexpr double kLeast = 24;
-  const auto count = static_cast<int>(std::max(kLeast, std::ceil(timed.duration_s() / step_s)));
+  const double steps = std::ceil(timed.duration_s() / step_s);
+  const auto count = static_cast<int>(std::clamp(steps, kLeast, kMostSteps));
   const double interval_s = timed.duration_s() / count;
   std::vector<double> times;
   size_t piece = 0;
@@ -112,7 +113,9 @@ Draft Spaced(const Draft& draft, const JointPath& path, double step_s) {
       shortest = std::min(shortest, path.length(piece + 1));
     }
     constexpr double kPartsOfPiece = 3;
-    const auto parts = static_cast<int>(std::ceil(kPartsOfPiece * (s - before) / shortest));
+    constexpr double kMostParts = 100;
+    const auto parts =
+        static_cast<int>(std::min(kMostParts, std::ceil(kPartsOfPiece * (s - before) / shortest)));
     for (int part = 1; part <= parts; ++part) {
       times.push_back((i - 1 + static_cast<double>(part) / parts) * interval_s);
     }

@@ -16,6 +16,9 @@ struct Draft {
   std::vector<double> half;    ///< at half the time between two places
 };
 
+/// Steps of a motion at the most, so that one of days takes no more memory than one of minutes.
+constexpr double kMostSteps = 50000;
+
 /// A motion about as fast as the limits let it, by places `step_s` apart, and closer where the
 /// path's pieces are shorter: there the joints bend most.
 Draft DraftOf(const JointPath& path, const PathLimits& limits, double step_s);

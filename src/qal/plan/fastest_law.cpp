@@ -58,6 +58,18 @@ void Redraft(const TimeLaw& law, Draft& draft) {
   }
 }
 
+// How far apart in time the states of a motion are: so that phases of jerk are seen, of s and of
+// the joints; otherwise some cycles, to be about as fine as what is played of it.
+double StepOf(const SevenPhases& phases, const PathLimits& limits, double cycle_s) {
+  double joints_s = INFINITY;
+  for (size_t j = 0; j < 6; ++j) {
+    joints_s = std::min(joints_s, limits.joint_acceleration[j] / limits.joint_jerk[j]);
+  }
+  const double longest_s = std::max(6 * cycle_s, joints_s / 2);
+  const double step_s = std::clamp(phases.jerk_s / 4, 2 * cycle_s, longest_s);
+  return std::max(step_s, phases.duration_s() / kMostSteps);
+}
+
 // How much slower a law has to be; no more is looked at once it is more than `enough`.
 double SlowdownOf(const JointPath& path, const PathLimits& limits, const TimeLaw& law,
                   double enough) {
@@ -72,20 +84,22 @@ double SlowdownOf(const JointPath& path, const PathLimits& limits, const TimeLaw
 }  // namespace
 
 TimeLaw FastestLaw(const JointPath& path, const PathLimits& limits, double cycle_s) {
-  // Of the jerk's phases, which are to be seen, and of the cycle, to be about as fine as what is
-  // played of it.
   const SevenPhases phases = FastestPhases(1, {limits.speed, limits.acceleration, limits.jerk});
-  const double step_s = std::clamp(phases.jerk_s / 4, 2 * cycle_s, 6 * cycle_s);
-  // Rounding of the limits' own quotients.
+  const double step_s = StepOf(phases, limits, cycle_s);
+  // No motion is faster than by the limits of s alone. Rounding of quotients is no reason to slow
+  // down, and to be as near to that as this is near enough.
   constexpr double kRounding = 1e-9;
+  constexpr double kNearly = 1.005;
   TimeLaw best = SevenPhaseLaw(phases, step_s);
-  if (SlowdownOf(path, limits, best, 1 + kRounding) <= 1 + kRounding) return best;
+  const double slowdown = SlowdownOf(path, limits, best, kNearly);
+  if (slowdown <= 1 + kRounding) return best;
+  if (slowdown <= kNearly) return best.Slower(slowdown);
 
   Draft draft = DraftOf(path, limits, step_s);
   std::vector<Margin> margin(draft.places.size() - 1);
   // Each round has a better draft, and margins where the limits were exceeded between the places.
   constexpr int kRounds = 8;
-  constexpr double kEnough = 5e-3;
+  constexpr double kEnough = 8e-3;
   double best_s = INFINITY;
   for (int round = 0; round < kRounds; ++round) {
     const std::vector<PathState> states = FastestStates(path, limits, draft, margin);

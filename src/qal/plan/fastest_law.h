@@ -9,7 +9,7 @@
 namespace qal {
 
 /// The fastest motion from rest to rest along a path that keeps all limits.
-/// @param cycle_s of the arm: the states that it is made of are 2 to 6 cycles apart
+/// @param cycle_s of the arm: the states that it is made of are 4 cycles apart or more
 TimeLaw FastestLaw(const JointPath& path, const PathLimits& limits, double cycle_s);
 
 }  // namespace qal

@@ -24,12 +24,10 @@ struct [[gnu::visibility("hidden")]] LineMotion::Held {
   Arm arm;
   std::vector<WristPass> passes = {};
 
-  bool OffOrientation(double s) const {
-    return std::any_of(passes.begin(), passes.end(),
-                       [s](const WristPass& pass) { return pass.begin < s && s < pass.end; });
-  }
-
   bool moves() const { return law.size() > 0; }
+  const State* EndAt(double time_s) const;
+  MotionState StateAt(const PathMoment& moment) const;
+  Pose PoseAt(double s) const;
   PathMoment MomentAt(double time_s) const {
     PathMoment moment = law.At(time_s);
     moment.s = std::clamp(moment.s, 0.0, 1.0);
@@ -152,25 +150,46 @@ double LineMotion::AlongAt(double time_s) const {
   return time_s < duration_s() ? held_->MomentAt(time_s).s : 1;
 }
 
-MotionState LineMotion::At(double time_s) const {
-  if (!(time_s > 0) || !held_->moves()) return {held_->start.joints, {}, {}};
-  if (!(time_s < duration_s())) return {held_->end.joints, {}, {}};
-  const PathMoment moment = held_->MomentAt(time_s);
-  const PathPoint q = held_->joints.At(moment.s);
+// Before the motion its start, after it its end; of a motion that is none the start.
+const State* LineMotion::Held::EndAt(double time_s) const {
+  if (!(time_s > 0) || !moves()) return &start;
+  return time_s < law.duration_s() ? nullptr : &end;
+}
+
+MotionState LineMotion::Held::StateAt(const PathMoment& moment) const {
+  const PathPoint q = joints.At(moment.s);
   const JointRates rates = RatesOf(q, moment);
   return {q.value, rates[0], rates[1]};
 }
 
-Pose LineMotion::PoseAt(double time_s) const {
-  if (!(time_s > 0)) return held_->start.pose;
-  if (!(time_s < duration_s())) return held_->end.pose;
-  const double s = held_->MomentAt(time_s).s;
-  Pose pose = held_->line.At(s);
-  if (held_->OffOrientation(s)) {
-    const auto is = Forward(held_->arm, held_->joints.At(s).value);
-    if (is) pose.orientation = SignedAs(is->orientation, pose.orientation);
-  }
+Pose LineMotion::Held::PoseAt(double s) const {
+  Pose pose = line.At(s);
+  const bool off = std::any_of(passes.begin(), passes.end(), [s](const WristPass& pass) {
+    return pass.begin < s && s < pass.end;
+  });
+  if (!off) return pose;
+  const auto is = Forward(arm, joints.At(s).value);
+  if (is) pose.orientation = SignedAs(is->orientation, pose.orientation);
   return pose;
+}
+
+MotionState LineMotion::At(double time_s) const {
+  if (const State* const end = held_->EndAt(time_s)) return {end->joints, {}, {}};
+  return held_->StateAt(held_->MomentAt(time_s));
+}
+
+Pose LineMotion::PoseAt(double time_s) const {
+  if (const State* const end = held_->EndAt(time_s)) return end->pose;
+  return held_->PoseAt(held_->MomentAt(time_s).s);
+}
+
+Sample LineMotion::SampleAt(double time_s) const {
+  if (const State* const end = held_->EndAt(time_s)) {
+    return {time_s, end->joints, {}, {}, end->pose};
+  }
+  const PathMoment moment = held_->MomentAt(time_s);
+  const auto [q, velocities, accelerations] = held_->StateAt(moment);
+  return {time_s, q, velocities, accelerations, held_->PoseAt(moment.s)};
 }
 
 LineMotion LineMotion::InDuration(double duration_s) const {

@@ -38,6 +38,8 @@ class QAL_API LineMotion {
   MotionState At(double time_s) const;
   /// Where the tool is. On the line the joints have this pose but for 1e-9 m and 1e-9 rad.
   Pose PoseAt(double time_s) const;
+  /// Both at once.
+  Sample SampleAt(double time_s) const;
   /// How much of the line is behind, 0 to 1.
   double AlongAt(double time_s) const;
 
@@ -62,7 +64,7 @@ class QAL_API LineMotion {
 /// limit: of the tool, of its turn, and velocity, acceleration and jerk of each joint, as the arm
 /// says, times `limits.scale`. Where a joint would be too fast the tool slows down.
 ///
-/// Limits are looked at four times in each of the time law's pieces, which are 2 to 6 cycles long,
+/// Limits are looked at four times in each of the time law's pieces, which are some cycles long,
 /// and so hold between samples to 1e-3 of themselves. Limits of jerk make the problem of the
 /// fastest motion a non-convex one: it is solved locally, to some thousandths as a rule.
 ///

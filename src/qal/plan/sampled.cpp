@@ -76,8 +76,8 @@ Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion
     const double time_s = TimeOf(static_cast<double>(i), cycle_s);
     // The motion may be longer than that by its rounding.
     const double played_s = i < last ? time_s : played.duration_s();
-    const auto [joints, velocities, accelerations] = played.At(played_s);
-    samples.push_back({time_s, joints, velocities, accelerations, played.PoseAt(played_s)});
+    samples.push_back(played.SampleAt(played_s));
+    samples.back().time_s = time_s;
   }
   return samples;
 }
