@@ -17,13 +17,9 @@ std::vector<PathPoint> PointsOf(const JointPath& path) {
   constexpr int kParts = 64;
   std::vector<PathPoint> points;
   for (size_t piece = 0; piece < path.size(); ++piece) {
-    const bool first = piece == 0;
-    const bool final = piece + 1 == path.size();
     for (int i = 0; i < kParts; ++i) {
-      double u = static_cast<double>(i) / kParts;
-      if (first && !final) u = u * u * u;
-      if (final && !first) u = 1 - (1 - u) * (1 - u) * (1 - u);
-      points.push_back(path.At(path.begin(piece) + u * path.length(piece), piece));
+      const double s = PlaceIn(path, piece, static_cast<double>(i) / kParts);
+      points.push_back(path.At(s, piece));
     }
   }
   points.push_back(path.At(1));

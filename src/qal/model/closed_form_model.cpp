@@ -22,15 +22,6 @@ constexpr double kExact = 1e-12;
 // in 100,000 where it differs by more, in metres and radians.
 constexpr double kNearOffsetWrist = 1e-9;
 
-// The angle of the rotation from one to the other.
-double AngleBetween(const Matrix3& a, const Matrix3& b) {
-  const Matrix3 rotation = Transposed(a) * b;
-  const Vector3 twice_sine = {{rotation[2][1] - rotation[1][2], rotation[0][2] - rotation[2][0],
-                               rotation[1][0] - rotation[0][1]}};
-  const double twice_cosine = rotation[0][0] + rotation[1][1] + rotation[2][2] - 1;
-  return std::atan2(Length(twice_sine), twice_cosine);
-}
-
 template <class Member>
 TipDifference Difference(const Member& member, const ArmDescription& arm, int joint_sets) {
   std::mt19937 engine(20261125);

@@ -65,6 +65,19 @@ inline double LargestDifference(const Frame& a, const Frame& b) {
   return largest;
 }
 
+/// The vector a of a matrix's antisymmetric part [a]x: of a rotation by a small angle, the rotation
+/// vector.
+inline Vector3 AxialVector(const Matrix3& m) {
+  return {{(m[2][1] - m[1][2]) / 2, (m[0][2] - m[2][0]) / 2, (m[1][0] - m[0][1]) / 2}};
+}
+
+/// The angle of the rotation from one orientation to the other, 0 to pi.
+inline double AngleBetween(const Matrix3& a, const Matrix3& b) {
+  const Matrix3 rotation = Transposed(a) * b;
+  const double twice_cosine = rotation[0][0] + rotation[1][1] + rotation[2][2] - 1;
+  return std::atan2(2 * Length(AxialVector(rotation)), twice_cosine);
+}
+
 /// The rotation by an angle [rad] about a unit axis.
 Matrix3 RotationMatrix(const Vector3& axis, double angle);
 

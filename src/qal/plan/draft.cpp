@@ -35,14 +35,9 @@ Draft Outline(const JointPath& path, const PathLimits& limits) {
   };
   constexpr int kParts = 8;
   for (size_t piece = 0; piece < path.size(); ++piece) {
-    const bool first = piece == 0;
-    const bool final = piece + 1 == path.size();
     for (int i = 0; i < kParts; ++i) {
-      // Towards the ends the places come closer, as the cube.
-      double u = static_cast<double>(i) / kParts;
-      if (first && !final) u = u * u * u;
-      if (final && !first) u = 1 - (1 - u) * (1 - u) * (1 - u);
-      add(path.begin(piece) + u * path.length(piece), piece);
+      const double s = PlaceIn(path, piece, static_cast<double>(i) / kParts);
+      add(s, piece);
     }
   }
   add(1, path.size() - 1);

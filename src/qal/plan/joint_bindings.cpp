@@ -8,6 +8,9 @@ namespace qal {
 
 namespace {
 
+// From which part of its limit on a rate is at it.
+constexpr double kBindsFrom = 0.999;
+
 // The stretches of a piece from `begin_s` to `end_s` in which a rate, which is `rate` from where it
 // begins, is at its limit.
 void AddStretches(const Quadratic& rate, double limit, double begin_s, double end_s,

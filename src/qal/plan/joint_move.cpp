@@ -6,6 +6,7 @@
 #include "../solve/kinematics.h"
 #include "axis_move.h"
 #include "axis_transfer.h"
+#include "joint_limits.h"
 #include "joint_refusal.h"
 #include "quadratic.h"
 
@@ -34,17 +35,6 @@ PlanFailure Failed(const Arm& arm, Error error, double along, const Joints& befo
   PlanFailure failure{std::move(error), along, {before, {}}};
   if (const Result<Pose> pose = Forward(arm, before)) failure.before.pose = *pose;
   return failure;
-}
-
-// How far a position is outside of a joint's range; below 0 inside.
-double Outside(const JointModel& model, double position_rad) {
-  return std::max(model.lower_rad.value - position_rad, position_rad - model.upper_rad.value);
-}
-
-Error OutOfRange(int joint, const JointModel& model, double position_rad) {
-  const double lower = model.lower_rad.value;
-  return {Reason::kJointRange, joint, position_rad,
-          position_rad < lower ? lower : model.upper_rad.value};
 }
 
 // When a joint leaves its range, in a piece that goes there in one direction from `begin_s` to
@@ -109,9 +99,7 @@ class JointPlanner {
       if (Outside(model, end) > kAtRangeRad) return Fail(OutOfRange(joint, model, end), along);
     }
     AxisLimits& limits = motion_.limits_[j];
-    limits = {model.velocity_rad_s.value * scale.velocity,
-              model.acceleration_rad_s2.value * scale.acceleration,
-              model.jerk_rad_s3.value * scale.jerk};
+    limits = ScaledLimits(model, scale);
     moving_[j] = IsMoving(from, to);
     if (!moving_[j]) {
       phases_[j] = FastestPhases(to.position - from.position, limits);

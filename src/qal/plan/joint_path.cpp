@@ -65,4 +65,13 @@ PathPoint JointPath::At(double s, size_t piece) const {
   return point;
 }
 
+double PlaceIn(const JointPath& path, size_t piece, double part) {
+  const bool first = piece == 0;
+  const bool final = piece + 1 == path.size();
+  const double left = 1 - part;
+  if (first && !final) part = part * part * part;
+  if (final && !first) part = 1 - left * left * left;
+  return path.begin(piece) + part * path.length(piece);
+}
+
 }  // namespace qal

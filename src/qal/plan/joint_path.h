@@ -52,6 +52,10 @@ class JointPath {
   PathPoint last_ = {};
 };
 
+/// A place in a piece, `part` of it from its beginning, from 0 to 1; but towards the ends of the
+/// path such places come closer together, as the cube.
+double PlaceIn(const JointPath& path, size_t piece, double part);
+
 }  // namespace qal
 
 #endif  // QAL_PLAN_JOINT_PATH_H_

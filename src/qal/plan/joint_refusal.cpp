@@ -1,9 +1,9 @@
 #include "joint_refusal.h"
 
 #include <cmath>
-#include <utility>
 
 #include "axis_transfer.h"
+#include "joint_limits.h"
 
 namespace qal {
 
@@ -12,6 +12,7 @@ namespace {
 constexpr int kJoints = 6;
 // A state that a motion within the limits was sampled at may be some roundings beyond them.
 constexpr double kAtLimit = 1 + 1e-10;
+
 }  // namespace
 
 // 0 times such a number is 0. By joint, so that sums don't wait for each other, and without
@@ -39,12 +40,7 @@ Error NotFinite(const MotionState& from, const MotionState& to) {
 }
 
 std::optional<Error> RefusedSetting(const JointLimits& limits) {
-  const auto& [velocity, acceleration, jerk] = limits.scale;
-  const std::pair<const char*, double> scales[] = {
-      {"velocity_scale", velocity}, {"acceleration_scale", acceleration}, {"jerk_scale", jerk}};
-  for (const auto& [name, value] : scales) {
-    if (!(value > 0 && value <= 1)) return Error{Reason::kSetting, -1, value, 1, name};
-  }
+  if (auto refused = RefusedScale(limits.scale)) return refused;
   if (limits.duration_s >= 0 && std::isfinite(limits.duration_s)) return std::nullopt;
   return Error{Reason::kSetting, -1, limits.duration_s, 0, "duration_s"};
 }

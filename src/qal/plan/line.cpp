@@ -5,7 +5,9 @@
 
 #include "../model/rotations.h"
 #include "../solve/kinematics.h"
+#include "../solve/solver_calls.h"
 #include "fastest_law.h"
+#include "joint_limits.h"
 #include "line_failure.h"
 #include "load.h"
 #include "stretches.h"
@@ -18,7 +20,6 @@ struct [[gnu::visibility("hidden")]] LineMotion::Held {
   JointPath joints;
   TimeLaw law;
   LineLimits limits;
-  PathLimits path_limits;
   State start;
   State end;
   Arm arm;
@@ -37,16 +38,6 @@ struct [[gnu::visibility("hidden")]] LineMotion::Held {
 
 namespace {
 
-std::optional<Error> RefusedScale(const char* name, double value) {
-  if (value > 0 && value <= 1) return std::nullopt;
-  return Error{Reason::kSetting, -1, value, value > 1 ? 1.0 : 0.0, name};
-}
-
-std::optional<Error> RefusedLimit(const char* name, double value) {
-  if (value > 0 && std::isfinite(value)) return std::nullopt;
-  return Error{Reason::kSetting, -1, value, 0, name};
-}
-
 std::optional<Error> RefusedLimits(const LineLimits& limits) {
   const std::pair<const char*, double> positive[] = {
       {"speed_m_s", limits.speed_m_s},
@@ -56,15 +47,9 @@ std::optional<Error> RefusedLimits(const LineLimits& limits) {
       {"turn_acceleration_rad_s2", limits.turn_acceleration_rad_s2},
       {"turn_jerk_rad_s3", limits.turn_jerk_rad_s3}};
   for (const auto& [name, value] : positive) {
-    if (auto refused = RefusedLimit(name, value)) return refused;
+    if (!(value > 0 && std::isfinite(value))) return Error{Reason::kSetting, -1, value, 0, name};
   }
-  const std::pair<const char*, double> scales[] = {
-      {"velocity_scale", limits.scale.velocity},
-      {"acceleration_scale", limits.scale.acceleration},
-      {"jerk_scale", limits.scale.jerk}};
-  for (const auto& [name, value] : scales) {
-    if (auto refused = RefusedScale(name, value)) return refused;
-  }
+  if (auto refused = RefusedScale(limits.scale)) return refused;
   constexpr double kMostErrorRad = 0.5;
   const double error = limits.max_orientation_error_rad;
   if (error >= 0 && error <= kMostErrorRad) return std::nullopt;
@@ -72,35 +57,20 @@ std::optional<Error> RefusedLimits(const LineLimits& limits) {
                "max_orientation_error_rad"};
 }
 
-std::optional<Error> RefusedPose(const Pose& pose) {
-  const auto& [position, orientation] = pose;
-  const auto& [w, x, y, z] = orientation;
-  for (const double value : {position.x, position.y, position.z, w, x, y, z}) {
-    if (!std::isfinite(value)) return Error{Reason::kNotFinite, -1, value};
-  }
-  // Below it a quaternion is a zero with rounding errors; above it, it has no square.
-  const double length = std::sqrt(w * w + x * x + y * y + z * z);
-  if (length > 1e-6 && std::isfinite(length)) return std::nullopt;
-  return Error{Reason::kNotAnOrientation, -1, length};
-}
-
-PathLimits LimitsAlong(const Arm& arm, const LineLimits& limits, double length_m,
-                       double angle_rad) {
-  // Of s, of which the whole line is 1.
+// Of s, of which the whole line is 1.
+PathLimits LimitsAlong(const Arm& arm, const LineLimits& limits, const LinePath& line) {
   const auto of_s = [&](double tool, double turn) {
-    return std::min(tool / length_m, turn / angle_rad);
+    return std::min(tool / line.length_m(), turn / line.angle_rad());
   };
-  PathLimits along = {of_s(limits.speed_m_s, limits.turn_speed_rad_s),
-                      of_s(limits.acceleration_m_s2, limits.turn_acceleration_rad_s2),
-                      of_s(limits.jerk_m_s3, limits.turn_jerk_rad_s3),
-                      {},
-                      {},
-                      {}};
+  PathLimits along = {};
+  along.speed = of_s(limits.speed_m_s, limits.turn_speed_rad_s);
+  along.acceleration = of_s(limits.acceleration_m_s2, limits.turn_acceleration_rad_s2);
+  along.jerk = of_s(limits.jerk_m_s3, limits.turn_jerk_rad_s3);
   for (size_t j = 0; j < 6; ++j) {
-    const JointModel& joint = arm.joints()[j];
-    along.joint_velocity[j] = limits.scale.velocity * joint.velocity_rad_s.value;
-    along.joint_acceleration[j] = limits.scale.acceleration * joint.acceleration_rad_s2.value;
-    along.joint_jerk[j] = limits.scale.jerk * joint.jerk_rad_s3.value;
+    const AxisLimits joint = ScaledLimits(arm.joints()[j], limits.scale);
+    along.joint_velocity[j] = joint.velocity;
+    along.joint_acceleration[j] = joint.acceleration;
+    along.joint_jerk[j] = joint.jerk;
   }
   return along;
 }
@@ -211,17 +181,16 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
   if (!screws) return PlanFailure{screws.error(), 0, before};
 
   const LinePath line(*start, to);
-  LineMotion::Held held = {line, {}, {}, limits, {}, before, {from.joints, line.At(1)}, arm};
+  LineMotion::Held held = {line, {}, {}, limits, before, {from.joints, line.At(1)}, arm};
   // A line of less is nothing that a motor does.
   constexpr double kNothing = 1e-12;
   if (line.length_m() > kNothing || line.angle_rad() > kNothing) {
     auto joints = JointsAlong(arm, *screws, line, from.joints, limits, held.passes);
     if (!joints) return joints.error();
     held.joints = *std::move(joints);
-    if (auto failure = OutOfRange(arm, line, held.joints)) return *failure;
+    if (auto failure = LeavesRange(arm, line, held.joints)) return *failure;
     held.end.joints = held.joints.last().value;
-    held.path_limits = LimitsAlong(arm, limits, line.length_m(), line.angle_rad());
-    held.law = FastestLaw(held.joints, held.path_limits, arm.cycle_s().value);
+    held.law = FastestLaw(held.joints, LimitsAlong(arm, limits, line), arm.cycle_s().value);
   }
   return LineMotion(std::make_shared<const LineMotion::Held>(std::move(held)));
 }
@@ -229,7 +198,7 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
 std::vector<Binding> LineMotion::bindings() const {
   if (!held_->moves()) return {};
   const LineLimits& limits = held_->limits;
-  const PathLimits& along = held_->path_limits;
+  const PathLimits along = LimitsAlong(held_->arm, limits, held_->line);
   const double of_tool[] = {limits.speed_m_s, limits.acceleration_m_s2, limits.jerk_m_s3};
   const double of_turn[] = {limits.turn_speed_rad_s, limits.turn_acceleration_rad_s2,
                             limits.turn_jerk_rad_s3};

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "../solve/kinematics.h"
+#include "joint_limits.h"
 
 namespace qal {
 
@@ -11,19 +12,6 @@ namespace {
 
 // Rounding puts a joint that stands at its limit beyond it.
 constexpr double kRoundingRad = 1e-9;
-
-// How far a joint is beyond the limit that is nearer, and which that is [rad].
-struct Excess {
-  double over;
-  double bound;
-};
-
-Excess ExcessOf(const JointModel& joint, double value) {
-  const double below = joint.lower_rad.value - value;
-  const double above = value - joint.upper_rad.value;
-  return below > above ? Excess{below, joint.lower_rad.value}
-                       : Excess{above, joint.upper_rad.value};
-}
 
 // Where a joint turns back between two places, at which its rates have opposite signs.
 double TurningPoint(const JointPath& path, size_t piece, size_t joint, double a, double b) {
@@ -60,10 +48,11 @@ std::vector<PathPoint> PointsOf(const JointPath& path) {
 
 }  // namespace
 
-std::optional<PlanFailure> OutOfRange(const Arm& arm, const LinePath& line, const JointPath& path) {
+std::optional<PlanFailure> LeavesRange(const Arm& arm, const LinePath& line,
+                                       const JointPath& path) {
   const std::vector<PathPoint> points = PointsOf(path);
   const auto out = [&arm](size_t joint, const PathPoint& point) {
-    return ExcessOf(arm.joints()[joint], point.value[joint]).over > kRoundingRad;
+    return Outside(arm.joints()[joint], point.value[joint]) > kRoundingRad;
   };
   size_t joint = 0;
   const auto leaves = [&](const PathPoint& point) {
@@ -83,14 +72,11 @@ std::optional<PlanFailure> OutOfRange(const Arm& arm, const LinePath& line, cons
   }
   const auto nearer = [&](const PathPoint& a, const PathPoint& b) {
     const JointModel& model = arm.joints()[joint];
-    return ExcessOf(model, a.value[joint]).over < ExcessOf(model, b.value[joint]).over;
+    return Outside(model, a.value[joint]) < Outside(model, b.value[joint]);
   };
   const double farthest = std::max_element(first, points.end(), nearer)->value[joint];
   PlanFailure failure;
-  failure.error.reason = Reason::kJointRange;
-  failure.error.joint = static_cast<int>(joint);
-  failure.error.value = farthest;
-  failure.error.bound = ExcessOf(arm.joints()[joint], farthest).bound;
+  failure.error = OutOfRange(static_cast<int>(joint), arm.joints()[joint], farthest);
   failure.along = inside;
   failure.before = {path.At(inside).value, line.At(inside)};
   return failure;

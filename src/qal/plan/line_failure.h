@@ -11,7 +11,7 @@
 namespace qal {
 
 /// Where joints first leave their range, and how far they would go.
-std::optional<PlanFailure> OutOfRange(const Arm& arm, const LinePath& line, const JointPath& path);
+std::optional<PlanFailure> LeavesRange(const Arm& arm, const LinePath& line, const JointPath& path);
 
 /// Why a line could be followed no further than `last`: the pose is out of reach, or the arm is
 /// singular.

@@ -1,17 +1,11 @@
 #include "line_path.h"
 
+#include "../../kinematics/solve/pose_encoding.h"
 #include "../model/rotations.h"
 
 namespace qal {
 
 namespace {
-
-Matrix3 MatrixOf(const Quat& q) {
-  const auto& [w, x, y, z] = q;
-  return {{{{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y)}},
-           {{2 * (x * y + w * z), 1 - 2 * (x * x + z * z), 2 * (y * z - w * x)}},
-           {{2 * (x * z - w * y), 2 * (y * z + w * x), 1 - 2 * (x * x + y * y)}}}};
-}
 
 Quat Normalized(const Quat& q) {
   const double length = std::sqrt(q.w * q.w + q.x * q.x + q.y * q.y + q.z * q.z);
@@ -44,8 +38,11 @@ Pose LinePath::At(double s) const {
 }
 
 Frame LinePath::FrameAt(double s) const {
-  const Pose pose = At(s);
-  return {MatrixOf(pose.orientation), ToVector(pose.position)};
+  const auto [p, q] = At(s);
+  double position[3];
+  double rotation[9];
+  EncodePose({p.x, p.y, p.z}, {q.w, q.x, q.y, q.z}, rotation, position);
+  return ToFrame(position, rotation);
 }
 
 // The tool's centre moves with `along`, so the point at the origin with along - turn x centre.

@@ -11,7 +11,6 @@ namespace qal {
 /// fixed axis by s times the angle, the shorter way.
 class LinePath {
  public:
-  LinePath() = default;
   LinePath(const Pose& from, const Pose& to);
 
   double length_m() const { return length_m_; }
@@ -24,12 +23,12 @@ class LinePath {
   Twist TwistRate() const;
 
  private:
-  Pose from_ = {};
-  Pose to_ = {};
-  Vector3 along_ = {};  // end - start
-  Vector3 axis_ = {};   // of the turn, in the base frame
-  double length_m_ = 0;
-  double angle_rad_ = 0;
+  Pose from_;
+  Pose to_;
+  Vector3 along_;  // end - start
+  Vector3 axis_;   // of the turn, in the base frame
+  double length_m_;
+  double angle_rad_;
 };
 
 }  // namespace qal

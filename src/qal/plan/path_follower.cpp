@@ -39,12 +39,6 @@ Joints Solved(const LinearSystem& equations, const Twist& right) {
   return equations.Solve({v[0], v[1], v[2], w[0], w[1], w[2]});
 }
 
-// The rotation vector from one orientation to another, of small rotations.
-Vector3 RotationBetween(const Matrix3& from, const Matrix3& to) {
-  const Matrix3 r = to * Transposed(from);
-  return {{(r[2][1] - r[1][2]) / 2, (r[0][2] - r[2][0]) / 2, (r[1][0] - r[0][1]) / 2}};
-}
-
 // The velocities of tool and joints are T = sum q_j' A_j; derived twice more
 //
 //     T'  = sum q_j'' A_j + q_j' A_j'
@@ -115,7 +109,7 @@ std::optional<PathPoint> LineSolver::Solve(double s, const Joints& guess) const 
     const PlacedArm placed = screws_.At(joints);
     const LinearSystem equations = EquationsOf(placed.axes);
     if (!(equations.smallest_pivot() > kSingularPivot)) return std::nullopt;
-    const Vector3 turn = RotationBetween(placed.tool.rotation, target.rotation);
+    const Vector3 turn = AxialVector(target.rotation * Transposed(placed.tool.rotation));
     const Vector3 move = target.position - placed.tool.position;
     const Joints change = Solved(equations, {move - Cross(turn, placed.tool.position), turn});
     const double size = Largest(change, Joints{});
@@ -131,7 +125,7 @@ double LineSolver::Deviation(double s, const Joints& joints) const {
   const Frame target = line_.FrameAt(s);
   const Frame tool = screws_.At(joints).tool;
   return std::max(Length(target.position - tool.position),
-                  Length(RotationBetween(tool.rotation, target.rotation)));
+                  AngleBetween(tool.rotation, target.rotation));
 }
 
 double Follow(const PlaceSolver& solver, double to, JointPath& joints) {

@@ -14,12 +14,7 @@ Result<Screws> Screws::Of(const Arm& arm, const Joints& joints) {
   Screws screws;
   screws.tool_ = *tool;
   for (size_t j = 0; j < screws.axes_.size(); ++j) {
-    const auto& m = jacobian->element;
-    const Vector3 velocity = {{m[0][j], m[1][j], m[2][j]}};
-    const Vector3 angular = {{m[3][j], m[4][j], m[5][j]}};
-    const Vector3 direction = (1 / Length(angular)) * angular;
-    // With r from the axis straight to the tool's centre, v = a x r, and a x v = -r.
-    screws.axes_[j] = {tool->position + Cross(direction, velocity), direction};
+    screws.axes_[j] = AxisOf(*jacobian, j, tool->position);
   }
   const Result<Frame> expected = CallForward(arm, joints);
   if (!expected) return expected.error();

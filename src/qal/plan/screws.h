@@ -5,6 +5,7 @@
 
 #include "../model/arm.h"
 #include "../model/frames.h"
+#include "../model/lines.h"
 
 // Internal: an arm as the screws of its joints.
 namespace qal {
@@ -49,11 +50,7 @@ class Screws {
   PlacedArm At(const Joints& joints) const;
 
  private:
-  struct Axis {
-    Vector3 point;
-    Vector3 direction;
-  };
-  std::array<Axis, 6> axes_ = {};  // with all joints at zero, in the base frame
+  std::array<Line, 6> axes_ = {};  // with all joints at zero, in the base frame
   Frame tool_ = {};                // likewise
 };
 

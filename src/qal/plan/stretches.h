@@ -8,9 +8,6 @@
 
 namespace qal {
 
-/// Within which part of itself a rate is at its limit.
-constexpr double kBindsFrom = 0.999;
-
 /// The stretches of a motion in which one limit binds, told in the order of time.
 class Stretches {
  public:

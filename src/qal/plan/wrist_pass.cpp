@@ -141,12 +141,8 @@ double OrientationError(const Screws& screws, const LinePath& line, const JointP
   double largest = 0;
   for (int i = 0; i <= kLooks; ++i) {
     const double s = std::min(to, from + (to - from) * i / kLooks);
-    const Matrix3 turn =
-        screws.At(joints.At(s).value).tool.rotation * Transposed(line.FrameAt(s).rotation);
-    const Vector3 twice_sine = {
-        {turn[2][1] - turn[1][2], turn[0][2] - turn[2][0], turn[1][0] - turn[0][1]}};
-    const double twice_cosine = turn[0][0] + turn[1][1] + turn[2][2] - 1;
-    largest = Larger(largest, std::atan2(Length(twice_sine), twice_cosine));
+    const Matrix3 rotation = screws.At(joints.At(s).value).tool.rotation;
+    largest = Larger(largest, AngleBetween(line.FrameAt(s).rotation, rotation));
   }
   return largest;
 }

@@ -17,17 +17,9 @@ constexpr double kShortestQuaternion = 1e-6;
 
 std::optional<Error> RefusedRequest(const Pose& pose, const Joints& near,
                                     const InverseOptions& options) {
-  const auto& [position, q] = pose;
-  for (const double value : {position.x, position.y, position.z, q.w, q.x, q.y, q.z}) {
-    if (!std::isfinite(value)) return Error{Reason::kNotFinite, -1, value};
-  }
+  if (auto refused = RefusedPose(pose)) return refused;
   for (size_t j = 0; j < near.size(); ++j) {
     if (!std::isfinite(near[j])) return Error{Reason::kNotFinite, static_cast<int>(j), near[j]};
-  }
-  const double length2 = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
-  if (!std::isfinite(length2)) return Error{Reason::kNotFinite, -1, length2};
-  if (length2 < kShortestQuaternion * kShortestQuaternion) {
-    return Error{Reason::kNotAnOrientation, -1, std::sqrt(length2)};
   }
   // Written so that NaN fails.
   if (!(options.step_bound_rad >= 0)) {
@@ -101,6 +93,17 @@ class SolutionJudge {
 };
 
 }  // namespace
+
+std::optional<Error> RefusedPose(const Pose& pose) {
+  const auto& [position, q] = pose;
+  for (const double value : {position.x, position.y, position.z, q.w, q.x, q.y, q.z}) {
+    if (!std::isfinite(value)) return Error{Reason::kNotFinite, -1, value};
+  }
+  const double length2 = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
+  if (!std::isfinite(length2)) return Error{Reason::kNotFinite, -1, length2};
+  if (length2 >= kShortestQuaternion * kShortestQuaternion) return std::nullopt;
+  return Error{Reason::kNotAnOrientation, -1, std::sqrt(length2)};
+}
 
 Result<std::vector<Candidate>> Inverse(const Arm& arm, const Pose& pose, const Joints& near,
                                        const InverseOptions& options) {

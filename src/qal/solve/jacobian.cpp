@@ -3,15 +3,6 @@
 
 namespace qal {
 
-namespace {
-
-// The vector a of a matrix's antisymmetric part [a]x.
-Vector3 AxialVector(const Matrix3& m) {
-  return {{(m[2][1] - m[1][2]) / 2, (m[0][2] - m[2][0]) / 2, (m[1][0] - m[0][1]) / 2}};
-}
-
-}  // namespace
-
 // Rodrigues: a joint about the unit axis a through c takes the point p to
 //
 //     p(t) = c + cos(t) r + sin(t) (a x r) + (1 - cos(t)) (a . r) a,    r = p - c,
@@ -40,6 +31,16 @@ Result<JacobianMatrix> Jacobian(const Arm& arm, const Joints& joints) {
     }
   }
   return jacobian;
+}
+
+// With r from a point of it to the tool centre p, its velocity is v = a x r, and
+// v x a = r - (a . r) a leads from the axis straight to p.
+Line AxisOf(const JacobianMatrix& jacobian, size_t j, const Vector3& tool_centre) {
+  const auto& m = jacobian.element;
+  const Vector3 velocity = {{m[0][j], m[1][j], m[2][j]}};
+  const Vector3 angular = {{m[3][j], m[4][j], m[5][j]}};
+  const Vector3 direction = (1 / Length(angular)) * angular;
+  return {tool_centre - Cross(velocity, direction), direction};
 }
 
 }  // namespace qal

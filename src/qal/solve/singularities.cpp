@@ -58,16 +58,6 @@ double SmallestSingularValue(const JacobianMatrix& jacobian) {
   return smallest;
 }
 
-// Joint j's axis. With r from a point of it to the tool centre p, its velocity is v = a x r, and
-// v x a = r - (a . r) a leads from the axis straight to p.
-Line AxisOf(const JacobianMatrix& jacobian, int j, const Vector3& tool_centre) {
-  const auto& m = jacobian.element;
-  const Vector3 velocity = {{m[0][j], m[1][j], m[2][j]}};
-  const Vector3 angular = {{m[3][j], m[4][j], m[5][j]}};
-  const Vector3 direction = (1 / Length(angular)) * angular;
-  return {tool_centre - Cross(velocity, direction), direction};
-}
-
 bool Parallel(const Line& a, const Line& b) {
   return AngleBetween(a.direction, b.direction) <= kParallelRad;
 }
@@ -82,7 +72,7 @@ Result<Singularities> DistanceToSingularities(const Arm& arm, const Joints& join
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   Singularities result = {kNone, kNone, kNone, SmallestSingularValue(*jacobian)};
   Line axis[6];
-  for (int j = 0; j < 6; ++j) axis[j] = AxisOf(*jacobian, j, tool->position);
+  for (size_t j = 0; j < 6; ++j) axis[j] = AxisOf(*jacobian, j, tool->position);
   if (!Parallel(axis[1], axis[2]) || Parallel(axis[0], axis[1]) || Parallel(axis[4], axis[5])) {
     return result;
   }
