@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "../io/loaded_arm.h"
+#include "../src/qal/plan/line_path.h"
 #include "../src/qal/plan/path_follower.h"
 #include "seeded_lines.h"
 
@@ -29,8 +30,8 @@ std::vector<PathPoint> PointsOf(const JointPath& path) {
 nlohmann::json RowOf(const Arm& arm, const Line& line, const LineMotion& motion,
                      const std::string& name) {
   const auto screws = Screws::Of(arm, line.from.joints);
-  const LinePath path(*Forward(arm, line.from.joints), line.to);
-  const LineSolver solver(*screws, path);
+  const LinePath path(*Forward(arm, line.from.joints), line.to, 1);
+  const ToolSolver solver(*screws, path, 0);
   JointPath joints(*solver.Solve(0, line.from.joints));
   (void)Follow(solver, 1, joints);  // it does, as there is a plan
   const LineLimits& limits = line.limits;

@@ -12,6 +12,8 @@ namespace qal {
 struct [[gnu::visibility("hidden")]] Arm::Held {
   static Result<Arm> Make(const Solver& solver, const ArmDescription& description,
                           const ArmSettings& settings);
+  // Puts base and tool in place.
+  Result<Arm> Mount()&&;
 
   std::string name;
   std::array<JointModel, 6> joints;
@@ -69,12 +71,17 @@ Result<Arm> Arm::Held::Make(const Solver& solver, const ArmDescription& descript
   }
   held.cycle_s = {settings.cycle_s.value_or(kAssumedCycleS), settings.cycle_s.has_value()};
   if (const auto refused = ExpectPositive(-1, "cycle_s", held.cycle_s.value)) return *refused;
-  if (!IsFrame(settings.base)) return Error{Reason::kSetting, -1, 0, 0, "base"};
-  if (!IsFrame(settings.tool)) return Error{Reason::kSetting, -1, 0, 0, "tool"};
-  if (!IsIdentity(settings.base) || !IsIdentity(settings.tool)) {
-    held.mounted = std::make_shared<const MountedSolver>(solver, settings.base, settings.tool);
+  return std::move(held).Mount();
+}
+
+Result<Arm> Arm::Held::Mount() && {
+  if (!IsFrame(base)) return Error{Reason::kSetting, -1, 0, 0, "base"};
+  if (!IsFrame(tool)) return Error{Reason::kSetting, -1, 0, 0, "tool"};
+  mounted.reset();
+  if (!IsIdentity(base) || !IsIdentity(tool)) {
+    mounted = std::make_shared<const MountedSolver>(solver, base, tool);
   }
-  return Arm(std::make_shared<const Held>(std::move(held)));
+  return Arm(std::make_shared<const Held>(std::move(*this)));
 }
 
 Result<Arm> Arm::FromDescription(const ArmDescription& description, const ArmSettings& settings) {
@@ -93,6 +100,12 @@ Result<Arm> Arm::FromSolver(const Solver& solver, const ArmSettings& settings) {
 Result<Arm> Arm::FromSolver(const Solver& solver, const ArmDescription& description,
                             const ArmSettings& settings) {
   return Held::Make(solver, description, settings);
+}
+
+Result<Arm> Arm::WithTool(const Transform& tool) const {
+  Held held = *held_;
+  held.tool = tool;
+  return std::move(held).Mount();
 }
 
 Arm Arm::Reference() { return *FromSolver(Solver::Reference(), ReferenceSettings()); }

@@ -58,6 +58,11 @@ class QAL_API Arm {
   /// The reference arm: arms/reference.urdf with its motors.
   static Arm Reference();
 
+  /// The same arm with another tool.
+  /// @param tool the tool frame in the arm's tip frame
+  /// @return kSetting when it is no frame
+  Result<Arm> WithTool(const Transform& tool) const;
+
   const std::string& name() const;
   const std::array<JointModel, 6>& joints() const;
   Setting cycle_s() const;

@@ -3,16 +3,16 @@
 
 #include <vector>
 
-#include "joint_path.h"
-#include "path_limits.h"
+#include "limited_path.h"
+#include "region.h"
 
 // Internal: a first idea of a motion along a path.
 namespace qal {
 
-/// A motion from rest to rest along a path, by its speeds at places.
+/// A motion along a path to rest, by its speeds at places.
 struct Draft {
-  std::vector<double> places;  ///< from s = 0 to 1
-  std::vector<double> speed;   ///< there; at the ends 0
+  std::vector<double> places;  ///< from the path's begin to its end
+  std::vector<double> speed;   ///< there; at the end 0
   std::vector<double> half;    ///< at half the time between two places
 };
 
@@ -20,8 +20,9 @@ struct Draft {
 constexpr double kMostSteps = 50000;
 
 /// A motion about as fast as the limits let it, by places `step_s` apart, and closer where the
-/// path's pieces are shorter: there the joints bend most.
-Draft DraftOf(const JointPath& path, const PathLimits& limits, double step_s);
+/// path's pieces are shorter: there the joints bend most. Where sections meet there is a place.
+/// @param start_speed at the path's begin
+Draft DraftOf(const LimitedPath& path, double start_speed, double step_s);
 
 }  // namespace qal
 

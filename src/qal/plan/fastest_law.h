@@ -1,16 +1,30 @@
 #ifndef QAL_PLAN_FASTEST_LAW_H_
 #define QAL_PLAN_FASTEST_LAW_H_
 
-#include "joint_path.h"
-#include "path_limits.h"
+#include <optional>
+
+#include "limited_path.h"
+#include "region.h"
 #include "time_law.h"
 
 // Internal: how a path is driven along.
 namespace qal {
 
 /// The fastest motion from rest to rest along a path that keeps all limits.
-/// @param cycle_s of the arm: the states that it is made of are 4 cycles apart or more
-TimeLaw FastestLaw(const JointPath& path, const PathLimits& limits, double cycle_s);
+/// @param cycle_s of the arm: the states that it is made of are 2 cycles apart or more
+TimeLaw FastestLaw(const LimitedPath& path, double cycle_s);
+
+/// The fastest motion along a path from a state at its begin to rest.
+/// @param start within the limits, and such that there is a motion to rest from there
+/// @return nothing where none is found that keeps the limits to 3e-4 of them
+std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const PathState& start,
+                                      double cycle_s);
+
+/// A motion to rest made slower so that it takes this long. It begins as it did.
+TimeLaw SlowedTo(const TimeLaw& law, double duration_s);
+
+/// How much slower a law would have to be to keep the limits; 1 when it does.
+double SlowdownOf(const LimitedPath& path, const TimeLaw& law);
 
 }  // namespace qal
 

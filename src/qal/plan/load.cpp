@@ -7,27 +7,47 @@ namespace qal {
 
 namespace {
 
-// NaN is larger than any.
-double Larger(double a, double b) { return b <= a ? a : b; }
-
-// What a moment of a motion needs.
-Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathLimits& limits) {
-  const auto [velocities, accelerations, jerks] = RatesOf(joints, moment);
-  Load load = {std::fabs(moment.speed) / limits.speed,
-               std::fabs(moment.acceleration) / limits.acceleration,
-               std::fabs(moment.jerk) / limits.jerk};
-  for (size_t j = 0; j < 6; ++j) {
-    // What joints need between two looks is a little more than at them.
-    constexpr double kBetween = 1.0003;
-    load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / limits.joint_velocity[j]);
-    load.acceleration = std::max(
-        load.acceleration, kBetween * std::fabs(accelerations[j]) / limits.joint_acceleration[j]);
-    load.jerk = std::max(load.jerk, kBetween * std::fabs(jerks[j]) / limits.joint_jerk[j]);
-  }
-  return load;
+// A vector's derivatives by time, as multiples of limits of their lengths.
+Load LoadOf(const Vector3& first, const Vector3& second, const Vector3& third,
+            const PathMoment& moment, double speed, double acceleration, double jerk) {
+  const auto& [s, v, a, j] = moment;
+  return {Length(v * first) / speed, Length((v * v) * second + a * first) / acceleration,
+          Length((v * v * v) * third + (3 * v * a) * second + j * first) / jerk};
 }
 
 }  // namespace
+
+Load ToolLoad(const ToolRates& tool, const PathMoment& moment, const ToolLimits& limits) {
+  return LoadOf(tool.velocity, tool.acceleration, tool.jerk, moment, limits.speed,
+                limits.acceleration, limits.jerk);
+}
+
+Load TurnLoad(const ToolRates& tool, const PathMoment& moment, const ToolLimits& limits) {
+  return LoadOf(tool.turn, tool.turn_acceleration, tool.turn_jerk, moment, limits.turn_speed,
+                limits.turn_acceleration, limits.turn_jerk);
+}
+
+Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathSection& section) {
+  const auto [velocities, accelerations, jerks] = RatesOf(joints, moment);
+  Load load = {std::fabs(moment.speed) / section.speed,
+               std::fabs(moment.acceleration) / section.acceleration,
+               std::fabs(moment.jerk) / section.jerk};
+  // What is needed between two looks is a little more than at them.
+  constexpr double kBetween = 1.0003;
+  for (size_t j = 0; j < 6; ++j) {
+    load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / section.joint_velocity[j]);
+    load.acceleration = std::max(
+        load.acceleration, kBetween * std::fabs(accelerations[j]) / section.joint_acceleration[j]);
+    load.jerk = std::max(load.jerk, kBetween * std::fabs(jerks[j]) / section.joint_jerk[j]);
+  }
+  if (section.straight || section.tool == nullptr) return load;
+  const ToolRates tool = section.ToolAt(joints.s);
+  Load of_tool = Larger(ToolLoad(tool, moment, section.tool_limits),
+                        TurnLoad(tool, moment, section.tool_limits));
+  of_tool.acceleration *= kBetween;
+  of_tool.jerk *= kBetween;
+  return Larger(load, of_tool);
+}
 
 JointRates RatesOf(const PathPoint& joints, const PathMoment& moment) {
   const auto& [s, v, a, jerk] = moment;
@@ -51,7 +71,9 @@ Load Larger(const Load& a, const Load& b) {
           Larger(a.jerk, b.jerk)};
 }
 
-Load LoadMeter::At(double time_s) const { return LoadAt(here_, law_.At(time_s, piece_), limits_); }
+Load LoadMeter::At(double time_s) const {
+  return LoadAt(here_, law_.At(time_s, piece_), path_.sections[section_]);
+}
 
 void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
   // A law that is faster than its numbers can tell is none.
@@ -59,15 +81,16 @@ void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
   double step_s = to_s - from_s;
   for (double at_s = from_s; at_s < to_s;) {
     const double next_s = step_s < to_s - at_s ? at_s + step_s : to_s;
-    const double s = std::clamp(law_.At(next_s, piece_).s, 0.0, 1.0);
-    const size_t there = path_.PieceAt(s, path_piece_);
-    const bool passes = there > path_piece_ + 1 || s - here_.s > path_.length(there) / 2;
+    const double s = std::clamp(law_.At(next_s, piece_).s, path_.begin(), path_.end());
+    const size_t there = path_.joints.PieceAt(s, path_piece_);
+    const bool passes = there > path_piece_ + 1 || s - here_.s > path_.joints.length(there) / 2;
     if (passes && step_s > kShortestS) {
       step_s /= 2;
       continue;
     }
     path_piece_ = there;
-    here_ = path_.At(s, there);
+    here_ = path_.joints.At(s, there);
+    section_ = path_.SectionAt(s, section_);
     most = Larger(most, At(next_s));
     at_s = next_s;
     step_s *= 2;

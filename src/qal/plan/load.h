@@ -1,8 +1,7 @@
 #ifndef QAL_PLAN_LOAD_H_
 #define QAL_PLAN_LOAD_H_
 
-#include "joint_path.h"
-#include "path_limits.h"
+#include "limited_path.h"
 #include "time_law.h"
 
 // Internal: what a motion along a path needs of its limits.
@@ -28,11 +27,18 @@ struct Load {
 
 Load Larger(const Load& a, const Load& b);
 
+/// What a moment of a motion needs of the tool's limits, and of its turn's.
+Load ToolLoad(const ToolRates& tool, const PathMoment& moment, const ToolLimits& limits);
+Load TurnLoad(const ToolRates& tool, const PathMoment& moment, const ToolLimits& limits);
+
+/// What a moment of a motion needs.
+Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathSection& section);
+
 /// Looks at a law's pieces, one after the other.
 class LoadMeter {
  public:
-  LoadMeter(const JointPath& path, const PathLimits& limits, const TimeLaw& law)
-      : path_(path), limits_(limits), law_(law), here_(path.At(0, 0)) {}
+  LoadMeter(const LimitedPath& path, const TimeLaw& law)
+      : path_(path), law_(law), here_(path.joints.At(path.begin(), 0)) {}
 
   /// The most that the next piece needs, at its ends and at moments within it, so close that no
   /// piece of the path is passed over: there the joints bend most.
@@ -42,11 +48,11 @@ class LoadMeter {
   Load At(double time_s) const;
   void MoveTo(double from_s, double to_s, Load& most);
 
-  const JointPath& path_;
-  const PathLimits& limits_;
+  const LimitedPath& path_;
   const TimeLaw& law_;
   size_t piece_ = 0;
   size_t path_piece_ = 0;
+  size_t section_ = 0;
   PathPoint here_;
 };
 

@@ -19,9 +19,9 @@ constexpr double kLargestStepRad = 1;
 constexpr int kMostSteps = 8;
 // Below it the equations say nothing any more.
 constexpr double kSingularPivot = 1e-12;
-// Pieces as short as this are needed only next to a singularity, or where the path ends.
-constexpr double kShortestPiece = 1e-8;
-constexpr double kLongestPiece = 0.25;
+// Parts as short as this are needed only next to a singularity, or where the path ends.
+constexpr double kShortestPart = 1e-8;
+constexpr double kLongestPart = 0.25;
 
 LinearSystem EquationsOf(const std::array<Twist, 6>& axes) {
   double matrix[6][6];
@@ -39,23 +39,37 @@ Joints Solved(const LinearSystem& equations, const Twist& right) {
   return equations.Solve({v[0], v[1], v[2], w[0], w[1], w[2]});
 }
 
+// The tool's motion as that of the point at the origin, which moves with v = p' - w x p.
+struct TwistRates {
+  Twist first;
+  Twist second;
+  Twist third;
+};
+
+TwistRates TwistsOf(const Vector3& p, const ToolRates& r) {
+  return {{r.velocity - Cross(r.turn, p), r.turn},
+          {r.acceleration - Cross(r.turn_acceleration, p) - Cross(r.turn, r.velocity),
+           r.turn_acceleration},
+          {r.jerk - Cross(r.turn_jerk, p) - 2.0 * Cross(r.turn_acceleration, r.velocity) -
+               Cross(r.turn, r.acceleration),
+           r.turn_jerk}};
+}
+
 // The velocities of tool and joints are T = sum q_j' A_j; derived twice more
 //
 //     T'  = sum q_j'' A_j + q_j' A_j'
 //     T'' = sum q_j''' A_j + 2 q_j'' A_j' + q_j' A_j''
-//
-// of which T' is the path's and T'' is 0 on a line.
 PathPoint WithDerivatives(double s, const Joints& joints, const std::array<Twist, 6>& axes,
-                          const LinearSystem& equations, const LinePath& path) {
+                          const LinearSystem& equations, const TwistRates& tool) {
   PathPoint point = {s, joints, {}, {}, {}};
   MovingAxes moving(axes);
-  point.first = Solved(equations, path.TwistAt(s));
+  point.first = Solved(equations, tool.first);
   moving.SetFirst(point.first);
-  Twist rest = path.TwistRate();
+  Twist rest = tool.second;
   for (size_t j = 0; j < 6; ++j) rest = rest + -point.first[j] * moving.change(j);
   point.second = Solved(equations, rest);
   moving.SetSecond(point.second);
-  rest = {};
+  rest = tool.third;
   for (size_t j = 0; j < 6; ++j) {
     rest =
         rest + -2 * point.second[j] * moving.change(j) + -point.first[j] * moving.second_change(j);
@@ -102,8 +116,8 @@ void MovingAxes::SetSecond(const Joints& second) {
   }
 }
 
-std::optional<PathPoint> LineSolver::Solve(double s, const Joints& guess) const {
-  const Frame target = line_.FrameAt(s);
+std::optional<PathPoint> ToolSolver::Solve(double s, const Joints& guess) const {
+  const Frame target = path_.FrameAt(s - begin_);
   Joints joints = guess;
   for (int step = 0; step < kMostSteps; ++step) {
     const PlacedArm placed = screws_.At(joints);
@@ -116,20 +130,25 @@ std::optional<PathPoint> LineSolver::Solve(double s, const Joints& guess) const 
     if (!(size <= kLargestStepRad)) return std::nullopt;
     for (size_t j = 0; j < joints.size(); ++j) joints[j] += change[j];
     // What is left to correct, the equations of the joints before are good for.
-    if (size <= kLastStepRad) return WithDerivatives(s, joints, placed.axes, equations, line_);
+    if (size <= kLastStepRad) {
+      return WithDerivatives(s, joints, placed.axes, equations,
+                             TwistsOf(target.position, path_.RatesAt(s - begin_)));
+    }
   }
   return std::nullopt;
 }
 
-double LineSolver::Deviation(double s, const Joints& joints) const {
-  const Frame target = line_.FrameAt(s);
+double ToolSolver::Deviation(double s, const Joints& joints) const {
+  const Frame target = path_.FrameAt(s - begin_);
   const Frame tool = screws_.At(joints).tool;
   return std::max(Length(target.position - tool.position),
                   AngleBetween(tool.rotation, target.rotation));
 }
 
 double Follow(const PlaceSolver& solver, double to, JointPath& joints) {
-  double length = kLongestPiece;
+  // Of what is to be followed.
+  const double span = to - joints.last().s;
+  double length = kLongestPart * span;
   while (joints.last().s < to) {
     const PathPoint& from = joints.last();
     const double left = to - from.s;
@@ -148,13 +167,13 @@ double Follow(const PlaceSolver& solver, double to, JointPath& joints) {
       const double fitting = 0.9 * std::pow(kPathTolerance / std::max(deviation, 1e-16), 0.125);
       if (exact && deviation <= kPathTolerance && Largest(exact->value, guess) <= kJointTolerance) {
         joints.Append(*next);
-        length = std::min(length * std::clamp(fitting, 0.5, 3.0), kLongestPiece);
+        length = std::min(length * std::clamp(fitting, 0.5, 3.0), kLongestPart * span);
         continue;
       }
       if (exact) shrink = std::clamp(fitting, 0.1, 0.8);
     }
     length *= shrink;
-    if (length < kShortestPiece) break;
+    if (length < kShortestPart * span) break;
   }
   return joints.last().s;
 }

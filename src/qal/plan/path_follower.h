@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "joint_path.h"
-#include "line_path.h"
 #include "screws.h"
+#include "tool_path.h"
 
 // Internal: the joints that keep the tool on a path.
 namespace qal {
@@ -24,16 +24,19 @@ class PlaceSolver {
   virtual double Deviation(double s, const Joints& joints) const = 0;
 };
 
-/// The joints that have the tool on a line, next to given ones.
-class LineSolver final : public PlaceSolver {
+/// The joints that have the tool on a path of it, next to given ones.
+class ToolSolver final : public PlaceSolver {
  public:
-  LineSolver(const Screws& screws, const LinePath& line) : screws_(screws), line_(line) {}
+  /// @param begin the place at which the tool's path begins
+  ToolSolver(const Screws& screws, const ToolPath& path, double begin)
+      : screws_(screws), path_(path), begin_(begin) {}
   std::optional<PathPoint> Solve(double s, const Joints& guess) const override;
   double Deviation(double s, const Joints& joints) const override;
 
  private:
   const Screws& screws_;
-  const LinePath& line_;
+  const ToolPath& path_;
+  double begin_;
 };
 
 /// The joints' axes as twists, and how these change with joints that move.

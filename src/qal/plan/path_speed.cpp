@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 #include <utility>
 
 #include "step_bounds.h"
@@ -47,41 +48,62 @@ Region CutTo(const Region& region, Region line) {
   return line;
 }
 
+// Of two steps' margins, what both leave.
+Margin Lesser(const Margin& a, const Margin& b) {
+  return {std::min(a.velocity, b.velocity), std::min(a.acceleration, b.acceleration),
+          std::min(a.jerk, b.jerk)};
+}
+
 // The steps of a motion from place to place, and what is allowed at each place.
 struct Passage {
-  Passage(const JointPath& path, const PathLimits& limits, const Draft& draft,
+  Passage(const LimitedPath& path, const PathState& from, const Draft& draft,
           const std::vector<Margin>& margin);
 
+  bool from_rest() const { return start.square == 0; }
   // Leaves, of what is allowed, the states from which the end can be reached; false where there
   // are none at a place.
   bool LeadBack();
   // From the start on; empty where there is no way.
   std::vector<PathState> Drive();
 
+  PathState start;
   size_t last;  // the place of the end
   std::vector<StepLimits> steps;
   std::vector<Region> regions;
-  std::vector<Bounds> bounds = {};  // of steps last - 2 to 1
+  std::vector<Bounds> bounds = {};  // of steps last - 2 to the first that isn't from rest
 };
 
-Passage::Passage(const JointPath& path, const PathLimits& limits, const Draft& draft,
+Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& draft,
                  const std::vector<Margin>& margin)
-    : last(draft.places.size() - 1), steps(last), regions(last + 1) {
+    : start(from), last(draft.places.size() - 1), steps(last), regions(last + 1) {
   const std::vector<double>& places = draft.places;
   std::vector<double> most(last + 1);
   size_t piece = 0;
+  size_t section = 0;
   for (size_t k = 0; k < last; ++k) {
     steps[k] =
         ShapeOf(places[k + 1] - places[k], draft.speed[k], draft.half[k], draft.speed[k + 1]);
+    const size_t here = path.joints.PieceAt(places[k], piece);
+    section = path.SectionAt(places[k], section);
+    const PathPoint joints = path.joints.At(places[k], here);
+    const Margin both = Lesser(margin[k == 0 ? 0 : k - 1], margin[k]);
+    const LimitedRates at(joints, path.sections[section]);
+    double most_speed = at.most_speed();
+    // Where sections meet both hold.
+    const bool meet = section > 0 && places[k] == path.sections[section].begin;
+    std::optional<LimitedRates> other;
+    if (meet) {
+      other.emplace(joints, path.sections[section - 1]);
+      most_speed = std::min(most_speed, other->most_speed());
+    }
+    most[k] = both.velocity * both.velocity * most_speed * most_speed;
+    regions[k] = AllowedAt(at, both, most[k], draft.speed[k]);
+    if (other) CutAccelerations(*other, both, regions[k]);
+
     const double middle = places[k] + steps[k].place * steps[k].h;
-    piece = path.PieceAt(middle, piece);
-    SetJerkRows(path.At(middle, piece), limits, margin[k].jerk, steps[k]);
-    const size_t here = path.PieceAt(places[k], piece > 0 ? piece - 1 : 0);
-    const PlaceLimits at =
-        LimitsAt(path.At(places[k], here), limits,
-                 std::min(margin[k == 0 ? 0 : k - 1].acceleration, margin[k].acceleration));
-    most[k] = at.most_square;
-    regions[k] = AllowedAt(at, draft.speed[k]);
+    piece = path.joints.PieceAt(middle, here);
+    SetJerkRows(LimitedRates(path.joints.At(middle, piece), path.sections[section]), margin[k],
+                steps[k]);
   }
   most[last] = most[last - 1];
   // Where the speed is at its limit the acceleration has to follow the limit: without this it would
@@ -90,6 +112,7 @@ Passage::Passage(const JointPath& path, const PathLimits& limits, const Draft& d
     const double before = steps[k - 1].h;
     const double after = steps[k].h;
     const double slope = (most[k + 1] - most[k - 1]) / (before + after);
+    if (!std::isfinite(slope) || !std::isfinite(most[k])) continue;
     regions[k].Cut({1, 2 * after, most[k] + after * slope});
     regions[k].Cut({1, -2 * before, most[k] - before * slope});
   }
@@ -102,8 +125,10 @@ bool Passage::LeadBack() {
   regions[last - 1] =
       CutTo(regions[last - 1],
             Region::Between({kNearly * stop, -kNearly * deceleration}, {stop, -deceleration}));
-  for (size_t k = last - 1; k-- > 1;) {
+  const size_t first = from_rest() ? 1 : 0;
+  for (size_t k = last - 1; k-- > first;) {
     bounds.emplace_back(steps[k], regions[k + 1]);
+    if (k == 0) break;  // that place has its state
     bounds.back().CutImpossible(regions[k]);
     regions[k].Simplify();
     if (regions[k].size() == 0) return false;
@@ -112,13 +137,23 @@ bool Passage::LeadBack() {
 }
 
 std::vector<PathState> Passage::Drive() {
-  const Region started = CutTo(regions[1], Region::Between({0, 0}, FromRest(steps[0])));
   std::vector<PathState> states(last + 1, PathState{0, 0});
-  for (size_t i = 0; i < started.size(); ++i) {
-    const PathState& state = started[i].state;
-    if (state.acceleration > states[1].acceleration) states[1] = state;
+  size_t first = 0;
+  states[0] = start;
+  if (from_rest()) {
+    first = 1;
+    const Region started = CutTo(regions[1], Region::Between({0, 0}, FromRest(steps[0])));
+    for (size_t i = 0; i < started.size(); ++i) {
+      const PathState& state = started[i].state;
+      if (state.acceleration > states[1].acceleration) states[1] = state;
+    }
+  } else {
+    constexpr double kRounding = 1e-6;
+    const double low = bounds.back().Low(start);
+    const double high = bounds.back().High(start);
+    if (!(low <= high + kRounding * (std::fabs(low) + std::fabs(high)))) return {};
   }
-  for (size_t k = 1; k + 1 < last; ++k) {
+  for (size_t k = first; k + 1 < last; ++k) {
     if (!(states[k].square > 0)) return {};
     states[k + 1] = After(steps[k], states[k], bounds.back(), regions[k + 1]);
     bounds.pop_back();
@@ -137,9 +172,9 @@ std::vector<PathState> Passage::Drive() {
 // tangents of F. Debrouwere et al., "Time-optimal path following for robots with convex-concave
 // constraints using sequential convex programming", IEEE T-RO 29 (2013). From rest and to rest the
 // first and the last step are of constant jerk: b = 3/2 h a.
-std::vector<PathState> FastestStates(const JointPath& path, const PathLimits& limits,
+std::vector<PathState> FastestStates(const LimitedPath& path, const PathState& start,
                                      const Draft& draft, const std::vector<Margin>& margin) {
-  Passage passage(path, limits, draft, margin);
+  Passage passage(path, start, draft, margin);
   return passage.LeadBack() ? passage.Drive() : std::vector<PathState>();
 }
 

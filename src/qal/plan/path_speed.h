@@ -5,23 +5,19 @@
 
 #include "draft.h"
 #include "region.h"
+#include "step_limits.h"
 
 // Internal: the fastest states of a motion along a path.
 namespace qal {
 
-/// How much of the limits to use from one place to the next.
-struct Margin {
-  double acceleration = 1;
-  double jerk = 1;
-};
-
-/// At each place the state of the fastest motion from rest to rest. From place to place the jerk is
-/// constant.
+/// At each place the state of the fastest motion from a state to rest. From place to place the jerk
+/// is constant.
+/// @param start  the state at the path's begin
 /// @param draft  a motion that is about as fast: the closer, the better the answer, which keeps the
 ///               limits whatever it is
 /// @param margin of each step from place to place
-/// @return empty where there is none, for want of digits
-std::vector<PathState> FastestStates(const JointPath& path, const PathLimits& limits,
+/// @return empty where there is none: for want of digits, or since the start leads into none
+std::vector<PathState> FastestStates(const LimitedPath& path, const PathState& start,
                                      const Draft& draft, const std::vector<Margin>& margin);
 
 }  // namespace qal

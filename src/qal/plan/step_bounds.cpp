@@ -6,7 +6,7 @@ Bounds::Bounds(const StepLimits& step, const Region& after) {
   const double square_by_a = 2 * step.h * step.place;
   const double square_by_d = 2 * step.h * step.halfway;
   // At half the time: sign * jerk <= at_zero - slope * square.
-  for (size_t i = 0; i < kLimitedRates; ++i) {
+  for (size_t i = 0; i < step.rates; ++i) {
     const double by_d = step.first[i] + step.third[i] * square_by_d + step.second[i] / 2;
     for (const double sign : {1.0, -1.0}) {
       const double square = step.slope + sign * step.third[i];
@@ -44,7 +44,7 @@ void Bounds::CutImpossible(Region& region) const {
     }
     if (worst == 0) return;
     const PathState state = region[where].state;
-    region.Cut(Meeting(above_, above_.IndexOfLeast(state), below_, below_.IndexOfLeast(state)));
+    region.Cut(BothHold(above_, above_.IndexOfLeast(state), below_, below_.IndexOfLeast(state)));
   }
   // What is left may be impossible.
   region.KeepInside();

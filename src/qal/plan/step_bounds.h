@@ -46,13 +46,13 @@ class Side {
     return least;
   }
   /// Where the sum of two bounds is not negative.
-  friend HalfPlane Meeting(const Side& a, size_t i, const Side& b, size_t j) {
+  friend HalfPlane BothHold(const Side& a, size_t i, const Side& b, size_t j) {
     return {a.square_[i] + b.square_[j], a.acceleration_[i] + b.acceleration_[j],
             a.bound_[i] + b.bound_[j]};
   }
 
  private:
-  static constexpr size_t kMost = 2 * kLimitedRates + 1 + Region::kFewCorners;
+  static constexpr size_t kMost = 2 * LimitedRates::kMost + 1 + Region::kFewCorners;
 
   size_t count_ = 0;
   double bound_[kMost];

@@ -13,22 +13,13 @@ double LeastSquare(double reference) {
   return kSlowest * kSlowest * reference * reference;
 }
 
-}  // namespace
-
-PlaceLimits LimitsAt(const PathPoint& joints, const PathLimits& limits, double margin) {
-  PlaceLimits at;
-  double most_speed = limits.speed;
-  for (size_t j = 0; j < 6; ++j) {
-    most_speed = std::min(most_speed, limits.joint_velocity[j] / std::fabs(joints.first[j]));
-    const double limit = margin * limits.joint_acceleration[j];
-    at.first[j] = joints.first[j] / limit;
-    at.second[j] = joints.second[j] / limit;
-  }
-  at.first[6] = 1 / (margin * limits.acceleration);
-  at.second[6] = 0;
-  at.most_square = most_speed * most_speed;
-  return at;
+// Takes away where a rate's acceleration is beyond its limit.
+void Cut(const LimitedRate& rate, double limit, Region& region) {
+  region.Cut({rate.second, rate.first, limit});
+  region.Cut({-rate.second, -rate.first, limit});
 }
+
+}  // namespace
 
 StepLimits ShapeOf(double h, double v0, double half, double v1) {
   StepLimits step;
@@ -44,38 +35,49 @@ StepLimits ShapeOf(double h, double v0, double half, double v1) {
   return step;
 }
 
-void SetJerkRows(const PathPoint& joints, const PathLimits& limits, double margin,
-                 StepLimits& step) {
-  for (size_t j = 0; j < 6; ++j) {
-    const double limit = margin * limits.joint_jerk[j];
-    step.first[j] = joints.first[j] / (limit * step.h);
-    step.second[j] = 3 * joints.second[j] / limit;
-    step.third[j] = joints.third[j] / limit;
+void SetJerkRows(const LimitedRates& rates, const Margin& margin, StepLimits& step) {
+  step.rates = 0;
+  for (const LimitedRate& rate : rates) {
+    const double limit = margin.jerk * rate.jerk;
+    step.first[step.rates] = rate.first / (limit * step.h);
+    step.second[step.rates] = 3 * rate.second / limit;
+    step.third[step.rates] = rate.third / limit;
+    ++step.rates;
   }
-  step.first[6] = 1 / (margin * limits.jerk * step.h);
-  step.second[6] = 0;
-  step.third[6] = 0;
 }
 
-Region AllowedAt(const PlaceLimits& at, double reference) {
+Region AllowedAt(const LimitedRates& rates, const Margin& margin, double most_square,
+                 double reference) {
   // Nor do they say much of much faster ones.
   constexpr double kFastest = 1.5;
-  const double fastest = std::min(kFastest * kFastest * reference * reference, at.most_square);
+  const double fastest = std::min(kFastest * kFastest * reference * reference, most_square);
   const double least = std::min(LeastSquare(reference), fastest);
-  const double most = 1 / at.first[6];
+  // More than any motion: for places where nothing moves with s.
+  double most = 1e9;
+  for (const LimitedRate& rate : rates) {
+    // |second * b + first * a| <= limit, b within what is allowed.
+    const double limit = margin.acceleration * rate.acceleration;
+    most = std::min(most, (limit + std::fabs(rate.second) * fastest) / std::fabs(rate.first));
+  }
   Region region({least, -most}, {fastest, most});
-  for (size_t i = 0; i < 6; ++i) {
-    if (std::fabs(at.second[i]) * fastest + std::fabs(at.first[i]) * most <= 1) continue;
-    region.Cut({at.second[i], at.first[i], 1});
-    region.Cut({-at.second[i], -at.first[i], 1});
+  for (const LimitedRate& rate : rates) {
+    const double limit = margin.acceleration * rate.acceleration;
+    if (std::fabs(rate.second) * fastest + std::fabs(rate.first) * most <= limit) continue;
+    Cut(rate, limit, region);
   }
   return region;
+}
+
+void CutAccelerations(const LimitedRates& rates, const Margin& margin, Region& region) {
+  for (const LimitedRate& rate : rates) {
+    Cut(rate, margin.acceleration * rate.acceleration, region);
+  }
 }
 
 // From rest at a constant jerk j: b = 3/2 h a, with a^3 = 6 h j^2.
 PathState FromRest(const StepLimits& step) {
   double largest = 0;
-  for (const double first : step.first) largest = std::max(largest, std::fabs(first));
+  for (size_t i = 0; i < step.rates; ++i) largest = std::max(largest, std::fabs(step.first[i]));
   const double jerk = 1 / (largest * step.h);
   const double a = std::cbrt(6 * step.h * jerk * jerk);
   return {1.5 * step.h * a, a};

@@ -4,27 +4,30 @@
 #include <cmath>
 
 #include "../solve/kinematics.h"
+#include "path_failure.h"
 
 namespace qal {
 
 namespace {
 
-// Joints 4 to 6 as a polynomial says, joints 1 to 3 so that the tool's centre is on the line.
+// Joints 4 to 6 as a polynomial says, joints 1 to 3 so that the tool's centre is on the path.
 class WristSolver final : public PlaceSolver {
  public:
-  WristSolver(const Screws& screws, const LinePath& line, const PathPoint& from,
+  WristSolver(const Screws& screws, const PlacedPath& path, const PathPoint& from,
               const PathPoint& to)
-      : screws_(screws), line_(line), wrist_(from) {
+      : screws_(screws), path_(path), wrist_(from) {
     wrist_.Append(to);
   }
   std::optional<PathPoint> Solve(double s, const Joints& guess) const override;
   double Deviation(double s, const Joints& joints) const override {
-    return Length(line_.FrameAt(s).position - screws_.At(joints).tool.position);
+    return Length(CentreAt(s) - screws_.At(joints).tool.position);
   }
 
  private:
+  Vector3 CentreAt(double s) const { return ToVector(path_.tool.PoseAt(s - path_.begin).position); }
+
   const Screws& screws_;
-  const LinePath& line_;
+  const PlacedPath& path_;
   JointPath wrist_;  // of which joints 4 to 6 count
 };
 
@@ -59,28 +62,32 @@ class CentreEquations {
 };
 
 // The centre p moves with p' = sum q_j' c_j, c_j = v_j + w_j x p of the axes' twists; derived twice
-// more, with p' constant:
+// more
 //
-//     0 = sum q_j'' c_j + q_j' c_j'                       c_j'  = v_j' + w_j' x p + w_j x p'
-//     0 = sum q_j''' c_j + 2 q_j'' c_j' + q_j' c_j''      c_j'' = v_j'' + w_j'' x p + 2 w_j' x p'
-void SetDerivatives(const PlacedArm& placed, const CentreEquations& equations, const Vector3& along,
-                    PathPoint& point) {
+//     p''  = sum q_j'' c_j + q_j' c_j'
+//     p''' = sum q_j''' c_j + 2 q_j'' c_j' + q_j' c_j''
+//
+//     c_j'  = v_j' + w_j' x p + w_j x p'      c_j'' = v_j'' + w_j'' x p + 2 w_j' x p' + w_j x p''
+void SetDerivatives(const PlacedArm& placed, const CentreEquations& equations,
+                    const ToolRates& tool, PathPoint& point) {
   const Vector3& p = placed.tool.position;
+  const Vector3& along = tool.velocity;
   MovingAxes moving(placed.axes);
   equations.Solve(along, point.first);
   moving.SetFirst(point.first);
   Vector3 changes[6];
-  Vector3 rest = {{0, 0, 0}};
+  Vector3 rest = tool.acceleration;
   for (size_t j = 0; j < 6; ++j) {
     changes[j] = VelocityOf(moving.change(j), p) + Cross(moving.axis(j).angular, along);
     rest = rest - point.first[j] * changes[j];
   }
   equations.Solve(rest, point.second);
   moving.SetSecond(point.second);
-  rest = {{0, 0, 0}};
+  rest = tool.jerk;
   for (size_t j = 0; j < 6; ++j) {
-    const Vector3 second =
-        VelocityOf(moving.second_change(j), p) + 2.0 * Cross(moving.change(j).angular, along);
+    const Vector3 second = VelocityOf(moving.second_change(j), p) +
+                           2.0 * Cross(moving.change(j).angular, along) +
+                           Cross(moving.axis(j).angular, tool.acceleration);
     rest = rest - 2 * point.second[j] * changes[j] - point.first[j] * second;
   }
   equations.Solve(rest, point.third);
@@ -89,7 +96,7 @@ void SetDerivatives(const PlacedArm& placed, const CentreEquations& equations, c
 std::optional<PathPoint> WristSolver::Solve(double s, const Joints& guess) const {
   PathPoint point = wrist_.At(s, 0);
   std::copy_n(guess.begin(), 3, point.value.begin());
-  const Vector3 target = line_.FrameAt(s).position;
+  const Vector3 target = CentreAt(s);
   constexpr int kMostSteps = 8;
   constexpr double kLastStepRad = 1e-9;
   for (int step = 0; step < kMostSteps; ++step) {
@@ -105,7 +112,7 @@ std::optional<PathPoint> WristSolver::Solve(double s, const Joints& guess) const
     }
     if (!(size <= 1)) return std::nullopt;
     if (size > kLastStepRad) continue;
-    SetDerivatives(placed, equations, VelocityOf(line_.TwistAt(s), target), point);
+    SetDerivatives(placed, equations, path_.tool.RatesAt(s - path_.begin), point);
     return point;
   }
   return std::nullopt;
@@ -135,48 +142,70 @@ std::pair<double, double> NearestPlace(const Screws& screws, const JointPath& jo
   return {place, least};
 }
 
-double OrientationError(const Screws& screws, const LinePath& line, const JointPath& joints,
+double OrientationError(const Screws& screws, const PlacedPath& path, const JointPath& joints,
                         double from, double to) {
   constexpr int kLooks = 64;
   double largest = 0;
   for (int i = 0; i <= kLooks; ++i) {
     const double s = std::min(to, from + (to - from) * i / kLooks);
     const Matrix3 rotation = screws.At(joints.At(s).value).tool.rotation;
-    largest = Larger(largest, AngleBetween(line.FrameAt(s).rotation, rotation));
+    largest = Larger(largest, AngleBetween(path.tool.FrameAt(s - path.begin).rotation, rotation));
   }
   return largest;
 }
 
 }  // namespace
 
-std::optional<WristPass> PassWrist(const Arm& arm, const Screws& screws, const LinePath& line,
-                                   double max_error_rad, double after, JointPath& joints) {
+std::optional<WristPass> PassWrist(const Arm& arm, const Screws& screws, const PlacedPath& path,
+                                   double max_error_rad, JointPath& joints) {
   if (joints.size() == 0) return std::nullopt;
-  const auto [place, nearest] = NearestPlace(screws, joints, after);
+  const auto [place, nearest] = NearestPlace(screws, joints, path.after);
   // Farther away the wrist would have to be bent through more than the error.
   if (nearest > max_error_rad) return std::nullopt;
-  const LineSolver solver(screws, line);
+  const ToolSolver solver(screws, path.tool, path.begin);
   constexpr double kLongest = 0.25;
   constexpr double kShortest = 1e-6;
-  double half = std::min({kLongest, place - after, 1 - place});
-  while (half > kShortest) {
+  const double span = path.tool.span();
+  double half = std::min({kLongest * span, place - path.after, path.end - place});
+  while (half > kShortest * span) {
     const double begin = place - half;
     const double end = place + half;
     half /= 2;
     JointPath led = joints;
     led.CutAfter(begin);
     // Beyond the singularity the joints next to those before it are those of the flipped wrist.
-    const auto solution = Nearest(arm, line.At(end), led.last().value);
+    const auto solution = Nearest(arm, path.tool.PoseAt(end - path.begin), led.last().value);
     const auto to = solution ? solver.Solve(end, solution->joints) : std::nullopt;
     if (!to) continue;
-    const WristSolver wrist(screws, line, led.last(), *to);
+    const WristSolver wrist(screws, path, led.last(), *to);
     if (Follow(wrist, end, led) < end) continue;
-    const double error = OrientationError(screws, line, led, begin, end);
+    const double error = OrientationError(screws, path, led, begin, end);
     if (!(error <= max_error_rad)) continue;
     joints = std::move(led);
     return WristPass{begin, end, error};
   }
   return std::nullopt;
+}
+
+std::optional<PlanFailure> FollowTool(const Arm& arm, const Screws& screws, const PlacedPath& path,
+                                      double max_error_rad, JointPath& joints,
+                                      std::vector<WristPass>& passes) {
+  const ToolSolver solver(screws, path.tool, path.begin);
+  PlacedPath rest = path;
+  // A path has few places where the wrist is bent straight.
+  constexpr int kMostPasses = 8;
+  for (int pass = 0;; ++pass) {
+    const bool arrived = Follow(solver, path.end, joints) >= path.end;
+    if (max_error_rad > 0 && pass < kMostPasses) {
+      if (const auto passed = PassWrist(arm, screws, rest, max_error_rad, joints)) {
+        passes.push_back(*passed);
+        rest.after = passed->end;
+        continue;
+      }
+    }
+    if (arrived) return std::nullopt;
+    return NoWayOn(arm, path.tool, path.begin, joints.last());
+  }
 }
 
 }  // namespace qal

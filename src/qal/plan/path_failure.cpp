@@ -1,4 +1,4 @@
-#include "line_failure.h"
+#include "path_failure.h"
 
 #include <algorithm>
 #include <vector>
@@ -24,11 +24,11 @@ double TurningPoint(const JointPath& path, size_t piece, size_t joint, double a,
 }
 
 // Places in the order of s, close together, and with all that joints turn back at.
-std::vector<PathPoint> PointsOf(const JointPath& path) {
+std::vector<PathPoint> PointsOf(const JointPath& path, size_t first) {
   constexpr int kLooks = 8;
-  std::vector<PathPoint> points = {path.At(0)};
+  std::vector<PathPoint> points = {path.At(path.begin(first), first)};
   std::vector<double> turns;
-  for (size_t piece = 0; piece < path.size(); ++piece) {
+  for (size_t piece = first; piece < path.size(); ++piece) {
     for (int i = 1; i <= kLooks; ++i) {
       const PathPoint before = points.back();
       const double s = path.begin(piece) + path.length(piece) * i / kLooks;
@@ -48,9 +48,9 @@ std::vector<PathPoint> PointsOf(const JointPath& path) {
 
 }  // namespace
 
-std::optional<PlanFailure> LeavesRange(const Arm& arm, const LinePath& line,
-                                       const JointPath& path) {
-  const std::vector<PathPoint> points = PointsOf(path);
+std::optional<PlanFailure> LeavesRange(const Arm& arm, const JointPath& path, size_t first) {
+  if (first >= path.size()) return std::nullopt;
+  const std::vector<PathPoint> points = PointsOf(path, first);
   const auto out = [&arm](size_t joint, const PathPoint& point) {
     return Outside(arm.joints()[joint], point.value[joint]) > kRoundingRad;
   };
@@ -61,11 +61,11 @@ std::optional<PlanFailure> LeavesRange(const Arm& arm, const LinePath& line,
     }
     return false;
   };
-  const auto first = std::find_if(points.begin(), points.end(), leaves);
-  if (first == points.end()) return std::nullopt;
+  const auto left = std::find_if(points.begin(), points.end(), leaves);
+  if (left == points.end()) return std::nullopt;
 
-  double inside = first == points.begin() ? 0 : (first - 1)->s;
-  double outside = first->s;
+  double inside = left == points.begin() ? left->s : (left - 1)->s;
+  double outside = left->s;
   for (int i = 0; i < 60; ++i) {
     const double middle = (inside + outside) / 2;
     (out(joint, path.At(middle)) ? outside : inside) = middle;
@@ -74,11 +74,12 @@ std::optional<PlanFailure> LeavesRange(const Arm& arm, const LinePath& line,
     const JointModel& model = arm.joints()[joint];
     return Outside(model, a.value[joint]) < Outside(model, b.value[joint]);
   };
-  const double farthest = std::max_element(first, points.end(), nearer)->value[joint];
+  const double farthest = std::max_element(left, points.end(), nearer)->value[joint];
   PlanFailure failure;
   failure.error = OutOfRange(static_cast<int>(joint), arm.joints()[joint], farthest);
   failure.along = inside;
-  failure.before = {path.At(inside).value, line.At(inside)};
+  failure.before = {path.At(inside).value, {}};
+  if (const auto pose = Forward(arm, failure.before.joints)) failure.before.pose = *pose;
   return failure;
 }
 
@@ -96,15 +97,15 @@ const char* SingularityOf(const Singularities& distances) {
 
 }  // namespace
 
-PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const PathPoint& last) {
-  const double reached = last.s;
+PlanFailure NoWayOn(const Arm& arm, const ToolPath& path, double begin, const PathPoint& last) {
+  const double reached = last.s - begin;
   const Joints& joints = last.value;
-  PlanFailure failure = {{}, reached, {joints, line.At(reached)}};
+  PlanFailure failure = {{}, last.s, {joints, path.PoseAt(reached)}};
   // Beyond the place where the joints get too fast to follow there is the rim, or a pose that only
   // other joints have.
   constexpr double kBeyond = 1e-5;
-  const auto reachable = [&](double s) { return Inverse(arm, line.At(s), joints); };
-  const double beyond = std::min(1.0, reached + kBeyond);
+  const auto reachable = [&](double x) { return Inverse(arm, path.PoseAt(x), joints); };
+  const double beyond = std::min(path.span(), reached + kBeyond * path.span());
   if (const auto there = reachable(beyond); !there) {
     failure.error = there.error();
     double a = reached;
@@ -113,7 +114,7 @@ PlanFailure NoWayOn(const Arm& arm, const LinePath& line, const PathPoint& last)
       const double middle = (a + b) / 2;
       (reachable(middle) ? a : b) = middle;
     }
-    failure.along = a;
+    failure.along = begin + a;
     return failure;
   }
   failure.error = {Reason::kSingularity};
