@@ -46,6 +46,7 @@ enum class Reason {
              ///< allowed
   kSingularity,  ///< the path leads through a singularity, named in `detail`, where joints would
                  ///< have to turn at once; `value` is the smallest singular value of the Jacobian
+  kNoArc,        ///< there is no such arc; `detail` says why
 };
 
 /// A failure: the reason and its numbers. The text is made elsewhere, in the caller's units.

@@ -38,6 +38,22 @@ void JointPath::CutAfter(double s) {
   if (end.s > last_.s) Append(end);
 }
 
+void JointPath::Append(const JointPath& path) {
+  pieces_.insert(pieces_.end(), path.pieces_.begin(), path.pieces_.end());
+  last_ = path.last_;
+}
+
+void JointPath::CutBefore(double s) {
+  if (!(s > begin(0))) return;
+  const size_t piece = PieceAt(s);
+  JointPath rest(At(s, piece));
+  rest.Append(piece + 1 < pieces_.size() ? At(pieces_[piece + 1].begin, piece + 1) : last_);
+  rest.pieces_.insert(rest.pieces_.end(), pieces_.begin() + static_cast<std::ptrdiff_t>(piece) + 1,
+                      pieces_.end());
+  rest.last_ = last_;
+  *this = std::move(rest);
+}
+
 size_t JointPath::PieceAt(double s, size_t near) const { return PieceHolding(pieces_, s, near); }
 
 PathPoint JointPath::At(double s, size_t piece) const {

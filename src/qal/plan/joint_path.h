@@ -29,8 +29,11 @@ class JointPath {
 
   /// One more point, at a larger s.
   void Append(const PathPoint& point);
-  /// Takes away what comes after a place.
+  /// What goes on where this one ends, with all that it agrees in.
+  void Append(const JointPath& path);
+  /// Takes away what comes after a place, or before.
   void CutAfter(double s);
+  void CutBefore(double s);
 
   const PathPoint& last() const { return last_; }
   size_t size() const { return pieces_.size(); }

@@ -16,18 +16,19 @@ namespace qal {
 
 struct [[gnu::visibility("hidden")]] LineMotion::Held {
   LinePath line;
-  PathMotion motion;
+  LimitedPath path;
+  TimeLaw law;
   State start;
   State end;
   Arm arm;
   std::vector<WristPass> passes = {};
 
-  bool moves() const { return motion.law.size() > 0; }
+  bool moves() const { return law.size() > 0; }
   const State* EndAt(double time_s) const;
   Pose PoseAt(double s) const;
 };
 
-double LineMotion::duration_s() const { return held_->motion.law.duration_s(); }
+double LineMotion::duration_s() const { return held_->law.duration_s(); }
 double LineMotion::length_m() const { return held_->line.length_m(); }
 double LineMotion::angle_rad() const { return held_->line.angle_rad(); }
 
@@ -41,13 +42,13 @@ double LineMotion::orientation_error_rad() const {
 
 double LineMotion::AlongAt(double time_s) const {
   if (!(time_s > 0) || !held_->moves()) return held_->moves() ? 0 : 1;
-  return time_s < duration_s() ? held_->motion.MomentAt(time_s).s : 1;
+  return time_s < duration_s() ? MomentAt(held_->path, held_->law, time_s).s : 1;
 }
 
 // Before the motion its start, after it its end; of a motion that is none the start.
 const State* LineMotion::Held::EndAt(double time_s) const {
   if (!(time_s > 0) || !moves()) return &start;
-  return time_s < motion.law.duration_s() ? nullptr : &end;
+  return time_s < law.duration_s() ? nullptr : &end;
 }
 
 Pose LineMotion::Held::PoseAt(double s) const {
@@ -56,27 +57,27 @@ Pose LineMotion::Held::PoseAt(double s) const {
     return pass.begin < s && s < pass.end;
   });
   if (!off) return pose;
-  const auto is = Forward(arm, motion.path.joints.At(s).value);
+  const auto is = Forward(arm, path.joints.At(s).value);
   if (is) pose.orientation = SignedAs(is->orientation, pose.orientation);
   return pose;
 }
 
 MotionState LineMotion::At(double time_s) const {
   if (const State* const end = held_->EndAt(time_s)) return {end->joints, {}, {}};
-  return held_->motion.StateAt(held_->motion.MomentAt(time_s));
+  return StateAt(held_->path, MomentAt(held_->path, held_->law, time_s));
 }
 
 Pose LineMotion::PoseAt(double time_s) const {
   if (const State* const end = held_->EndAt(time_s)) return end->pose;
-  return held_->PoseAt(held_->motion.MomentAt(time_s).s);
+  return held_->PoseAt(MomentAt(held_->path, held_->law, time_s).s);
 }
 
 Sample LineMotion::SampleAt(double time_s) const {
   if (const State* const end = held_->EndAt(time_s)) {
     return {time_s, end->joints, {}, {}, end->pose};
   }
-  const PathMoment moment = held_->motion.MomentAt(time_s);
-  const auto [q, velocities, accelerations] = held_->motion.StateAt(moment);
+  const PathMoment moment = MomentAt(held_->path, held_->law, time_s);
+  const auto [q, velocities, accelerations] = StateAt(held_->path, moment);
   return {time_s, q, velocities, accelerations, held_->PoseAt(moment.s)};
 }
 
@@ -84,7 +85,7 @@ LineMotion LineMotion::InDuration(double duration_s) const {
   const double factor = duration_s / this->duration_s();
   if (!(factor > 1) || !std::isfinite(factor)) return *this;
   Held slower = *held_;
-  slower.motion.law = held_->motion.law.Slower(factor);
+  slower.law = held_->law.Slower(factor);
   return LineMotion(std::make_shared<const Held>(std::move(slower)));
 }
 
@@ -99,11 +100,11 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
   if (!screws) return PlanFailure{screws.error(), 0, before};
 
   const LinePath line(*start, to, 1);
-  LineMotion::Held held = {line, {}, before, {from.joints, line.PoseAt(1)}, arm};
+  LineMotion::Held held = {line, {}, {}, before, {from.joints, line.PoseAt(1)}, arm};
   // A line of less is nothing that a motor does.
   constexpr double kNothing = 1e-12;
   if (line.length_m() > kNothing || line.angle_rad() > kNothing) {
-    LimitedPath& path = held.motion.path;
+    LimitedPath& path = held.path;
     const ToolSolver solver(*screws, line, 0);
     const auto first = solver.Solve(0, from.joints);
     if (!first) return NoWayOn(arm, line, 0, {0, from.joints, {}, {}, {}});
@@ -120,7 +121,7 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
     section.tool_limits = ToolLimitsOf(limits);
     SetStraight(line.length_m(), line.angle_rad(), section);
     path.sections.push_back(std::move(section));
-    held.motion.law = FastestLaw(path, arm.cycle_s().value);
+    held.law = FastestLaw(path, arm.cycle_s().value);
   }
   return LineMotion(std::make_shared<const LineMotion::Held>(std::move(held)));
 }
@@ -128,7 +129,7 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
 std::vector<Binding> LineMotion::bindings() const {
   if (!held_->moves()) return {};
   BindingMeter meter;
-  LookThrough(held_->motion, 0, held_->arm.cycle_s().value, meter);
+  LookThrough(held_->path, held_->law, 0, held_->arm.cycle_s().value, meter);
   return meter.Told(duration_s());
 }
 

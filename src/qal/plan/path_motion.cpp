@@ -7,13 +7,13 @@
 
 namespace qal {
 
-PathMoment PathMotion::MomentAt(double time_s) const {
+PathMoment MomentAt(const LimitedPath& path, const TimeLaw& law, double time_s) {
   PathMoment moment = law.At(time_s);
   moment.s = std::clamp(moment.s, path.begin(), path.end());
   return moment;
 }
 
-MotionState PathMotion::StateAt(const PathMoment& moment) const {
+MotionState StateAt(const LimitedPath& path, const PathMoment& moment) {
   const PathPoint q = path.joints.At(moment.s);
   const JointRates rates = RatesOf(q, moment);
   return {q.value, rates[0], rates[1]};
@@ -122,14 +122,15 @@ std::vector<Binding> BindingMeter::Told(double duration_s) const {
   return bindings;
 }
 
-void LookThrough(const PathMotion& motion, double begin_s, double cycle_s, BindingMeter& meter) {
+void LookThrough(const LimitedPath& path, const TimeLaw& law, double begin_s, double cycle_s,
+                 BindingMeter& meter) {
   constexpr double kMostLooks = 1e5;
-  const double duration_s = motion.law.duration_s();
+  const double duration_s = law.duration_s();
   const auto looks = static_cast<int>(std::min(kMostLooks, std::ceil(duration_s / cycle_s)));
   const double look_s = duration_s / looks;
   for (int i = 0; i < looks; ++i) {
-    const PathMoment moment = motion.MomentAt((i + 0.5) * look_s);
-    meter.Look(motion.path.joints.At(moment.s), moment, motion.SectionAt(moment.s),
+    const PathMoment moment = MomentAt(path, law, (i + 0.5) * look_s);
+    meter.Look(path.joints.At(moment.s), moment, path.sections[path.SectionAt(moment.s)],
                begin_s + i * look_s, begin_s + (i + 1) * look_s);
   }
 }

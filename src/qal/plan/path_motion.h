@@ -15,17 +15,10 @@
 // Internal: a motion along a path.
 namespace qal {
 
-/// A path, and when the motion is where.
-struct PathMotion {
-  LimitedPath path;
-  TimeLaw law;
+/// Where a motion along a path is at a time, from 0 to the law's duration.
+PathMoment MomentAt(const LimitedPath& path, const TimeLaw& law, double time_s);
 
-  /// @param time_s from 0 to the law's duration
-  PathMoment MomentAt(double time_s) const;
-  MotionState StateAt(const PathMoment& moment) const;
-  /// The place's section.
-  const PathSection& SectionAt(double s) const { return path.sections[path.SectionAt(s)]; }
-};
+MotionState StateAt(const LimitedPath& path, const PathMoment& moment);
 
 /// A limit that is none.
 std::optional<Error> RefusedLimits(const LineLimits& limits);
@@ -54,7 +47,8 @@ class BindingMeter {
 
 /// What binds is looked for once a cycle, in the middle of it.
 /// @param begin_s when the motion begins
-void LookThrough(const PathMotion& motion, double begin_s, double cycle_s, BindingMeter& meter);
+void LookThrough(const LimitedPath& path, const TimeLaw& law, double begin_s, double cycle_s,
+                 BindingMeter& meter);
 
 /// A limit and how much of it is needed.
 struct NeededLimit {

@@ -99,7 +99,8 @@ struct RoundedCorner {
   double end_s;        ///< when it is on the next one's
   double radius_m;     ///< largest distance of the tool centre point from the corner
   double turn_rad;     ///< largest angle of the tool's orientation from the corner's
-  double joint_rad;    ///< largest distance of a joint from the corner's
+  double joint_rad;    ///< largest distance of a joint from the corner's; 0 where neither the zone
+                       ///< nor a joint move asks for the joints there
   double deviation_m;  ///< largest distance of the tool centre point from the nearer step's way
 };
 
@@ -115,6 +116,8 @@ struct SlowStretch {
   Limit limit;           ///< what it runs at there, or nearest before
   int joint = -1;        ///< whose that is, from 0; -1: not a joint's
 };
+
+struct ProgramBlock;  // internal
 
 /// The motion of a program. A value, cheap to copy; immutable.
 class QAL_API ProgramMotion {
@@ -137,12 +140,27 @@ class QAL_API ProgramMotion {
 
  private:
   struct Held;
-  friend class ProgramPlanner;
+  friend Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program);
+  friend const std::vector<ProgramBlock>& BlocksOf(const ProgramMotion& motion);
   explicit ProgramMotion(std::shared_ptr<const Held> held) : held_(std::move(held)) {}
   std::shared_ptr<const Held> held_;
 };
 
-/// Plans a program.
+/// Plans a program: each step from rest or out of the zone before it to rest or into its own zone.
+///
+/// Joint moves go straight in joint space. Lines and arcs are followed as by `PlanLine`. A corner
+/// with a zone is rounded by adding up what is left of the one way and what is already behind of
+/// the other one, each by a polynomial of degree 7: of the tool between lines and arcs, of the
+/// joints next to a joint move. Curvature and joints' first three derivatives are continuous. A
+/// corner in which there is no room for that is a stop.
+///
+/// From stop to stop the fastest motion is planned that keeps every limit, as along a line: of the
+/// joints everywhere; of the tool and its turn, which are limits of the lengths of the vectors (of
+/// speed, acceleration and jerk of the tool centre point, so that a narrow arc is passed slowly),
+/// on lines, arcs and the zones between such. Each half of a zone has the limits of its own step.
+///
+/// @return kNotFinite, kNotAnOrientation, kSetting, kNoArc for what is wrong with a step; and those
+///         of `PlanLine` and `PlanJoint`. `failure.before` is where the motion still gets
 QAL_API Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program);
 
 }  // namespace qal

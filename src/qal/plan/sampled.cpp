@@ -4,21 +4,11 @@
 #include <cmath>
 
 #include "../solve/kinematics.h"
+#include "cycles.h"
 
 namespace qal {
 
 namespace {
-
-// A duration this much of a cycle beyond a whole number of cycles is that number.
-constexpr double kRounding = 1e-9;
-
-double WholeCycles(double duration_s, double cycle_s) {
-  return std::ceil(duration_s / cycle_s - kRounding);
-}
-
-// The time of a sample. With a cycle of whole milliseconds it is the nearest double, as 0.165 is:
-// 0.005 isn't exact, and its error would show.
-double TimeOf(double cycles, double cycle_s) { return cycles * (cycle_s * 1000) / 1000; }
 
 PlanFailure TooMany(double cycles) {
   return {{Reason::kTooManyPoints, -1, cycles + 1, kMostSamples}};
@@ -78,6 +68,19 @@ Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion
     const double played_s = i < last ? time_s : played.duration_s();
     samples.push_back(played.SampleAt(played_s));
     samples.back().time_s = time_s;
+  }
+  return samples;
+}
+
+Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const ProgramMotion& motion) {
+  const double cycle_s = arm.cycle_s().value;
+  const double cycles = WholeCycles(motion.duration_s(), cycle_s);
+  if (cycles >= kMostSamples) return TooMany(cycles);
+  const auto last = static_cast<size_t>(cycles);
+  Trajectory samples;
+  samples.reserve(last + 1);
+  for (size_t i = 0; i <= last; ++i) {
+    samples.push_back(motion.SampleAt(TimeOf(static_cast<double>(i), cycle_s)));
   }
   return samples;
 }

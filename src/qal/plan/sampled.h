@@ -3,6 +3,7 @@
 
 #include "joint_move.h"
 #include "line.h"
+#include "program.h"
 
 namespace qal {
 
@@ -21,6 +22,11 @@ QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const JointMotio
 /// @param arm the one that it was planned for
 /// @return kTooManyPoints for more than `kMostSamples`
 QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const LineMotion& motion);
+
+/// A program as a controller plays it.
+/// @param arm the one that it was planned for
+/// @return kTooManyPoints for more than `kMostSamples`
+QAL_API Result<Trajectory, PlanFailure> Sampled(const Arm& arm, const ProgramMotion& motion);
 
 }  // namespace qal
 

@@ -36,6 +36,23 @@ PathMoment TimeLaw::At(double time_s, size_t piece) const {
           6 * c[3] + t * (24 * c[4] + t * 60 * c[5])};
 }
 
+TimeLaw TimeLaw::Before(size_t piece) const {
+  TimeLaw before = *this;
+  before.duration_s_ = pieces_[piece].begin;
+  before.pieces_.resize(piece);
+  return before;
+}
+
+TimeLaw TimeLaw::From(size_t piece) const {
+  TimeLaw from = *this;
+  const double begin_s = pieces_[piece].begin;
+  from.pieces_.erase(from.pieces_.begin(),
+                     from.pieces_.begin() + static_cast<std::ptrdiff_t>(piece));
+  for (Piece& p : from.pieces_) p.begin -= begin_s;
+  from.duration_s_ -= begin_s;
+  return from;
+}
+
 TimeLaw TimeLaw::Slower(double factor) const {
   TimeLaw slower = *this;
   slower.duration_s_ *= factor;

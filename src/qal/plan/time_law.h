@@ -33,6 +33,10 @@ class TimeLaw {
   PathMoment At(double time_s, size_t piece) const;
   PathMoment At(double time_s) const { return At(time_s, PieceAt(time_s)); }
 
+  /// The motion up to a piece, and from it on.
+  TimeLaw Before(size_t piece) const;
+  TimeLaw From(size_t piece) const;
+
   /// The same motion, that takes `factor` times as long.
   TimeLaw Slower(double factor) const;
 

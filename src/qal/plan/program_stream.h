@@ -1,0 +1,41 @@
+#ifndef QAL_PLAN_PROGRAM_STREAM_H_
+#define QAL_PLAN_PROGRAM_STREAM_H_
+
+#include <memory>
+
+#include "program.h"
+
+namespace qal {
+
+/// How many further steps the motion of a step may depend on: `ProgramStream` plans no farther
+/// ahead than twice as many.
+constexpr size_t kLookAheadSteps = 8;
+
+/// The samples of a program's motion while the rest of it is planned: those of `Sampled`, bit for
+/// bit. Not to be copied; may be moved.
+class QAL_API ProgramStream {
+ public:
+  ProgramStream(const Arm& arm, Program program);
+  ~ProgramStream();
+  ProgramStream(ProgramStream&& other) noexcept;
+  ProgramStream& operator=(ProgramStream&& other) noexcept;
+  ProgramStream(const ProgramStream&) = delete;
+  ProgramStream& operator=(const ProgramStream&) = delete;
+
+  /// The next samples, one cycle of the arm apart.
+  /// @param most of them at the most; 1 or more
+  /// @return fewer, or none, at the end of the motion; the failure where a step can't be planned,
+  ///         once the samples were read up to where the motion comes to rest before it
+  Result<Trajectory, ProgramFailure> Read(size_t most);
+
+  /// How many of the program's steps are planned.
+  size_t planned_steps() const;
+
+ private:
+  struct Held;
+  std::unique_ptr<Held> held_;
+};
+
+}  // namespace qal
+
+#endif  // QAL_PLAN_PROGRAM_STREAM_H_
