@@ -200,6 +200,8 @@ std::string Words::OfMove() const {
       return fmt::format(
           "the path leads through a {}singularity, where joints would have to turn at once",
           error_.detail.empty() ? "" : error_.detail + ' ');
+    case Reason::kNoArc:
+      return "there is no such arc: " + error_.detail;
     default:
       return "";
   }

@@ -99,14 +99,19 @@ void CutToShorter(const Corner& corner, const CornerPoint& point, const Zone& zo
   after = ReachOf(corner, point, corner.second, shorter);
 }
 
-// How steeply a zone begins: the sharper the corner, the flatter, so that its curvature is spread.
+// How steeply a zone begins, so that it is passed at a steady speed: its derivative at the ends,
+// slope * span, is what it is in the middle, (2.1875 - 0.59375 slope) * 2 cos(angle / 2) * span.
 double SlopeOf(const Corner& corner) {
-  if (corner.of_joints()) return 1.5;
+  // A corner of joints may be one of quite different speeds; one that turns back has no middle.
+  constexpr double kOfJoints = 1.7;
+  constexpr double kLeast = 0.6;
+  if (corner.of_joints()) return kOfJoints;
   const Vector3 before = corner.first.tool->RatesAt(corner.first.span).velocity;
   const Vector3 after = corner.second.tool->RatesAt(0).velocity;
   const double lengths = Length(before) * Length(after);
   const double cosine = lengths > 0 ? Dot(before, after) / lengths : 1;
-  return 1.45 + 0.3 * cosine;
+  const double half = std::sqrt(std::max(0.0, (1 + cosine) / 2));
+  return std::max(kLeast, 4.375 * half / (1 + 1.1875 * half));
 }
 
 // The distance of a point from a way's last or first `reach`.

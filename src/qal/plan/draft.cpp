@@ -23,8 +23,10 @@ Draft Outline(const LimitedPath& path, double start_speed) {
     double jerk = 1e12;
     for (const LimitedRate& rate : rates) {
       const double first = std::fabs(rate.first);
+      // Of these, something is left for what changes from place to place.
+      constexpr double kPart = 0.5;
       speed = std::min({speed, std::sqrt(rate.acceleration / std::fabs(rate.second)),
-                        std::cbrt(rate.jerk / std::fabs(rate.third))});
+                        std::cbrt(kPart * rate.jerk / std::fabs(rate.third))});
       most = std::min(most, rate.acceleration / first);
       jerk = std::min(jerk, rate.jerk / first);
     }
@@ -137,7 +139,7 @@ Draft Spaced(const Draft& draft, const LimitedPath& limited, double step_s) {
     for (; piece + 1 < path.size() && path.begin(piece + 1) < s; ++piece) {
       shortest = std::min(shortest, path.length(piece + 1));
     }
-    constexpr double kPartsOfPiece = 3;
+    constexpr double kPartsOfPiece = 5;
     constexpr double kMostParts = 100;
     const auto parts =
         static_cast<int>(std::min(kMostParts, std::ceil(kPartsOfPiece * (s - reached) / shortest)));

@@ -35,11 +35,11 @@ TimeLaw SevenPhaseLaw(const SevenPhases& phases, double begin, double end, doubl
   return law;
 }
 
-// Some motion along a path: in seconds what the way is in its units.
-TimeLaw SteadyLaw(const LimitedPath& path, double step_s) {
-  const double length = path.end() - path.begin();
-  return SevenPhaseLaw(SlowedPhases(FastestPhases(length, {1, 1, 1}), std::max(1.0, length)),
-                       path.begin(), path.end(), step_s);
+// Some motion along a path.
+TimeLaw SteadyLaw(const LimitedPath& path) {
+  const SevenPhases phases = FastestPhases(path.end() - path.begin(), {1, 1, 1});
+  constexpr int kPieces = 2000;
+  return SevenPhaseLaw(phases, path.begin(), path.end(), phases.duration_s() / kPieces);
 }
 
 // The motion through states, from place to place at a jerk that is constant but for rounding and
@@ -108,33 +108,32 @@ double SlowdownUpTo(const LimitedPath& path, const TimeLaw& law, double enough) 
 // between the places.
 class Rounds {
  public:
-  /// @param aim what to use of the limits, as a factor of the speed
-  Rounds(const LimitedPath& path, const PathState& start, double step_s, double aim)
+  Rounds(const LimitedPath& path, const PathState& start, double step_s)
       : path_(path),
         start_(start),
-        most_({aim, aim * aim, aim * aim * aim}),
         draft_(DraftOf(path, std::sqrt(start.square), step_s)),
-        margin_(draft_.places.size() - 1, most_) {}
+        margin_(draft_.places.size() - 1) {}
 
   /// One more motion; nothing where the round finds none.
   std::optional<TimeLaw> Next() {
-    const std::vector<PathState> states = FastestStates(path_, start_, draft_, margin_);
-    if (states.empty()) {
-      // The tangents at a fast motion leave too little to a slow one.
-      const size_t first = start_.square > 0 ? 1 : 0;
-      for (size_t k = first; k < draft_.speed.size(); ++k) draft_.speed[k] *= 0.5;
-      for (double& speed : draft_.half) speed *= 0.5;
-      return std::nullopt;
+    std::vector<PathState> states;
+    // The tangents at a fast motion leave too little to a slow one: where it is too fast the draft
+    // is slowed down.
+    for (int tries = 0; states.empty(); ++tries) {
+      constexpr int kMostTries = 40;
+      if (tries == kMostTries) return std::nullopt;
+      size_t dead_end = 0;
+      states = FastestStates(path_, start_, draft_, margin_, dead_end);
+      if (states.empty()) SlowDownAt(dead_end);
     }
     TimeLaw law = LawOf(draft_.places, states);
     LoadMeter meter(path_, law);
     load_ = {};
     for (Margin& here : margin_) {
       const Load load = meter.Next();
-      here.velocity = std::min(most_.velocity, here.velocity * most_.velocity / load.velocity);
-      here.acceleration =
-          std::min(most_.acceleration, here.acceleration * most_.acceleration / load.acceleration);
-      here.jerk = std::min(most_.jerk, here.jerk * most_.jerk / load.jerk);
+      here.velocity = std::min(1.0, here.velocity / load.velocity);
+      here.acceleration = std::min(1.0, here.acceleration / load.acceleration);
+      here.jerk = std::min(1.0, here.jerk / load.jerk);
       load_ = Larger(load_, load);
     }
     Redraft(law, draft_);
@@ -145,17 +144,153 @@ class Rounds {
   double slowdown() const { return load_.Slowdown(); }
 
  private:
+  void SlowDownAt(size_t place) {
+    constexpr size_t kAround = 6;
+    constexpr double kFactor = 0.75;
+    const size_t from = place > kAround ? place - kAround : 0;
+    const size_t to = std::min(place + kAround, draft_.half.size() - 1);
+    for (size_t k = from; k <= to; ++k) {
+      const double away = static_cast<double>(k > place ? k - place : place - k) / (kAround + 1);
+      const double factor = kFactor + (1 - kFactor) * away * away;
+      if (k > 0 || start_.square == 0) draft_.speed[k] *= factor;
+      draft_.half[k] *= factor;
+    }
+  }
+
   const LimitedPath& path_;
   PathState start_;
-  Margin most_;
   Draft draft_;
   std::vector<Margin> margin_;
   Load load_;
 };
 
-constexpr int kMostRounds = 8;
+// A dip in a motion's speed: by `depth` of itself at a time, and smoothly less around that.
+class Dip {
+ public:
+  Dip(double depth, double time_s, double before_s, double after_s)
+      : depth_(depth), time_s_(time_s), before_s_(before_s), after_s_(after_s) {}
+
+  /// The factor of the speed and its derivative with respect to time.
+  std::pair<double, double> At(double time_s) const {
+    const double width_s = time_s < time_s_ ? before_s_ : after_s_;
+    const double x = (time_s - time_s_) / width_s;
+    const double left = 1 - x * x;
+    if (!(left > 0)) return {1, 0};
+    return {1 - depth_ * left * left * left, depth_ * 6 * x * left * left / width_s};
+  }
+
+ private:
+  double depth_;
+  double time_s_;
+  double before_s_;
+  double after_s_;
+};
+
+// With its speed times f, whose derivative by time is f', a motion's acceleration is f^2 a + f f'
+// v.
+TimeLaw WithDips(const TimeLaw& law, const std::vector<Dip>& dips) {
+  std::vector<double> places;
+  std::vector<PathState> states;
+  for (size_t k = 0; k <= law.size(); ++k) {
+    const double time_s = k < law.size() ? law.begin_s(k) : law.duration_s();
+    const PathMoment moment = law.At(time_s, std::min(k, law.size() - 1));
+    double factor = 1;
+    double rate = 0;  // of the factor's logarithm
+    for (const Dip& dip : dips) {
+      const auto [here, change] = dip.At(time_s);
+      factor *= here;
+      rate += change / here;
+    }
+    const double speed = factor * moment.speed;
+    places.push_back(moment.s);
+    states.push_back(
+        {speed * speed, factor * factor * (moment.acceleration + rate * moment.speed)});
+  }
+  if (law.At(law.duration_s()).speed < 1e-9 * law.At(law.duration_s() / 2).speed) {
+    states.back() = {0, 0};
+  }
+  return LawOf(places, states);
+}
+
+// How long a dip in a motion's speed takes at least for what it adds to accelerations and jerks to
+// be less than what it takes away: a dip by d adds some 6 d speed / width^2 to the jerk, and takes
+// away 3 d of it.
+double WidthOf(const TimeLaw& law) {
+  double speed = 0;
+  double square = 0;  // the mean of the jerk's
+  for (size_t k = 0; k < law.size(); ++k) {
+    const PathMoment moment = law.At(law.begin_s(k) + law.length_s(k) / 2, k);
+    speed = std::max(speed, moment.speed);
+    square += law.length_s(k) / law.duration_s() * moment.jerk * moment.jerk;
+  }
+  return 2 * std::sqrt(speed / std::sqrt(square));
+}
+
+// Slows a motion down where it needs too much, and only there.
+// @return what is left to slow it down by as a whole
+double Mend(const LimitedPath& path, TimeLaw& law) {
+  constexpr int kMostTurns = 12;
+  constexpr double kMended = 2e-4;
+  double width_s = WidthOf(law);
+  double before = INFINITY;
+  for (int turn = 0;; ++turn) {
+    LoadMeter meter(path, law);
+    std::vector<double> needed(law.size());
+    for (double& here : needed) here = meter.Next().Slowdown();
+    const double slowdown = *std::max_element(needed.begin(), needed.end());
+    if (slowdown <= 1 + kMended || turn == kMostTurns) return slowdown;
+    // The dips themselves are too steep.
+    if (slowdown - 1 > 0.7 * (before - 1)) width_s *= 1.5;
+    before = slowdown;
+    std::vector<Dip> dips;
+    for (;;) {
+      const auto worst = std::max_element(needed.begin(), needed.end());
+      if (*worst <= 1 + kMended / 2) break;
+      const auto piece = static_cast<size_t>(worst - needed.begin());
+      const double time_s = law.begin_s(piece) + law.length_s(piece) / 2;
+      dips.emplace_back(1 - 1 / *worst, time_s, std::min(width_s, time_s), width_s);
+      for (size_t k = 0; k < needed.size(); ++k) {
+        const double there_s = law.begin_s(k) + law.length_s(k) / 2;
+        if (std::fabs(there_s - time_s) < width_s) needed[k] = 1;
+      }
+    }
+    law = WithDips(law, dips);
+  }
+}
+
+constexpr int kMostRounds = 5;
 // What a further round has to gain.
 constexpr double kEnough = 8e-3;
+
+// A motion, and how much slower it has to be.
+struct Driven {
+  TimeLaw law;
+  double slowdown;
+};
+
+std::optional<Driven> Drive(const LimitedPath& path, const PathState& start, double step_s) {
+  Rounds rounds(path, start, step_s);
+  std::optional<Driven> best;
+  double best_s = INFINITY;
+  for (int round = 0; round < kMostRounds; ++round) {
+    std::optional<TimeLaw> law = rounds.Next();
+    if (!law) continue;
+    const double duration_s = law->duration_s() * rounds.slowdown();
+    const double gain = 1 - duration_s / best_s;
+    if (gain > 0) {
+      best_s = duration_s;
+      best = {*std::move(law), rounds.slowdown()};
+    }
+    if (rounds.slowdown() < 1 + kEnough && gain < kEnough) break;
+  }
+  if (!best || (best->slowdown < 1 + kEnough && start.square == 0)) return best;
+  Driven mended = *best;
+  mended.slowdown = Mend(path, mended.law);
+  // Of a motion that begins at rest the better one.
+  const bool is_better = mended.law.duration_s() * mended.slowdown < best_s;
+  if (is_better || start.square > 0) return mended;
+  return best;
+}
 
 }  // namespace
 
@@ -182,42 +317,20 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
     if (slowdown <= kNearly) return best.Slower(slowdown);
   }
 
-  Rounds rounds(path, {0, 0}, step_s, 1);
-  double best_s = INFINITY;
-  for (int round = 0; round < kMostRounds; ++round) {
-    const std::optional<TimeLaw> law = rounds.Next();
-    if (!law) continue;
-    const double duration_s = law->duration_s() * rounds.slowdown();
-    const double gain = 1 - duration_s / best_s;
-    if (gain > 0) {
-      best_s = duration_s;
-      best = law->Slower(rounds.slowdown());
-    }
-    if (rounds.slowdown() < 1 + kEnough && gain < kEnough) break;
-  }
-  if (std::isfinite(best_s)) return best;
+  const std::optional<Driven> driven = Drive(path, {0, 0}, step_s);
+  if (driven) return driven->law.Slower(driven->slowdown);
   // Any motion keeps the limits if it is slow enough.
-  if (best.size() == 0) best = SteadyLaw(path, step_s);
+  if (best.size() == 0) best = SteadyLaw(path);
   return best.Slower(SlowdownOf(path, best));
 }
 
 std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const PathState& start,
                                       double cycle_s) {
-  // A motion that is moving where it begins can't be slowed down as a whole: it has to keep the
-  // limits as it is.
-  constexpr double kAim = 0.997;
-  constexpr double kTolerance = 1e-4;
-  constexpr int kMoreRounds = 2 * kMostRounds;
-  Rounds rounds(path, start, StepOf(path, JerkPhaseOf(path), cycle_s), kAim);
-  std::optional<TimeLaw> best;
-  for (int round = 0; round < kMoreRounds; ++round) {
-    std::optional<TimeLaw> law = rounds.Next();
-    if (!law || rounds.slowdown() > 1 + kTolerance) continue;
-    const double gain = best ? 1 - law->duration_s() / best->duration_s() : 1;
-    if (gain > 0) best = std::move(law);
-    if (gain < kEnough) break;
-  }
-  return best;
+  std::optional<Driven> driven = Drive(path, start, StepOf(path, JerkPhaseOf(path), cycle_s));
+  // A motion that is moving where it begins can't be slowed down as a whole.
+  constexpr double kTolerance = 2e-4;
+  if (!driven || driven->slowdown > 1 + kTolerance) return std::nullopt;
+  return std::move(driven->law);
 }
 
 // With its speed times f, which falls smoothly with s from 1 to what it takes, the acceleration is

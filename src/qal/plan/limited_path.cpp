@@ -23,8 +23,8 @@ LimitedRates::LimitedRates(const PathPoint& joints, const PathSection& section) 
             limits.turn_acceleration, limits.turn_jerk);
 }
 
-// A vector's length is at most 8 % more than the largest of its parts along directions that are 45
-// degrees apart; the law's rounds see to the rest.
+// A vector's length is at most 2 % more than the largest of its parts along directions that are
+// 22.5 degrees apart; the law's rounds see to the rest.
 void LimitedRates::AddVector(const Vector3& first, const Vector3& second, const Vector3& third,
                              double speed, double acceleration, double jerk) {
   // Less than this, in the units of the path, is no motion.
@@ -48,9 +48,11 @@ void LimitedRates::AddVector(const Vector3& first, const Vector3& second, const 
   if (moves) add(ahead);
   if (bends) add(across);
   if (!moves || !bends) return;
-  const double part = std::sqrt(0.5);
-  add(part * (ahead + across));
-  add(part * (ahead - across));
+  for (int i = 1; i < kDirections; ++i) {
+    if (2 * i == kDirections) continue;  // across
+    const double angle = kPi * i / kDirections;
+    add(std::cos(angle) * ahead + std::sin(angle) * across);
+  }
 }
 
 }  // namespace qal

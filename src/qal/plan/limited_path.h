@@ -74,7 +74,9 @@ class LimitedRates {
   // What is beyond the rates that there are is neither set nor read.
   LimitedRates(const PathPoint& joints, const PathSection& section);  // NOLINT(*-member-init)
 
-  static constexpr size_t kMost = 6 + 1 + 2 * 4;
+  /// Of a vector.
+  static constexpr int kDirections = 8;
+  static constexpr size_t kMost = 6 + 1 + 2 * kDirections;
 
   const LimitedRate* begin() const { return rate_; }
   const LimitedRate* end() const { return rate_ + count_; }

@@ -90,11 +90,19 @@ void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
     }
     path_piece_ = there;
     here_ = path_.joints.At(s, there);
-    section_ = path_.SectionAt(s, section_);
+    // A step that ends where sections meet is in the one before.
+    while (IsBeyond(s) && next_s < law_.begin_s(piece_) + law_.length_s(piece_)) ++section_;
     most = Larger(most, At(next_s));
     at_s = next_s;
     step_s *= 2;
   }
+}
+
+// Whether a place is in a later section, but for rounding.
+bool LoadMeter::IsBeyond(double s) const {
+  constexpr double kRounding = 1e-13;
+  if (section_ + 1 == path_.sections.size()) return false;
+  return s + kRounding * (path_.end() - path_.begin()) >= path_.sections[section_ + 1].begin;
 }
 
 Load LoadMeter::Next() {
@@ -102,6 +110,7 @@ Load LoadMeter::Next() {
   constexpr int kLooks = 4;
   const double begin_s = law_.begin_s(piece_);
   const double look_s = law_.length_s(piece_) / kLooks;
+  while (IsBeyond(here_.s)) ++section_;
   Load most = At(begin_s);
   for (int i = 0; i < kLooks; ++i) MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
   ++piece_;

@@ -47,6 +47,7 @@ class LoadMeter {
  private:
   Load At(double time_s) const;
   void MoveTo(double from_s, double to_s, Load& most);
+  bool IsBeyond(double s) const;
 
   const LimitedPath& path_;
   const TimeLaw& law_;

@@ -63,6 +63,7 @@ struct Passage {
   // Leaves, of what is allowed, the states from which the end can be reached; false where there
   // are none at a place.
   bool LeadBack();
+  size_t dead_end = 0;  // a place at which there are none
   // From the start on; empty where there is no way.
   std::vector<PathState> Drive();
 
@@ -138,7 +139,8 @@ bool Passage::LeadBack() {
     if (k == 0) break;  // that place has its state
     bounds.back().CutImpossible(regions[k]);
     regions[k].Simplify();
-    if (regions[k].size() == 0) return false;
+    dead_end = k;
+    if (regions[k].size() < 3) return false;
   }
   return true;
 }
@@ -161,6 +163,7 @@ std::vector<PathState> Passage::Drive() {
     if (!(low <= high + kRounding * (std::fabs(low) + std::fabs(high)))) return {};
   }
   for (size_t k = first; k + 1 < last; ++k) {
+    dead_end = k;
     if (!(states[k].square > 0)) return {};
     states[k + 1] = After(steps[k], states[k], bounds.back(), regions[k + 1]);
     bounds.pop_back();
@@ -180,9 +183,13 @@ std::vector<PathState> Passage::Drive() {
 // constraints using sequential convex programming", IEEE T-RO 29 (2013). From rest and to rest the
 // first and the last step are of constant jerk: b = 3/2 h a.
 std::vector<PathState> FastestStates(const LimitedPath& path, const PathState& start,
-                                     const Draft& draft, const std::vector<Margin>& margin) {
+                                     const Draft& draft, const std::vector<Margin>& margin,
+                                     size_t& dead_end) {
   Passage passage(path, start, draft, margin);
-  return passage.LeadBack() ? passage.Drive() : std::vector<PathState>();
+  std::vector<PathState> states;
+  if (passage.LeadBack()) states = passage.Drive();
+  dead_end = passage.dead_end;
+  return states;
 }
 
 }  // namespace qal

@@ -16,9 +16,11 @@ namespace qal {
 /// @param draft  a motion that is about as fast: the closer, the better the answer, which keeps the
 ///               limits whatever it is
 /// @param margin of each step from place to place
-/// @return empty where there is none: for want of digits, or since the start leads into none
+/// @param dead_end out: where there is none, the place at which the draft is too fast, or its start
+/// @return empty where there is none
 std::vector<PathState> FastestStates(const LimitedPath& path, const PathState& start,
-                                     const Draft& draft, const std::vector<Margin>& margin);
+                                     const Draft& draft, const std::vector<Margin>& margin,
+                                     size_t& dead_end);
 
 }  // namespace qal
 
