@@ -108,11 +108,8 @@ double SlowdownUpTo(const LimitedPath& path, const TimeLaw& law, double enough) 
 // between the places.
 class Rounds {
  public:
-  Rounds(const LimitedPath& path, const PathState& start, double step_s)
-      : path_(path),
-        start_(start),
-        draft_(DraftOf(path, std::sqrt(start.square), step_s)),
-        margin_(draft_.places.size() - 1) {}
+  Rounds(const LimitedPath& path, const PathState& start, Draft draft)
+      : path_(path), start_(start), draft_(std::move(draft)), margin_(draft_.places.size() - 1) {}
 
   /// One more motion; nothing where the round finds none.
   std::optional<TimeLaw> Next() {
@@ -186,6 +183,11 @@ class Dip {
   double after_s_;
 };
 
+// At a piece's begin, and at the law's end.
+PathMoment MomentOf(const TimeLaw& law, size_t k) {
+  return k < law.size() ? law.At(law.begin_s(k), k) : law.At(law.duration_s(), k - 1);
+}
+
 // With its speed times f, whose derivative by time is f', a motion's acceleration is f^2 a + f f'
 // v.
 TimeLaw WithDips(const TimeLaw& law, const std::vector<Dip>& dips) {
@@ -193,7 +195,7 @@ TimeLaw WithDips(const TimeLaw& law, const std::vector<Dip>& dips) {
   std::vector<PathState> states;
   for (size_t k = 0; k <= law.size(); ++k) {
     const double time_s = k < law.size() ? law.begin_s(k) : law.duration_s();
-    const PathMoment moment = law.At(time_s, std::min(k, law.size() - 1));
+    const PathMoment moment = MomentOf(law, k);
     double factor = 1;
     double rate = 0;  // of the factor's logarithm
     for (const Dip& dip : dips) {
@@ -206,9 +208,7 @@ TimeLaw WithDips(const TimeLaw& law, const std::vector<Dip>& dips) {
     states.push_back(
         {speed * speed, factor * factor * (moment.acceleration + rate * moment.speed)});
   }
-  if (law.At(law.duration_s()).speed < 1e-9 * law.At(law.duration_s() / 2).speed) {
-    states.back() = {0, 0};
-  }
+  states.back() = {0, 0};
   return LawOf(places, states);
 }
 
@@ -262,14 +262,37 @@ constexpr int kMostRounds = 5;
 // What a further round has to gain.
 constexpr double kEnough = 8e-3;
 
+// A draft that begins as a motion that is known, and is itself from the middle of that one on:
+// there the motion begins to come to rest.
+Draft BeginningAs(const TimeLaw& known, const Draft& draft) {
+  Draft joined;
+  const double begin = draft.places.front();
+  const double join = (begin + known.At(known.duration_s()).s) / 2;
+  for (size_t k = 0; k < known.size(); ++k) {
+    const PathMoment moment = known.At(known.begin_s(k), k);
+    if (moment.s >= join) break;
+    joined.places.push_back(k == 0 ? begin : moment.s);
+    joined.speed.push_back(moment.speed);
+    joined.half.push_back(known.At(known.begin_s(k) + known.length_s(k) / 2, k).speed);
+  }
+  for (size_t k = 0; k < draft.places.size(); ++k) {
+    if (draft.places[k] < join) continue;
+    joined.places.push_back(draft.places[k]);
+    joined.speed.push_back(draft.speed[k]);
+    if (k < draft.half.size()) joined.half.push_back(draft.half[k]);
+  }
+  return joined;
+}
+
 // A motion, and how much slower it has to be.
 struct Driven {
   TimeLaw law;
   double slowdown;
 };
 
-std::optional<Driven> Drive(const LimitedPath& path, const PathState& start, double step_s) {
-  Rounds rounds(path, start, step_s);
+// @return nothing where no round finds a motion
+std::optional<Driven> Drive(const LimitedPath& path, const PathState& start, Draft draft) {
+  Rounds rounds(path, start, std::move(draft));
   std::optional<Driven> best;
   double best_s = INFINITY;
   for (int round = 0; round < kMostRounds; ++round) {
@@ -283,13 +306,34 @@ std::optional<Driven> Drive(const LimitedPath& path, const PathState& start, dou
     }
     if (rounds.slowdown() < 1 + kEnough && gain < kEnough) break;
   }
-  if (!best || (best->slowdown < 1 + kEnough && start.square == 0)) return best;
-  Driven mended = *best;
-  mended.slowdown = Mend(path, mended.law);
-  // Of a motion that begins at rest the better one.
-  const bool is_better = mended.law.duration_s() * mended.slowdown < best_s;
-  if (is_better || start.square > 0) return mended;
   return best;
+}
+
+// A motion that begins as another one, whose places it shares there, and goes over to its own. They
+// are nearly the same; the square of the speed is mixed, from which the acceleration follows.
+TimeLaw GoingOver(const TimeLaw& known, const TimeLaw& law) {
+  const double begin_s = WidthOf(law);
+  const double length_s = 2 * begin_s;
+  std::vector<double> places;
+  std::vector<PathState> states;
+  for (size_t k = 0; k <= law.size(); ++k) {
+    const PathMoment moment = MomentOf(law, k);
+    PathState state = {moment.speed * moment.speed, moment.acceleration};
+    if (k < known.size() && known.begin_s(k) < begin_s + length_s) {
+      const PathMoment first = MomentOf(known, k);
+      const double x = std::clamp((known.begin_s(k) - begin_s) / length_s, 0.0, 1.0);
+      const double part = x * x * x * (10 - x * (15 - 6 * x));
+      const double rate = 30 * x * x * (1 - x) * (1 - x) / length_s / first.speed;
+      const double more = state.square - first.speed * first.speed;
+      state.square = first.speed * first.speed + part * more;
+      state.acceleration =
+          first.acceleration + part * (state.acceleration - first.acceleration) + rate * more / 2;
+    }
+    places.push_back(moment.s);
+    states.push_back(state);
+  }
+  states.back() = {0, 0};
+  return LawOf(places, states);
 }
 
 }  // namespace
@@ -317,20 +361,34 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
     if (slowdown <= kNearly) return best.Slower(slowdown);
   }
 
-  const std::optional<Driven> driven = Drive(path, {0, 0}, step_s);
-  if (driven) return driven->law.Slower(driven->slowdown);
-  // Any motion keeps the limits if it is slow enough.
-  if (best.size() == 0) best = SteadyLaw(path);
-  return best.Slower(SlowdownOf(path, best));
+  std::optional<Driven> driven = Drive(path, {0, 0}, DraftOf(path, 0, step_s));
+  if (!driven) {
+    // Any motion keeps the limits if it is slow enough.
+    if (best.size() == 0) best = SteadyLaw(path);
+    return best.Slower(SlowdownOf(path, best));
+  }
+  if (driven->slowdown >= 1 + kEnough) {
+    TimeLaw mended = driven->law;
+    const double slowdown = Mend(path, mended);
+    if (mended.duration_s() * slowdown < driven->law.duration_s() * driven->slowdown) {
+      return mended.Slower(slowdown);
+    }
+  }
+  return driven->law.Slower(driven->slowdown);
 }
 
-std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const PathState& start,
+std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const TimeLaw& known,
                                       double cycle_s) {
-  std::optional<Driven> driven = Drive(path, start, StepOf(path, JerkPhaseOf(path), cycle_s));
+  const PathMoment start = known.At(0, 0);
+  const Draft draft = DraftOf(path, start.speed, StepOf(path, JerkPhaseOf(path), cycle_s));
+  const auto driven =
+      Drive(path, {start.speed * start.speed, start.acceleration}, BeginningAs(known, draft));
+  if (!driven) return std::nullopt;
+  TimeLaw law = GoingOver(known, driven->law);
   // A motion that is moving where it begins can't be slowed down as a whole.
   constexpr double kTolerance = 2e-4;
-  if (!driven || driven->slowdown > 1 + kTolerance) return std::nullopt;
-  return std::move(driven->law);
+  if (Mend(path, law) > 1 + kTolerance) return std::nullopt;
+  return law;
 }
 
 // With its speed times f, which falls smoothly with s from 1 to what it takes, the acceleration is
@@ -339,8 +397,7 @@ TimeLaw SlowedTo(const TimeLaw& law, double duration_s) {
   std::vector<double> places;
   std::vector<PathState> states;
   for (size_t k = 0; k <= law.size(); ++k) {
-    const PathMoment moment =
-        k < law.size() ? law.At(law.begin_s(k), k) : law.At(law.duration_s(), k - 1);
+    const PathMoment moment = MomentOf(law, k);
     places.push_back(moment.s);
     states.push_back({moment.speed * moment.speed, moment.acceleration});
   }

@@ -14,10 +14,11 @@ namespace qal {
 /// @param cycle_s of the arm: the states that it is made of are 2 cycles apart or more
 TimeLaw FastestLaw(const LimitedPath& path, double cycle_s);
 
-/// The fastest motion along a path from a state at its begin to rest.
-/// @param start within the limits, and such that there is a motion to rest from there
-/// @return nothing where none is found that keeps the limits to 3e-4 of them
-std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const PathState& start,
+/// The fastest motion along a path to rest that begins in motion.
+/// @param known a motion that keeps the limits, and comes to rest before the path's end; where the
+///              path begins it is the one that is asked for
+/// @return nothing where none is found that keeps the limits to 2e-4 of them
+std::optional<TimeLaw> FastestLawFrom(const LimitedPath& path, const TimeLaw& known,
                                       double cycle_s);
 
 /// A motion to rest made slower so that it takes this long. It begins as it did.

@@ -136,7 +136,6 @@ bool Passage::LeadBack() {
   const size_t first = from_rest() ? 1 : 0;
   for (size_t k = last - 1; k-- > first;) {
     bounds.emplace_back(steps[k], regions[k + 1]);
-    if (k == 0) break;  // that place has its state
     bounds.back().CutImpossible(regions[k]);
     regions[k].Simplify();
     dead_end = k;
@@ -148,7 +147,6 @@ bool Passage::LeadBack() {
 std::vector<PathState> Passage::Drive() {
   std::vector<PathState> states(last + 1, PathState{0, 0});
   size_t first = 0;
-  states[0] = start;
   if (from_rest()) {
     first = 1;
     const Region started = CutTo(regions[1], Region::Between({0, 0}, FromRest(steps[0])));
@@ -157,10 +155,7 @@ std::vector<PathState> Passage::Drive() {
       if (state.acceleration > states[1].acceleration) states[1] = state;
     }
   } else {
-    constexpr double kRounding = 1e-6;
-    const double low = bounds.back().Low(start);
-    const double high = bounds.back().High(start);
-    if (!(low <= high + kRounding * (std::fabs(low) + std::fabs(high)))) return {};
+    states[0] = Within(regions[0], start);
   }
   for (size_t k = first; k + 1 < last; ++k) {
     dead_end = k;

@@ -12,7 +12,7 @@ namespace qal {
 
 /// At each place the state of the fastest motion from a state to rest. From place to place the jerk
 /// is constant.
-/// @param start  the state at the path's begin
+/// @param start  the state at the path's begin: rest, or one in motion, to begin about as that
 /// @param draft  a motion that is about as fast: the closer, the better the answer, which keeps the
 ///               limits whatever it is
 /// @param margin of each step from place to place

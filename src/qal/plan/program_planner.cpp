@@ -96,7 +96,6 @@ std::optional<ProgramFailure> ProgramPlanner::PlanStep() {
   const ProgramStep& step = program_.steps[next_];
   if (IsMotion(step)) {
     run_ = std::make_unique<RunPath>(arm_, program_, next_, state_);
-    start_ = {0, 0};
     return PlanWindow();
   }
   if (auto refused = StandStill(step)) return ProgramFailure{{*refused, 0, state_}, next_};
@@ -154,13 +153,13 @@ std::optional<ProgramFailure> ProgramPlanner::PlanWindow() {
   }
   const double cycle_s = arm_.cycle_s().value;
   std::optional<TimeLaw> law;
-  if (start_.square > 0) {
-    law = FastestLawFrom(made.path, start_, cycle_s);
+  if (stopping_law_.size() > 0) {
+    law = FastestLawFrom(made.path, stopping_law_, cycle_s);
     if (!law) {
       // Then it stops where it would have stopped anyway, had there been no more steps.
       made.CutBefore(stopping_.path.end());
       ComeToRest();
-      start_ = {0, 0};
+      return std::nullopt;
     }
   }
   if (!law) law = FastestLaw(made.path, cycle_s);
@@ -179,7 +178,6 @@ std::optional<ProgramFailure> ProgramPlanner::PlanWindow() {
   made.CutBefore(moment.s);
   stopping_ = made;
   stopping_law_ = law->From(piece);
-  start_ = {moment.speed * moment.speed, moment.acceleration};
   return std::nullopt;
 }
 

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "program_stream.h"
-#include "region.h"
 #include "run_path.h"
 #include "time_law.h"
 
@@ -70,8 +69,7 @@ class ProgramPlanner {
   State begin_ = {};
   State state_ = {};  // where the last block ends, if it stops
   std::unique_ptr<RunPath> run_;
-  PathState start_ = {0, 0};  // of the next window
-  StepPath stopping_;         // how the last window would have come to rest, from there on
+  StepPath stopping_;  // how the last window would have come to rest, from there on
   TimeLaw stopping_law_;
   std::deque<ProgramBlock> blocks_;
   std::optional<ProgramFailure> failure_;
