@@ -79,7 +79,6 @@ Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& dr
     : start(from), last(draft.places.size() - 1), steps(last), regions(last + 1) {
   const std::vector<double>& places = draft.places;
   std::vector<double> most(last + 1);
-  std::vector<bool> meets(last + 1);  // where sections meet, and a limit may jump
   size_t piece = 0;
   size_t section = 0;
   for (size_t k = 0; k < last; ++k) {
@@ -92,9 +91,8 @@ Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& dr
     const LimitedRates at(joints, path.sections[section]);
     double most_speed = at.most_speed();
     // Where sections meet both hold.
-    meets[k] = section > 0 && places[k] == path.sections[section].begin;
     std::optional<LimitedRates> other;
-    if (meets[k]) {
+    if (section > 0 && places[k] == path.sections[section].begin) {
       other.emplace(joints, path.sections[section - 1]);
       most_speed = std::min(most_speed, other->most_speed());
     }
@@ -113,14 +111,11 @@ Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& dr
   for (size_t k = 1; k < last; ++k) {
     const double before = steps[k - 1].h;
     const double after = steps[k].h;
-    double next = most[k + 1];
-    double previous = most[k - 1];
-    if (!meets[k]) {
-      const double slope = (next - previous) / (before + after);
-      next = most[k] + after * slope;
-      previous = most[k] - before * slope;
-    }
-    if (!std::isfinite(next) || !std::isfinite(previous)) continue;
+    const double slope = (most[k + 1] - most[k - 1]) / (before + after);
+    if (!std::isfinite(slope)) continue;
+    // Where the limit jumps there is no slope to speak of.
+    const double next = std::max(most[k] + after * slope, std::min(most[k], most[k + 1]));
+    const double previous = std::max(most[k] - before * slope, std::min(most[k], most[k - 1]));
     regions[k].Cut({1, 2 * after, next});
     regions[k].Cut({1, -2 * before, previous});
   }
