@@ -75,6 +75,17 @@ Load LoadMeter::At(double time_s) const {
   return LoadAt(here_, law_.At(time_s, piece_), path_.sections[section_]);
 }
 
+namespace {
+
+// The top of the parabola through three values at equal distances; of one within, the middle one.
+double Peak(double before, double here, double after) {
+  if (!(here > before && here > after)) return here;
+  const double slope = before - after;
+  return here + slope * slope / (16 * (here - (before + after) / 2));
+}
+
+}  // namespace
+
 void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
   // A law that is faster than its numbers can tell is none.
   constexpr double kShortestS = 1e-9;
@@ -108,11 +119,25 @@ bool LoadMeter::IsBeyond(double s) const {
 Load LoadMeter::Next() {
   // Within a piece nothing jumps, and what bends does so over some of its lengths.
   constexpr int kLooks = 4;
+  constexpr int kLooksWhereItBends = 8;
   const double begin_s = law_.begin_s(piece_);
-  const double look_s = law_.length_s(piece_) / kLooks;
   while (IsBeyond(here_.s)) ++section_;
-  Load most = At(begin_s);
-  for (int i = 0; i < kLooks; ++i) MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
+  const bool is_straight = path_.sections[section_].straight;
+  const int looks = is_straight ? kLooks : kLooksWhereItBends;
+  const double look_s = law_.length_s(piece_) / looks;
+  Load before = At(begin_s);
+  Load here = before;
+  Load most = before;
+  for (int i = 0; i < looks; ++i) {
+    MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
+    if (is_straight) continue;
+    const Load after = At(begin_s + (i + 1) * look_s);
+    most.acceleration = std::max(most.acceleration,
+                                 Peak(before.acceleration, here.acceleration, after.acceleration));
+    most.jerk = std::max(most.jerk, Peak(before.jerk, here.jerk, after.jerk));
+    before = here;
+    here = after;
+  }
   ++piece_;
   return most;
 }
