@@ -23,10 +23,8 @@ Draft Outline(const LimitedPath& path, double start_speed) {
     double jerk = 1e12;
     for (const LimitedRate& rate : rates) {
       const double first = std::fabs(rate.first);
-      // Of these, something is left for what changes from place to place.
-      constexpr double kPart = 0.5;
       speed = std::min({speed, std::sqrt(rate.acceleration / std::fabs(rate.second)),
-                        std::cbrt(kPart * rate.jerk / std::fabs(rate.third))});
+                        std::cbrt(rate.jerk / std::fabs(rate.third))});
       most = std::min(most, rate.acceleration / first);
       jerk = std::min(jerk, rate.jerk / first);
     }
@@ -132,6 +130,7 @@ Draft Spaced(const Draft& draft, const LimitedPath& limited, double step_s) {
   const double interval_s = timed.duration_s() / count;
   std::vector<double> times;
   size_t piece = 0;
+  size_t section = 0;
   double reached = draft.places.front();
   for (int i = 1; i <= count; ++i) {
     const double s = i < count ? timed.At(i * interval_s).first : draft.places.back();
@@ -139,10 +138,13 @@ Draft Spaced(const Draft& draft, const LimitedPath& limited, double step_s) {
     for (; piece + 1 < path.size() && path.begin(piece + 1) < s; ++piece) {
       shortest = std::min(shortest, path.length(piece + 1));
     }
-    constexpr double kPartsOfPiece = 5;
+    // Where the tool goes straight, and where it doesn't.
+    constexpr double kPartsOfPiece[] = {3, 5};
+    section = limited.SectionAt(s, section);
+    const double parts_of_piece = kPartsOfPiece[limited.sections[section].straight ? 0 : 1];
     constexpr double kMostParts = 100;
-    const auto parts =
-        static_cast<int>(std::min(kMostParts, std::ceil(kPartsOfPiece * (s - reached) / shortest)));
+    const auto parts = static_cast<int>(
+        std::min(kMostParts, std::ceil(parts_of_piece * (s - reached) / shortest)));
     for (int part = 1; part <= parts; ++part) {
       times.push_back((i - 1 + static_cast<double>(part) / parts) * interval_s);
     }
@@ -159,9 +161,9 @@ Draft Spaced(const Draft& draft, const LimitedPath& limited, double step_s) {
   spaced.places.push_back(draft.places.back());
   spaced.speed.push_back(0);
   double before = spaced.places.front();
-  for (const PathSection& section : limited.sections) {
-    PutPlace(section.begin, before, spaced);
-    before = section.begin;
+  for (const PathSection& each : limited.sections) {
+    PutPlace(each.begin, before, spaced);
+    before = each.begin;
   }
   for (size_t i = 1; i < spaced.speed.size(); ++i) {
     const double v0 = spaced.speed[i - 1];

@@ -128,7 +128,10 @@ class Rounds {
     load_ = {};
     for (Margin& here : margin_) {
       const Load load = meter.Next();
-      here.velocity = std::min(1.0, here.velocity / load.velocity);
+      // Between places the limit of speed is exceeded by what a motion can be slowed down by as a
+      // whole, as a rule.
+      constexpr double kTooFast = 1.002;
+      if (load.velocity > kTooFast) here.velocity /= load.velocity;
       here.acceleration = std::min(1.0, here.acceleration / load.acceleration);
       here.jerk = std::min(1.0, here.jerk / load.jerk);
       load_ = Larger(load_, load);

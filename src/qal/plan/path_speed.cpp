@@ -112,10 +112,15 @@ Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& dr
     const double before = steps[k - 1].h;
     const double after = steps[k].h;
     const double slope = (most[k + 1] - most[k - 1]) / (before + after);
-    if (!std::isfinite(slope)) continue;
+    double next = most[k] + after * slope;
+    double previous = most[k] - before * slope;
     // Where the limit jumps there is no slope to speak of.
-    const double next = std::max(most[k] + after * slope, std::min(most[k], most[k + 1]));
-    const double previous = std::max(most[k] - before * slope, std::min(most[k], most[k - 1]));
+    constexpr double kJump = 0.2;
+    if (!(std::min(next, previous) > kJump * most[k])) {
+      next = std::max(next, std::min(most[k], most[k + 1]));
+      previous = std::max(previous, std::min(most[k], most[k - 1]));
+    }
+    if (!std::isfinite(next) || !std::isfinite(previous)) continue;
     regions[k].Cut({1, 2 * after, next});
     regions[k].Cut({1, -2 * before, previous});
   }
@@ -129,6 +134,7 @@ bool Passage::LeadBack() {
       CutTo(regions[last - 1],
             Region::Between({kNearly * stop, -kNearly * deceleration}, {stop, -deceleration}));
   const size_t first = from_rest() ? 1 : 0;
+  bounds.reserve(last);
   for (size_t k = last - 1; k-- > first;) {
     bounds.emplace_back(steps[k], regions[k + 1]);
     bounds.back().CutImpossible(regions[k]);

@@ -54,11 +54,17 @@ Region AllowedAt(const LimitedRates& rates, const Margin& margin, double most_sq
   const double least = std::min(LeastSquare(reference), fastest);
   // More than any motion: for places where nothing moves with s.
   double most = 1e9;
+  double per = 1;  // in place of a division by each
   for (const LimitedRate& rate : rates) {
     // |second * b + first * a| <= limit, b within what is allowed.
-    const double limit = margin.acceleration * rate.acceleration;
-    most = std::min(most, (limit + std::fabs(rate.second) * fastest) / std::fabs(rate.first));
+    const double here = margin.acceleration * rate.acceleration + std::fabs(rate.second) * fastest;
+    const double first = std::fabs(rate.first);
+    if (here * per < most * first) {
+      most = here;
+      per = first;
+    }
   }
+  most /= per;
   Region region({least, -most}, {fastest, most});
   for (const LimitedRate& rate : rates) {
     const double limit = margin.acceleration * rate.acceleration;
