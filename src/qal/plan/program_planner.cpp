@@ -45,8 +45,8 @@ ProgramPlanner::ProgramPlanner(const Arm& arm, const Program& program)
     : arm_(arm), program_(program) {}
 
 std::optional<ProgramFailure> ProgramPlanner::Next() {
-  // A block is held back, since the last one of all is changed.
-  while (!planned_ && blocks_.size() < 2) {
+  // One that stops is held back, since the last one of all is changed.
+  while (!planned_ && (blocks_.empty() || (blocks_.size() == 1 && blocks_.front().stops))) {
     failure_ = PlanStep();
     if (failure_) ComeToRest();
     planned_ = planned_ || failure_.has_value();

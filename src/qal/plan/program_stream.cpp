@@ -11,17 +11,14 @@ struct [[gnu::visibility("hidden")]] ProgramStream::Held {
   Held(const Arm& arm, Program given)
       : program(std::move(given)), cycle_s(arm.cycle_s().value), planner(arm, program) {}
 
-  // Takes blocks until one holds the time; false at the end of the motion.
-  Result<bool, ProgramFailure> Advance(double time_s) {
-    while (!block || time_s >= block->begin_s + block->duration_s) {
-      if (!ended) {
-        if (auto failure = planner.Next()) return *std::move(failure);
-        ended = planner.done();
-      }
-      if (ended) return block.has_value();
-      block = planner.Take();
+  // Takes blocks until one holds the time; the last one holds its end. False where there is none.
+  bool Advance(double time_s) {
+    while (!ended && (!block || time_s >= block->begin_s + block->duration_s)) {
+      failure = planner.Next();
+      ended = failure || planner.done();
+      if (!ended) block = planner.Take();
     }
-    return true;
+    return block.has_value();
   }
 
   Program program;
@@ -29,8 +26,9 @@ struct [[gnu::visibility("hidden")]] ProgramStream::Held {
   ProgramPlanner planner;
   std::optional<ProgramBlock> block;
   double next = 0;  // sample
-  bool ended = false;
-  bool finished = false;
+  std::optional<ProgramFailure> failure;
+  bool ended = false;     // there are no more blocks
+  bool finished = false;  // nor samples
 };
 
 ProgramStream::ProgramStream(const Arm& arm, Program program)
@@ -45,19 +43,15 @@ Result<Trajectory, ProgramFailure> ProgramStream::Read(size_t most) {
   Trajectory samples;
   while (samples.size() < most && !held_->finished) {
     const double time_s = TimeOf(held_->next, held_->cycle_s);
-    auto there = held_->Advance(time_s);
-    if (!there) {
-      // What was read before the failure is worth having.
-      if (!samples.empty()) return samples;
-      return there.error();
-    }
+    const bool is_there = held_->Advance(time_s);
     held_->finished = held_->ended;
-    if (!*there) break;
+    if (!is_there) break;
     const ProgramBlock& block = *held_->block;
     samples.push_back(block.SampleAt(time_s - block.begin_s));
     samples.back().time_s = time_s;
     held_->next += 1;
   }
+  if (samples.empty() && held_->failure) return *held_->failure;
   return samples;
 }
 

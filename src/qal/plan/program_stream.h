@@ -7,8 +7,9 @@
 
 namespace qal {
 
-/// How many further steps the motion of a step may depend on: `ProgramStream` plans no farther
-/// ahead than twice as many.
+/// How many steps ahead the motion along a step is settled: a run without a stop is planned in
+/// windows of twice as many steps, of which the first half is kept. So the first samples are there
+/// once that many steps are planned.
 constexpr size_t kLookAheadSteps = 8;
 
 /// The samples of a program's motion while the rest of it is planned: those of `Sampled`, bit for
