@@ -14,10 +14,11 @@ double Area(const PathState& a, const PathState& b, const PathState& c) {
 }
 
 // Whether two corners are one but for rounding: an edge between them would lead anywhere.
-bool Same(const PathState& a, const PathState& b) {
+// @param largest of the region's, as one of them may be 0
+bool Same(const PathState& a, const PathState& b, const PathState& largest) {
   constexpr double kRounding = 1e-12;
-  return std::fabs(a.square - b.square) <= kRounding * std::fabs(a.square) &&
-         std::fabs(a.acceleration - b.acceleration) <= kRounding * std::fabs(a.acceleration);
+  return std::fabs(a.square - b.square) <= kRounding * largest.square &&
+         std::fabs(a.acceleration - b.acceleration) <= kRounding * largest.acceleration;
 }
 
 }  // namespace
@@ -55,15 +56,19 @@ HalfPlane Region::Edge(size_t i) const {
 void Region::Cut(const HalfPlane& plane) {
   double excess[kMostCorners] = {};
   bool all = true;
+  PathState largest = {0, 0};
   for (size_t i = 0; i < size_; ++i) {
-    excess[i] = plane.Excess(corners_[i].state);
+    const PathState& corner = corners_[i].state;
+    excess[i] = plane.Excess(corner);
     all = all && excess[i] <= 0;
+    largest.square = std::max(largest.square, std::fabs(corner.square));
+    largest.acceleration = std::max(largest.acceleration, std::fabs(corner.acceleration));
   }
   if (all) return;
   std::array<Corner, kMostCorners + 2> kept;
   size_t count = 0;
   const auto keep = [&](const Corner& corner) {
-    if (count == 0 || !Same(corner.state, kept[count - 1].state)) kept[count++] = corner;
+    if (count == 0 || !Same(corner.state, kept[count - 1].state, largest)) kept[count++] = corner;
   };
   for (size_t i = 0; i < size_; ++i) {
     const size_t next = i + 1 == size_ ? 0 : i + 1;
@@ -78,7 +83,7 @@ void Region::Cut(const HalfPlane& plane) {
             0});
     }
   }
-  if (count > 1 && Same(kept[0].state, kept[count - 1].state)) --count;
+  if (count > 1 && Same(kept[0].state, kept[count - 1].state, largest)) --count;
   size_ = std::min(count, kMostCorners);
   std::copy_n(kept.begin(), size_, corners_.begin());
 }

@@ -27,6 +27,13 @@ Bounds::Bounds(const StepLimits& step, const Region& after) {
 void Bounds::CutImpossible(Region& region) const {
   constexpr double kRounding = 1e-9;
   constexpr int kMostCuts = 30;
+  // At a limit of speed, with no acceleration, both are 0 but for the rounding of others; without
+  // that corner no motion would stay at the limit.
+  constexpr double kZero = 1e-12;
+  double largest = 0;
+  for (size_t i = 0; i < region.size(); ++i) {
+    largest = std::max(largest, std::fabs(region[i].state.acceleration));
+  }
   for (int cuts = 0; cuts < kMostCuts; ++cuts) {
     double worst = 0;
     size_t where = 0;
@@ -35,7 +42,8 @@ void Bounds::CutImpossible(Region& region) const {
       if (!corner.known) {
         const double low = Low(corner.state);
         const double high = High(corner.state);
-        corner.outside = low - high - kRounding * (std::fabs(low) + std::fabs(high));
+        corner.outside =
+            low - high - kRounding * (std::fabs(low) + std::fabs(high)) - kZero * largest;
         corner.known = true;
       }
       if (!(corner.outside > worst)) continue;
