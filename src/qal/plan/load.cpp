@@ -32,20 +32,22 @@ Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathSection
   Load load = {std::fabs(moment.speed) / section.speed,
                std::fabs(moment.acceleration) / section.acceleration,
                std::fabs(moment.jerk) / section.jerk};
-  // What is needed between two looks is a little more than at them.
+  // What is needed between two looks is a little more than at them, of jerks where the path bends
+  // most.
   constexpr double kBetween = 1.0003;
+  const double jerk_between = section.straight ? kBetween : 1.0015;
   for (size_t j = 0; j < 6; ++j) {
     load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / section.joint_velocity[j]);
     load.acceleration = std::max(
         load.acceleration, kBetween * std::fabs(accelerations[j]) / section.joint_acceleration[j]);
-    load.jerk = std::max(load.jerk, kBetween * std::fabs(jerks[j]) / section.joint_jerk[j]);
+    load.jerk = std::max(load.jerk, jerk_between * std::fabs(jerks[j]) / section.joint_jerk[j]);
   }
   if (section.straight || section.tool == nullptr) return load;
   const ToolRates tool = section.ToolAt(joints.s);
   Load of_tool = Larger(ToolLoad(tool, moment, section.tool_limits),
                         TurnLoad(tool, moment, section.tool_limits));
   of_tool.acceleration *= kBetween;
-  of_tool.jerk *= kBetween;
+  of_tool.jerk *= jerk_between;
   return Larger(load, of_tool);
 }
 
