@@ -89,7 +89,8 @@ void CutToShorter(const Corner& corner, const CornerPoint& point, const Zone& zo
     const double tool_m = DistancesAt(corner, point, side, reach).tool_m;
     const bool is_cut = reach >= kMostOfWay * side.span;
     // A turn on the spot is no shorter way.
-    return is_cut && tool_m > kShortest ? tool_m : kNoLimit;
+    if (!is_cut || tool_m <= kShortest) return kNoLimit;
+    return tool_m;
   };
   Zone shorter = zone;
   shorter.tool_m =

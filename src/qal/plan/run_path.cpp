@@ -45,6 +45,12 @@ double FarthestJoint(const JointPath& path, const Joints& from) {
   return farthest;
 }
 
+// A failure on a way that begins at a place of the path.
+ProgramFailure FailedOn(const Way& way, double begin, PlanFailure failure) {
+  failure.along = std::clamp((failure.along - begin) / way.span, 0.0, 1.0);
+  return {std::move(failure), way.step};
+}
+
 }  // namespace
 
 double StepPath::AlongAt(double s, size_t section) const {
@@ -81,30 +87,25 @@ void StepPath::CutBefore(double s) {
                 corners.end());
 }
 
-ProgramFailure RunPath::FailedOn(const Way& way, double begin, PlanFailure failure) const {
-  failure.along = std::clamp((failure.along - begin) / way.span, 0.0, 1.0);
-  return {std::move(failure), way.step};
-}
-
 // The next step that moves, if the motion goes on without a stop before it.
 RunPath::Failure RunPath::FindWay(const WayStart& start, std::optional<Way>& way) {
   for (; next_ < program_.steps.size() && IsMotion(program_.steps[next_]); ++next_) {
-    Result<Way> made = WayOf(arm_, program_.steps[next_], start);
-    if (!made) {
+    Result<Way> found = WayOf(arm_, program_.steps[next_], start);
+    if (!found) {
       PlanFailure failure;
-      failure.error = made.error();
+      failure.error = found.error();
       // What is wrong with a step is so at its end.
       failure.along = 1;
       failure.before = {start.joints, start.pose};
       return ProgramFailure{std::move(failure), next_};
     }
-    made->step = next_;
-    if (made->moves()) {
-      way = *std::move(made);
+    found->step = next_;
+    if (found->moves()) {
+      way = *std::move(found);
       ++next_;
       return std::nullopt;
     }
-    if (way_ && !made->zone) {
+    if (way_ && !found->zone) {
       ++next_;
       return std::nullopt;
     }

@@ -80,7 +80,6 @@ class RunPath {
   Failure Stop(JointPath joints, double reached);
   Failure AppendWay(JointPath joints, double to);
   std::optional<JointPath> PathFrom(const Way& way, double begin, const Joints& joints) const;
-  ProgramFailure FailedOn(const Way& way, double begin, PlanFailure failure) const;
 
   const Arm& arm_;
   const Program& program_;

@@ -28,17 +28,17 @@ struct StepLimits {
   // cppcheck-suppress uninitMemberVar
   StepLimits() {}  // NOLINT(*-use-equals-default, *-member-init)
 
-  double h;
-  double after;
-  double place;
-  double halfway;
+  double h = 0;
+  double after = 0;
+  double place = 0;
+  double halfway = 0;
   size_t rates = 0;
   double first[LimitedRates::kMost];
   double second[LimitedRates::kMost];
   double third[LimitedRates::kMost];
-  double at_zero;
-  double slope;
-  double least_square;  // at half the time
+  double at_zero = 0;
+  double slope = 0;
+  double least_square = 0;  // at half the time
 };
 
 /// By a reference's speeds at the step's ends and at half its time, whose speed is quadratic in

@@ -45,11 +45,11 @@ TimeLaw TimeLaw::Before(size_t piece) const {
 
 TimeLaw TimeLaw::From(size_t piece) const {
   TimeLaw from = *this;
-  const double begin_s = pieces_[piece].begin;
+  const double gone_s = pieces_[piece].begin;
   from.pieces_.erase(from.pieces_.begin(),
                      from.pieces_.begin() + static_cast<std::ptrdiff_t>(piece));
-  for (Piece& p : from.pieces_) p.begin -= begin_s;
-  from.duration_s_ -= begin_s;
+  for (Piece& p : from.pieces_) p.begin -= gone_s;
+  from.duration_s_ -= gone_s;
   return from;
 }
 
