@@ -165,8 +165,9 @@ TEST(Program, KeepsTheToolSpeedWhereNoLimitBinds) {
     EXPECT_NEAR(0.05, SpeedAt(slow, time_s), 2e-4);
   }
   const ProgramMotion fast = bend(0.4);
-  ASSERT_FALSE(fast.slow_stretches().empty());
-  const SlowStretch& told = fast.slow_stretches()[0];
+  const std::vector<SlowStretch> stretches = fast.slow_stretches();
+  ASSERT_FALSE(stretches.empty());
+  const SlowStretch& told = stretches[0];
   EXPECT_TRUE(told.limit == Limit::kToolAcceleration || told.limit == Limit::kToolJerk);
   EXPECT_NEAR(told.slowest_m_s, SpeedAt(fast, told.slowest_at_s), 2e-3);
   EXPECT_GE(told.slowest_at_s, told.begin_s);
