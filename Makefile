@@ -5,7 +5,7 @@ BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev li
               libtomlplusplus-dev libyaml-dev nlohmann-json3-dev
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
 TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
-             $(BENCH_DEPS)
+             python3-yaml $(BENCH_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60

@@ -37,10 +37,16 @@ int64_t NanosecondsOf(const FileTrajectory& trajectory, size_t sample, int64_t b
       fmt::format("sample {}: the time is not a nanosecond after the one before", sample));
 }
 
+// A number that YAML 1.1 takes for one with a fraction: to the parser of ROS 2, 1e-09 is a text.
+std::string RosNumber(double value) {
+  std::string text = FormatNumber(value);
+  if (text.find('.') != std::string::npos) return text;
+  return text.insert(std::min(text.find('e'), text.size()), ".0");
+}
+
 std::string ListOf(const Joints& joints) {
   std::string list;
-  for (const double joint : joints)
-    list.append(list.empty() ? "[" : ", ").append(FormatNumber(joint));
+  for (const double joint : joints) list.append(list.empty() ? "[" : ", ").append(RosNumber(joint));
   return list + "]";
 }
 
@@ -148,18 +154,30 @@ JointNames DefaultJointNames() {
   return {"joint_1", "joint_2", "joint_3", "joint_4", "joint_5", "joint_6"};
 }
 
-std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names) {
-  std::string yaml = "header:\n  stamp: {sec: 0, nanosec: 0}\n  frame_id: \"\"\n";
+JointNames JointNamesOf(const Arm& arm) {
+  JointNames names;
+  for (size_t joint = 0; joint < names.size(); ++joint) names[joint] = arm.joints()[joint].name;
+  return names;
+}
+
+std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names,
+                      RosInterface interface) {
+  // The goal's trajectory is nested by indenting it.
+  const bool goal = interface == RosInterface::kGoal;
+  const std::string indent = goal ? "  " : "";
+  std::string yaml = goal ? "trajectory:\n" : "";
+  yaml +=
+      fmt::format("{0}header:\n{0}  stamp: {{sec: 0, nanosec: 0}}\n{0}  frame_id: \"\"\n", indent);
   // A list of strings in JSON is one in YAML, whatever the names hold.
-  yaml += "joint_names: " + nlohmann::json(names).dump() + "\npoints:\n";
+  yaml += fmt::format("{0}joint_names: {1}\n{0}points:\n", indent, nlohmann::json(names).dump());
   for (const FileSample& sample :
        WithRates(WithHeldTimes(trajectory), &FiniteDifferences::JointSpeedAt)) {
     const int64_t time = Nanoseconds(sample.time_s);
     const int64_t nanoseconds = (time % kNsPerS + kNsPerS) % kNsPerS;
     yaml += fmt::format(
-        "- positions: {}\n  velocities: {}\n  accelerations: {}\n"
-        "  time_from_start: {{sec: {}, nanosec: {}}}\n",
-        ListOf(sample.joints), ListOf(*sample.velocities), ListOf(*sample.accelerations),
+        "{0}- positions: {1}\n{0}  velocities: {2}\n{0}  accelerations: {3}\n"
+        "{0}  time_from_start: {{sec: {4}, nanosec: {5}}}\n",
+        indent, ListOf(sample.joints), ListOf(*sample.velocities), ListOf(*sample.accelerations),
         (time - nanoseconds) / kNsPerS, nanoseconds);
   }
   return yaml;
@@ -168,7 +186,8 @@ std::string ToRosYaml(const FileTrajectory& trajectory, const JointNames& names)
 LocatedTrajectory ParseRosYaml(std::string_view text, const RosNames& names) {
   LocatedTrajectory read;
   YamlDocument document(text);
-  const YamlNode message = document.root();
+  const YamlNode root = document.root();
+  const YamlNode message = root.Find("trajectory").value_or(root);
   const YamlNode listed = message.At("joint_names");
   const std::array<size_t, 6> places = FindJoints(listed, names, read.notes);
   const YamlNode points = message.At("points");

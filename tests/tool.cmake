@@ -8,6 +8,15 @@ qal_test_program(
               QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
   NEEDS qal qal_foreign_here)
 
+# What ROS 2 reads, by its own parser; and what docs/ros2.md says is what happens. Debian's Python has
+# the parser.
+add_test(NAME Ros.FilesFitTheInterfaces
+         COMMAND /usr/bin/python3 ${CMAKE_CURRENT_SOURCE_DIR}/tool/ros_files.py $<TARGET_FILE:qal>
+                 ${PROJECT_SOURCE_DIR}/docs/ros2.md ${PROJECT_SOURCE_DIR}/arms/foundry_spherical.urdf)
+add_test(NAME Ros.DocumentShowsWhatHappens
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/ros2.md
+                 ${PROJECT_SOURCE_DIR}/arms/reference.urdf ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} 7)
+
 # Sanitizers need more memory than the limits here leave.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   add_test(NAME Tool.Faults COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tool/faults.sh $<TARGET_FILE:qal>

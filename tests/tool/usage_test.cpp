@@ -81,6 +81,7 @@ TEST_F(Refusal, OfBadUsageIsOneLine) {
       {"fk", "--joints 0 0 0 0 0 0 --json --csv -", "--csv - and --json: only one of them can have standard output"},
       {"convert", "repeated.csv out.csv", "repeated.csv: sample 4 (line 6): the time 3 s is not after the one before, 3 s"},
       {"convert", "good.csv --to json --full out.csv", "--full: only a CSV file has these columns"},
+      {"convert", "good.csv --ros goal out.csv", "--ros: only a YAML file is for ROS"},
       {"convert", "good.csv --joint-names a,a,c,d,e,f out.csv", "--joint-names: a name stands twice"},
       {"convert", "--joint-names a,b,c good.csv out.csv", "--joint-names: six names expected, 3 given"},
   };

@@ -4,12 +4,10 @@
 #include <memory>
 
 #include "../../io/error.h"
-#include "../../io/files.h"
-#include "../../io/trajectory_csv.h"
-#include "../../io/trajectory_json.h"
 #include "commands.h"
 #include "pose_option.h"
 #include "trajectory_input.h"
+#include "trajectory_output.h"
 
 namespace qal::tools {
 
@@ -20,9 +18,7 @@ namespace {
 struct ConvertArguments {
   TrajectoryInput in;
   SharedArm arm;
-  std::string out;
-  std::string to;
-  bool full = false;
+  TrajectoryOutput out;
   bool fk = false;
 };
 
@@ -48,30 +44,12 @@ void AddPoses(FileTrajectory& trajectory, const Arm& arm) {
 }
 
 void RunConvert(const ConvertArguments& arguments) {
-  const FileFormat format = FormatToWrite(arguments.to, arguments.out, "--to");
-  if (arguments.full && format != FileFormat::kCsv) {
-    throw UsageError("--full: only a CSV file has these columns");
-  }
+  arguments.out.Check();
   const LoadedArm loaded = arguments.arm->Load();
-  LocatedTrajectory read = arguments.in.Read();
+  LocatedTrajectory read = arguments.in.Read(loaded.arm);
   RequireIncreasingTimes(read, arguments.in.name());
   if (arguments.fk) AddPoses(read.samples, loaded.arm);
-  const auto text = [&]() -> std::string {
-    switch (format) {
-      case FileFormat::kCsv:
-        return arguments.full ? ToFullCsv(read.samples, loaded.arm) : ToCsv(read.samples);
-      case FileFormat::kJson:
-        return ToJson(read.samples).dump() + '\n';
-      case FileFormat::kRos:
-        break;
-    }
-    return ToRosYaml(read.samples, arguments.in.names());
-  }();
-  if (arguments.out == "-") {
-    WriteStandardOutput(text);
-  } else {
-    WriteFile(arguments.out, text);
-  }
+  arguments.out.Write(read.samples, loaded.arm, arguments.in.Names(loaded.arm));
 }
 
 }  // namespace
@@ -81,15 +59,9 @@ void AddConvert(CLI::App& app, const SharedArm& arm) {
   CLI::App* convert = app.add_subcommand(
       "convert", "Convert a trajectory between CSV, JSON and a ROS JointTrajectory in YAML");
   arguments->in.AddTo(*convert, "IN");
-  convert
-      ->add_option("OUT", arguments->out, "file to write, whole or not at all; -: standard output")
-      ->required();
+  arguments->out.AddTo(*convert, "OUT");
   arguments->arm = arm;
   arm->AddTo(*convert);
-  convert->add_option("--to", arguments->to, "format of OUT (default: by its ending)")
-      ->check(CLI::IsMember(kFormatNames));
-  convert->add_flag("--full", arguments->full,
-                    "with CSV: speeds, accelerations and the arm's motor speeds as well");
   convert->add_flag("--fk", arguments->fk,
                     "give samples without a pose that of their joints, by forward kinematics");
   convert->footer(

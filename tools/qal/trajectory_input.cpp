@@ -20,13 +20,13 @@ void TrajectoryInput::AddTo(CLI::App& command, const std::string& name) {
       ->check(CLI::IsMember(kFormatNames));
   command
       .add_option("--joint-names", names_,
-                  "names of joints 1 to 6 in ROS files (default: joint_1 to joint_6,\n"
-                  "or, in a file with six other joints, these in their order)")
+                  "names of joints 1 to 6 in ROS files (default: those of the arm, or,\n"
+                  "in a file with six other joints, these in their order)")
       ->type_name("A B C D E F");
 }
 
-JointNames TrajectoryInput::names() const {
-  JointNames names = DefaultJointNames();
+JointNames TrajectoryInput::Names(const Arm& arm) const {
+  JointNames names = JointNamesOf(arm);
   if (names_.empty()) return names;
   const std::vector<std::string> given = SplitWords({names_});
   if (given.size() != names.size()) {
@@ -39,8 +39,9 @@ JointNames TrajectoryInput::names() const {
   return names;
 }
 
-LocatedTrajectory TrajectoryInput::Read() const {
-  LocatedTrajectory read = ReadTrajectory(path_, FormatNamed(format_), {names(), !names_.empty()});
+LocatedTrajectory TrajectoryInput::Read(const Arm& arm) const {
+  LocatedTrajectory read =
+      ReadTrajectory(path_, FormatNamed(format_), {Names(arm), !names_.empty()});
   for (const std::string& note : read.notes) Note(name() + ": " + note);
   return read;
 }

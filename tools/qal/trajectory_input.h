@@ -17,14 +17,14 @@ class TrajectoryInput {
 
   /// What messages call the file.
   std::string name() const { return io::NameOf(path_); }
-  /// Names of the joints in ROS files.
+  /// Names of the joints in ROS files: those that --joint-names gives, else the arm's.
   /// @throw UsageError when --joint-names are not six different ones
-  io::JointNames names() const;
+  io::JointNames Names(const Arm& arm) const;
 
   /// The file's trajectory, at least one sample, and its notes on standard error. Times are not
   /// checked for their order.
   /// @throw UsageError "NAME: line N: REASON", in one line
-  io::LocatedTrajectory Read() const;
+  io::LocatedTrajectory Read(const Arm& arm) const;
 
  private:
   std::string path_;

@@ -52,7 +52,8 @@ Limits ReadLimits(const VerifyArguments& arguments, const Arm& arm) {
 void RunVerify(const VerifyArguments& arguments) {
   const LoadedArm loaded = arguments.arm->Load();
   const Limits limits = ReadLimits(arguments, loaded.arm);
-  const Findings findings = FindingsOf(loaded, arguments.in.Read(), limits, arguments.strict);
+  const Findings findings =
+      FindingsOf(loaded, arguments.in.Read(loaded.arm), limits, arguments.strict);
   const std::string name = arguments.in.name();
   WriteStandardOutput(arguments.json ? FindingsJson(findings, name).dump(2) + '\n'
                                      : FindingsText(findings, name));

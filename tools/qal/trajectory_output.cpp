@@ -1,0 +1,64 @@
+#include "trajectory_output.h"
+
+#include <CLI/CLI.hpp>
+
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../../io/trajectory_csv.h"
+#include "../../io/trajectory_json.h"
+
+namespace qal::tools {
+
+using namespace io;
+
+void TrajectoryOutput::AddTo(CLI::App& command, const std::string& name) {
+  CLI::Option* path =
+      command.add_option(name, path_, "file to write, whole or not at all; -: standard output");
+  path->required();
+  command.add_option("--to", to_, "format of " + path->get_name() + " (default: by its ending)")
+      ->check(CLI::IsMember(kFormatNames));
+  command
+      .add_option("--ros", ros_,
+                  "with YAML: message, a JointTrajectory for a topic (the default), or\n"
+                  "goal, the goal of the action FollowJointTrajectory")
+      ->check(CLI::IsMember({"message", "goal"}));
+  command.add_flag("--full", full_,
+                   "with CSV: speeds, accelerations and the arm's motor speeds as well");
+}
+
+void TrajectoryOutput::Check() const {
+  const FileFormat format = Format();
+  if (full_ && format != FileFormat::kCsv) {
+    throw UsageError("--full: only a CSV file has these columns");
+  }
+  if (!ros_.empty() && format != FileFormat::kRos) {
+    throw UsageError("--ros: only a YAML file is for ROS");
+  }
+}
+
+std::string TrajectoryOutput::Text(const FileTrajectory& trajectory, const Arm& arm,
+                                   const JointNames& names) const {
+  switch (Format()) {
+    case FileFormat::kCsv:
+      return full_ ? ToFullCsv(trajectory, arm) : ToCsv(trajectory);
+    case FileFormat::kJson:
+      return ToJson(trajectory).dump() + '\n';
+    case FileFormat::kRos:
+      break;
+  }
+  return ToRosYaml(trajectory, names,
+                   ros_ == "goal" ? RosInterface::kGoal : RosInterface::kMessage);
+}
+
+void TrajectoryOutput::Write(const FileTrajectory& trajectory, const Arm& arm,
+                             const JointNames& names) const {
+  Check();
+  const std::string text = Text(trajectory, arm, names);
+  if (path_ == "-") {
+    WriteStandardOutput(text);
+  } else {
+    WriteFile(path_, text);
+  }
+}
+
+}  // namespace qal::tools
