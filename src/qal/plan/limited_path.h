@@ -25,7 +25,7 @@ struct ToolLimits {
 };
 
 /// Limits along a stretch of a path: of each joint, and of the tool. Where the tool goes straight
-/// on its limits are limits of the parameter s itself.
+/// on its limits are limits of the parameter s itself; where the joints do, theirs are too.
 struct PathSection {
   double begin = 0;
 

@@ -54,6 +54,7 @@ Result<Way> JointWay(const Arm& arm, const JointStep& step, const WayStart& star
   const Result<Joints> to = JointsOf(arm, step.to, start.joints);
   if (!to) return to.error();
   Way way;
+  way.straight = true;
   way.from = start.joints;
   way.to = *to;
   way.scale = step.scale;
@@ -70,6 +71,17 @@ Result<Way> JointWay(const Arm& arm, const JointStep& step, const WayStart& star
   }
   way.span = SpanOf(0, 2 * farthest);
   return way;
+}
+
+// Of joints that go straight the one that needs the most limits the parameter s.
+void SetStraightJoints(const Way& way, PathSection& section) {
+  section.straight = true;
+  for (size_t j = 0; j < 6; ++j) {
+    const double rate = std::fabs(way.to[j] - way.from[j]) / way.span;
+    section.speed = std::min(section.speed, section.joint_velocity[j] / rate);
+    section.acceleration = std::min(section.acceleration, section.joint_acceleration[j] / rate);
+    section.jerk = std::min(section.jerk, section.joint_jerk[j] / rate);
+  }
 }
 
 // What lines and arcs have in common.
@@ -172,7 +184,12 @@ PathSection Way::SectionOf(const Arm& arm) const {
   SetJointLimits(arm, scale, section);
   section.tool = tool;
   section.tool_limits = tool_limits;
-  if (straight) SetStraight(length_m, angle_rad, section);
+  if (!straight) return section;
+  if (tool != nullptr) {
+    SetStraight(length_m, angle_rad, section);
+  } else {
+    SetStraightJoints(*this, section);
+  }
   return section;
 }
 

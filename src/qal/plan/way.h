@@ -22,7 +22,7 @@ struct WayStart {
 struct Way {
   size_t step = 0;
   std::shared_ptr<const ToolPath> tool = nullptr;  ///< none: the joints go straight
-  bool straight = false;                           ///< the tool does
+  bool straight = false;                           ///< the tool does, or else the joints
   double length_m = 0;                             ///< of the tool's way, not of joint moves
   double angle_rad = 0;                            ///< by which the tool turns, likewise
   Joints from = {};                                ///< of joint moves, as is the next
