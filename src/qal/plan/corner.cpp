@@ -115,6 +115,20 @@ double SlopeOf(const Corner& corner) {
   return std::max(kLeast, 4.375 * half / (1 + 1.1875 * half));
 }
 
+// The least value of a function that falls, then rises.
+template <class Function>
+double LeastOf(const Function& function, double a, double b) {
+  for (int i = 0; i < 30; ++i) {
+    const double third = (b - a) / 3;
+    if (function(a + third) < function(b - third)) {
+      b -= third;
+    } else {
+      a += third;
+    }
+  }
+  return function((a + b) / 2);
+}
+
 // The distance of a point from a way's last or first `reach`.
 double DistanceFrom(const Corner& corner, const CornerSide& side, double reach,
                     const Vector3& point) {
@@ -129,56 +143,70 @@ double DistanceFrom(const Corner& corner, const CornerSide& side, double reach,
       nearest = i;
     }
   }
-  double a = reach * std::max(nearest - 1, 0) / kLooks;
-  double b = reach * std::min(nearest + 1, kLooks) / kLooks;
-  for (int i = 0; i < 30; ++i) {
-    const double third = (b - a) / 3;
-    if (distance(a + third) < distance(b - third)) {
-      b -= third;
-    } else {
-      a += third;
-    }
-  }
-  return std::min(least, distance((a + b) / 2));
+  return std::min(least, LeastOf(distance, reach * std::max(nearest - 1, 0) / kLooks,
+                                 reach * std::min(nearest + 1, kLooks) / kLooks));
 }
 
 // A zone as it would be; the joints in it are known where it is one of joints.
-struct Tried {
-  ZoneDistances farthest;
-  double deviation_m = 0;
-};
-
-Tried TryOut(const Corner& corner, const CornerPoint& point, const ZoneSpans& spans) {
-  const ZoneWays ways(spans);
-  constexpr int kLooks = 32;
-  Tried tried;
-  for (int i = 0; i <= kLooks; ++i) {
-    const double x = spans.span * i / kLooks;
-    Frame tool;
-    std::optional<Joints> joints;
-    if (corner.first.joints != nullptr && corner.second.joints != nullptr) {
-      joints = JointZoneAt(ways, *corner.first.joints, *corner.second.joints, x).value;
+class TriedZone {
+ public:
+  TriedZone(const Corner& corner, const CornerPoint& point, const ZoneSpans& spans)
+      : corner_(corner), point_(point), ways_(spans) {
+    int worst = 0;
+    for (int i = 0; i <= kLooks; ++i) {
+      const auto [tool, joints] = At(PlaceOf(i));
+      const ZoneDistances here = DistancesOf(point, tool, joints);
+      farthest_.tool_m = std::max(farthest_.tool_m, here.tool_m);
+      farthest_.turn_rad = std::max(farthest_.turn_rad, here.turn_rad);
+      farthest_.joint_rad = std::max(farthest_.joint_rad, here.joint_rad);
+      const double deviation_m = DeviationAt(PlaceOf(i));
+      if (!(deviation_m > deviation_m_)) continue;
+      deviation_m_ = deviation_m;
+      worst = i;
     }
-    if (corner.of_joints()) {
-      tool = corner.screws.At(*joints).tool;
-    } else {
-      const ZoneWays::Place place = ways.At(x);
-      const Frame first = FrameAt(corner, corner.first, place.left);
-      const Frame second = FrameAt(corner, corner.second, place.behind);
-      tool.position = first.position + (second.position - point.tool.position);
-      tool.rotation = second.rotation * Transposed(point.tool.rotation) * first.rotation;
-    }
-    const ZoneDistances here = DistancesOf(point, tool, joints);
-    tried.farthest.tool_m = std::max(tried.farthest.tool_m, here.tool_m);
-    tried.farthest.turn_rad = std::max(tried.farthest.turn_rad, here.turn_rad);
-    tried.farthest.joint_rad = std::max(tried.farthest.joint_rad, here.joint_rad);
-    tried.deviation_m =
-        std::max(tried.deviation_m,
-                 std::min(DistanceFrom(corner, corner.first, spans.before, tool.position),
-                          DistanceFrom(corner, corner.second, spans.after, tool.position)));
+    // Where the nearer of the two ways changes there is an edge, which looks don't meet.
+    const auto less = [this](double x) { return -DeviationAt(x); };
+    deviation_m_ = std::max(deviation_m_, -LeastOf(less, PlaceOf(std::max(worst - 1, 0)),
+                                                   PlaceOf(std::min(worst + 1, kLooks))));
   }
-  return tried;
-}
+
+  const ZoneDistances& farthest() const { return farthest_; }
+  double deviation_m() const { return deviation_m_; }
+
+ private:
+  static constexpr int kLooks = 32;
+
+  double PlaceOf(int look) const { return ways_.spans().span * look / kLooks; }
+
+  CornerPoint At(double x) const {
+    CornerPoint at;
+    if (corner_.first.joints != nullptr && corner_.second.joints != nullptr) {
+      at.joints = JointZoneAt(ways_, *corner_.first.joints, *corner_.second.joints, x).value;
+    }
+    if (corner_.of_joints()) {
+      at.tool = corner_.screws.At(*at.joints).tool;
+      return at;
+    }
+    const ZoneWays::Place place = ways_.At(x);
+    const Frame first = FrameAt(corner_, corner_.first, place.left);
+    const Frame second = FrameAt(corner_, corner_.second, place.behind);
+    at.tool.position = first.position + (second.position - point_.tool.position);
+    at.tool.rotation = second.rotation * Transposed(point_.tool.rotation) * first.rotation;
+    return at;
+  }
+
+  double DeviationAt(double x) const {
+    const Vector3 position = At(x).tool.position;
+    return std::min(DistanceFrom(corner_, corner_.first, ways_.spans().before, position),
+                    DistanceFrom(corner_, corner_.second, ways_.spans().after, position));
+  }
+
+  const Corner& corner_;
+  const CornerPoint& point_;
+  ZoneWays ways_;
+  ZoneDistances farthest_;
+  double deviation_m_ = 0;
+};
 
 }  // namespace
 
@@ -192,8 +220,10 @@ std::optional<Rounding> RoundingOf(const Corner& corner, const Zone& zone) {
   constexpr int kMostTries = 40;
   for (int i = 0; i < kMostTries && std::min(before, after) > kShortest; ++i) {
     const ZoneSpans spans = {before, after, slope * std::min(before, after)};
-    const Tried tried = TryOut(corner, point, spans);
-    if (IsWithin(tried.farthest, zone)) return Rounding{spans, tried.farthest, tried.deviation_m};
+    const TriedZone tried(corner, point, spans);
+    if (IsWithin(tried.farthest(), zone)) {
+      return Rounding{spans, tried.farthest(), tried.deviation_m()};
+    }
     before *= 0.8;
     after *= 0.8;
   }

@@ -99,8 +99,7 @@ struct RoundedCorner {
   double end_s;        ///< when it is on the next one's
   double radius_m;     ///< largest distance of the tool centre point from the corner
   double turn_rad;     ///< largest angle of the tool's orientation from the corner's
-  double joint_rad;    ///< largest distance of a joint from the corner's; 0 where neither the zone
-                       ///< nor a joint move asks for the joints there
+  double joint_rad;    ///< largest distance of a joint from the corner's; infinity: it has none
   double deviation_m;  ///< largest distance of the tool centre point from the nearer step's way
 };
 

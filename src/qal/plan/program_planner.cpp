@@ -14,15 +14,20 @@
 
 namespace qal {
 
+bool ProgramBlock::IsOver(double time_s) const {
+  // Where the law is longer than the block, it is by rounding.
+  return !moves() || (stops && time_s >= std::min(law.duration_s(), duration_s));
+}
+
 MotionState ProgramBlock::At(double time_s) const {
-  if (!moves() || (stops && time_s >= law.duration_s())) return {end.joints, {}, {}};
+  if (IsOver(time_s)) return {end.joints, {}, {}};
   return StateAt(made.path, MomentAt(made.path, law, std::max(time_s, 0.0)));
 }
 
 Pose ProgramBlock::PoseAt(double time_s) const { return SampleAt(time_s).pose; }
 
 Sample ProgramBlock::SampleAt(double time_s) const {
-  if (!moves() || (stops && time_s >= law.duration_s())) {
+  if (IsOver(time_s)) {
     return {time_s, end.joints, {}, {}, end.pose};
   }
   const PathMoment moment = MomentAt(made.path, law, std::max(time_s, 0.0));

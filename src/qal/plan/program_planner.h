@@ -25,6 +25,8 @@ struct ProgramBlock {
   bool stops = true;  ///< it is at rest at its end
 
   bool moves() const { return law.size() > 0; }
+  /// Whether it stands at its end, for good.
+  bool IsOver(double time_s) const;
   /// From 0 to the duration.
   MotionState At(double time_s) const;
   Pose PoseAt(double time_s) const;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "../solve/kinematics.h"
+#include "joints_tool.h"
 #include "path_failure.h"
 
 namespace qal {
@@ -135,7 +136,10 @@ RunPath::Failure RunPath::Begin() {
   if (!joints) {
     return FailedOn(*way_, 0, NoWayOn(arm_, *way_->tool, 0, {0, start_.joints, {}, {}, {}}));
   }
-  made_.path.joints = *std::move(joints);
+  // Exactly where the arm stands, not but for the solver's rounding.
+  PathPoint first = joints->last();
+  first.value = start_.joints;
+  made_.path.joints = JointPath(first);
   return std::nullopt;
 }
 
@@ -227,6 +231,7 @@ RunPath::Failure RunPath::MakeZone(const Way& next, const Rounding& rounding,
   const double end = begin + rounding.spans.span;
   if (way_->tool == nullptr || next.tool == nullptr) {
     (void)qal::Follow(JointZoneSolver(rounding.spans, to_corner, from_corner, begin), end, zone);
+    tool = std::make_shared<const JointsTool>(arm_, *screws_, zone, start_.pose);
     return std::nullopt;
   }
   tool = std::make_shared<const ZonePath>(way_->tool, next.tool, rounding.spans);
@@ -239,7 +244,8 @@ RunPath::Failure RunPath::MakeZone(const Way& next, const Rounding& rounding,
   return std::nullopt;
 }
 
-// The zone's halves belong to their ways.
+// The zone's halves belong to their ways. In one of joints, a way of the tool still limits its
+// half.
 void RunPath::AppendZone(const Way& next, const Rounding& rounding, const JointPath& zone,
                          const std::shared_ptr<const ToolPath>& tool) {
   const auto& [before, after, span] = rounding.spans;
@@ -247,7 +253,7 @@ void RunPath::AppendZone(const Way& next, const Rounding& rounding, const JointP
   for (const bool is_first : {true, false}) {
     Way half = is_first ? *way_ : next;
     half.straight = false;
-    half.tool = tool;
+    half.tool = half.tool != nullptr ? tool : nullptr;
     PathSection section = half.SectionOf(arm_);
     section.begin = is_first ? begin : begin + span / 2;
     section.tool_begin = begin;
@@ -272,6 +278,16 @@ std::optional<Rounding> RunPath::FirstRounding(const Way& next, const JointPath&
                      {way_->tool.get(), known(to_corner), way_->span, true},
                      {next.tool.get(), known(from_corner), next.span, false}},
                     *way_->zone);
+}
+
+// How far from their corner the joints get in a zone. Where nobody needs the corner, they are
+// solved for it now; where it has none, in a zone of the tool about it, that is infinite.
+double RunPath::FarthestFromCorner(const JointPath& around, const JointPath& to_corner) const {
+  if (to_corner.size() > 0) return FarthestJoint(around, to_corner.last().value);
+  const double end = way_begin_ + way_->span;
+  const Joints near = around.At((around.begin(0) + around.last().s) / 2).value;
+  const auto corner = ToolSolver(*screws_, *way_->tool, way_begin_).Solve(end, near);
+  return corner ? FarthestJoint(around, corner->value) : kNoLimit;
 }
 
 // Leads the path around the corner to the next way.
@@ -301,13 +317,11 @@ RunPath::Failure RunPath::Round(const Way& next, const JointPath& to_corner) {
     if (auto failure = MakeZone(next, *rounding, to_corner, from_corner, around, tool)) {
       return failure;
     }
-    if (known) {
-      // Of a zone of the tool the joints are known only now.
-      rounding->farthest.joint_rad = FarthestJoint(around, to_corner.last().value);
-      if (rounding->farthest.joint_rad > zone.joint_rad * (1 + 1e-9)) {
-        ShrinkBy(0.9, *rounding);
-        continue;
-      }
+    // Of a zone of the tool the joints are known only now.
+    rounding->farthest.joint_rad = FarthestFromCorner(around, to_corner);
+    if (rounding->farthest.joint_rad > zone.joint_rad * (1 + 1e-9)) {
+      ShrinkBy(0.9, *rounding);
+      continue;
     }
     if (auto failure = AppendWay(std::move(ahead), leave)) return failure;
     if (auto failure = LeavesRange(arm_, around)) {

@@ -73,6 +73,7 @@ class RunPath {
   Failure MakeZone(const Way& next, const Rounding& rounding, const JointPath& to_corner,
                    const JointPath& from_corner, JointPath& zone,
                    std::shared_ptr<const ToolPath>& tool);
+  double FarthestFromCorner(const JointPath& around, const JointPath& to_corner) const;
   void AppendZone(const Way& next, const Rounding& rounding, const JointPath& zone,
                   const std::shared_ptr<const ToolPath>& tool);
   std::optional<Rounding> FirstRounding(const Way& next, const JointPath& to_corner,
