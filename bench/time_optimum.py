@@ -4,7 +4,7 @@ With u a function of s and b = (du/dt)^2, accelerations are q'' b + q' b'/2 and 
 3/2 q'' b' + 1/2 q' b'') sqrt(b). All but the root is linear in b, and the duration, the integral of
 1/sqrt(b) over u, is convex (D. Verscheure et al., IEEE T-AC 54, 2009). Bounding the linear part of
 a jerk by J/sqrt(b), convex in b, leaves a difference of convex functions (F. Debrouwere et al.,
-IEEE T-RO 29, 2013). Here b is a cubic in each interval of u, its slope continuous, and a
+IEEE T-RO 29, 2013). So is the length of a vector of such, a tool's acceleration or jerk. Here b is a cubic in each interval of u, its slope continuous, and a
 primal-dual interior-point method with banded matrices finds it.
 """
 
@@ -27,6 +27,9 @@ EVENLY = np.linspace(0, 1, 11), np.full(11, 1 / 11)
 class Path:
     """Derivatives of s and of the joints by u, and the limits of both."""
 
+    vectors = 0  # the last columns of derivatives are so many vectors of three, limited in length
+    borders = ()  # s at which limits jump
+
     def __init__(self, row, step=1):
         keep = np.unique(np.append(np.arange(0, len(row["s"]), step), len(row["s"]) - 1))
         joints = np.stack([np.array(row[key], float)[keep] for key in ("dq", "ddq", "dddq")], 1)
@@ -36,6 +39,11 @@ class Path:
         orders = ("speed", "velocity"), ("acceleration", "acceleration"), ("jerk", "jerk")
         self.limits = [np.append(row["limits"][of_s], row["joints"][of_joints])
                        for of_s, of_joints in orders]
+
+    def limits_in(self, begins, ends, s_of_u):
+        """Velocities, accelerations and jerks, from each u to another: the vectors' after those of
+        the single columns."""
+        return [limit[None, None] for limit in self.limits]
 
     def derivatives(self, u, s_of_u):
         s = np.clip(s_of_u(u), 0, 1)
@@ -58,7 +66,8 @@ def hermite(knots, points):
 class Problem:
     """Limits over the unknowns x: b and b' at each knot in turn. y: b, b', b'' at each point.
 
-    Each row of a point says |row . y| <= bound; the bound is 1, or 1/sqrt(b) for a jerk.
+    Each load of a point is at most its bound: 1, or 1/sqrt(b) for a jerk. Loads are row . y of
+    rows, there both ways up, then the lengths of the vectors cone . y.
     """
 
     def __init__(self, path, knots, s_of_u, at=LOBATTO):
@@ -67,13 +76,33 @@ class Problem:
         widths = np.diff(knots)[:, None]
         self.weights = widths * at[1]
         d1, d2, d3 = path.derivatives(knots[:-1, None] + widths * at[0], s_of_u)
-        zero, (velocity, acceleration, jerk) = np.zeros_like(d1), path.limits
+        velocity, acceleration, jerk = path.limits_in(knots[:-1], knots[1:], s_of_u)
+        zero = np.zeros_like(d1)
         kinds = [(d1**2, zero, zero, velocity**2), (d2, d1 / 2, zero, acceleration)]
         if s_of_u is BY_JERK:
             kinds.append((d3, 1.5 * d2, d1 / 2, jerk))
-        self.rows = np.concatenate([np.stack(kind[:3], -1) / kind[3][:, None] for kind in kinds], 2)
-        self.is_jerk = np.arange(self.rows.shape[2]) >= 2 * len(velocity)
+        rows, cones = [], []
+        for *by_y, limit in kinds:
+            by_y, count = np.stack(by_y, -1), d1.shape[2] - 3 * path.vectors
+            rows.append(by_y[:, :, :count] / limit[..., :count, None])
+            vectors = by_y[:, :, count:].reshape(d1.shape[:2] + (path.vectors, 3, 3))
+            cones.append(vectors / limit[..., count:, None, None])
+        # Squares of velocities are linear in b, and those of a vector's sum up to that of its length.
+        rows[0] = np.concatenate([rows[0], cones.pop(0).sum(3)], 2)
+        jerks = [np.repeat(np.arange(first, len(kinds)) == 2, [kind.shape[2] for kind in parts])
+                 for first, parts in ((0, rows), (1, cones))]
+        rows = np.concatenate(rows, 2)
+        self.rows = np.concatenate([rows, -rows], 2)
+        self.cones = np.concatenate(cones, 2)
+        self.is_jerk = np.concatenate([jerks[0], *jerks])
         self.power = np.where(self.is_jerk, 3, 2)  # a motion slower by f needs 1/f^power of a limit
+
+    def slow_down(self, excess):
+        """Makes every load of each interval that of a motion so many times as fast."""
+        factors = (excess[:, None]**self.power)[:, None, :, None]
+        count = self.rows.shape[2]
+        self.rows = self.rows * factors[:, :, :count]
+        self.cones = self.cones * factors[:, :, count:, :, None]
 
     def values(self, x):
         return np.einsum("nmdk,nk->nmd", self.basis, x[self.columns])
@@ -81,42 +110,75 @@ class Problem:
     def durations(self, y):
         return np.sum(self.weights * y[..., 0]**-0.5, 1)
 
+    def vectors_of(self, y):
+        """And the squares of their lengths."""
+        vectors = np.einsum("nmcvd,nmd->nmcv", self.cones, y)
+        return vectors, np.sum(vectors**2, -1)
+
+    def bounds(self, y):
+        return np.where(self.is_jerk, y[..., :1]**-0.5, 1)
+
     def bounds_and_loads(self, y):
-        bounds = np.where(self.is_jerk, y[..., :1]**-0.5, 1)
-        return bounds, np.einsum("nmrd,nmd->nmr", self.rows, y)
+        linear = np.einsum("nmrd,nmd->nmr", self.rows, y)
+        return self.bounds(y), np.concatenate([linear, self.vectors_of(y)[1]**0.5], 2)
 
     def excess(self, x):
         """By interval, how many times slower it would have to be to keep limits at the points."""
         bounds, loads = self.bounds_and_loads(self.values(x))
-        return np.max((np.abs(loads) / bounds)**(1 / self.power), (1, 2))
+        return np.max((np.maximum(loads, 0) / bounds)**(1 / self.power), (1, 2))
 
     def slacks(self, y):
-        """What is left of each limit, up and down; None if any of it isn't positive."""
+        """What is left of each limit; None if any of it isn't positive. Of a vector v and its bound
+        it is (bound - v^2 / bound) / 2, which bends evenly where v is 0."""
         if y[..., 0].min() <= 0:
             return None
         bounds, loads = self.bounds_and_loads(y)
-        slacks = np.stack([bounds - loads, bounds + loads], 2)
+        slacks = bounds - loads
+        cones = slice(self.rows.shape[2], None)
+        slacks[..., cones] *= (1 + loads[..., cones] / bounds[..., cones]) / 2
         return slacks if slacks.min() > 0 else None
 
     def slopes(self, y):
         """Of the slacks by y."""
-        slopes = np.stack([-self.rows, self.rows], 2)
-        slopes[..., 0] += np.where(self.is_jerk, -0.5 * y[..., :1]**-1.5, 0)[:, :, None]
+        count, b = self.rows.shape[2], y[..., :1]
+        vectors, squares = self.vectors_of(y)
+        of_vectors = np.einsum("nmcv,nmcvd->nmcd", vectors, self.cones)
+        slopes = np.concatenate(
+            [-self.rows, -of_vectors / self.bounds(y)[..., count:, None]], 2)
+        slopes[..., :count, 0] -= np.where(self.is_jerk[:count], 0.5 * b**-1.5, 0)
+        slopes[..., count:, 0] -= np.where(self.is_jerk[count:],
+                                           0.25 * (b**-1.5 + squares * b**-0.5), 0)
         return slopes
 
     def gradient(self, y, slopes, forces):
         """Of the duration less the sum of slacks times forces, by x."""
-        by_y = -np.einsum("nmar,nmard->nmd", forces, slopes)
+        by_y = -np.einsum("nmr,nmrd->nmd", forces, slopes)
         by_y[..., 0] -= 0.5 * self.weights * y[..., 0]**-1.5
         by_x = np.zeros(2 * len(self.columns) + 2)
         np.add.at(by_x, self.columns, np.einsum("nmd,nmdk->nk", by_y, self.basis))
         return by_x
 
+    def curvature(self, y, multipliers):
+        """Of the slacks less their concave part, times multipliers, and that part, which is of b."""
+        count, b = self.rows.shape[2], y[..., :1]
+        vectors, squares = self.vectors_of(y)
+        is_jerk, forces = self.is_jerk[count:], multipliers[..., count:]
+        convex = np.einsum("nmc,nmcvd,nmcve->nmde", forces / self.bounds(y)[..., count:], self.cones,
+                           self.cones, optimize=True)
+        of_jerks = np.where(is_jerk, forces, 0)
+        across = np.einsum("nmc,nmcv,nmcvd->nmd", of_jerks / 2 * b**-0.5, vectors, self.cones)
+        convex[..., 0, :] += across
+        convex[..., :, 0] += across
+        convex[..., 0, 0] += np.sum(of_jerks * squares * b**-1.5 / 4, -1)
+        concave = 0.75 * b[..., 0]**-2.5 * multipliers[..., :count][..., self.is_jerk[:count]].sum(-1)
+        concave += 0.375 * np.sum(of_jerks * (b**-2.5 + squares * b**-1.5), -1)
+        return convex, concave
+
     def newton_step(self, y, slopes, stiffness, multipliers, gradient):
-        b = y[..., 0]
-        by_y = np.einsum("nmar,nmard,nmare->nmde", stiffness, slopes, slopes, optimize=True)
-        by_y[..., 0, 0] += 0.75 * self.weights * b**-2.5
-        concave = 0.75 * b**-2.5 * multipliers.sum(2)[..., self.is_jerk].sum(-1)
+        by_y = np.einsum("nmr,nmrd,nmre->nmde", stiffness, slopes, slopes, optimize=True)
+        convex, concave = self.curvature(y, multipliers)
+        by_y += convex
+        by_y[..., 0, 0] += 0.75 * self.weights * y[..., 0]**-2.5
         # With all curvature of the jerks' bounds it is soon there, without any it surely descends.
         for share in (1, 0.5, 0):
             bent = by_y.copy()
@@ -148,7 +210,7 @@ def minimise(problem, x):
             mu = min(mu, 0.2 * gap / slacks.size)
         gradient = problem.gradient(y, slopes, mu / slacks)
         dx = problem.newton_step(y, slopes, multipliers / slacks, multipliers, gradient)
-        changes = np.einsum("nmard,nmd->nmar", slopes, problem.values(dx))
+        changes = np.einsum("nmrd,nmd->nmr", slopes, problem.values(dx))
         change = (mu - multipliers * changes) / slacks - multipliers
         multipliers += min(1, 0.95 / max(1e-9, np.max(-change / multipliers))) * change
         x, y, slacks = descend(problem, mu, x, y, slacks, dx, gradient @ dx)
@@ -170,18 +232,29 @@ def descend(problem, mu, x, y, slacks, dx, slope):
     raise ArithmeticError("no step makes it shorter")
 
 
+def with_borders(knots, borders):
+    """Knots with one at each border, in place of those that are close to it."""
+    if not len(borders):
+        return knots
+    widths = np.minimum(np.diff(knots)[:-1], np.diff(knots)[1:])
+    near = np.abs(knots[1:-1, None] - borders).min(1) < 0.3 * widths
+    return np.unique(np.concatenate([knots[:1], knots[1:-1][~near], borders, knots[-1:]]))
+
+
 def refine(path, s_of_u, sizes):
     """Knots, x and duration for each number of intervals in turn, started from the one before."""
     fine = np.linspace(0, 1, 20001)
     grid = np.interp(path.s, s_of_u(fine), fine)
+    borders = np.interp(path.borders, s_of_u(fine), fine)
     knots, density, b = grid, [grid], None
     for size in sizes:
         # Knots are dense where the grid is, where the motion is slow and where loads change.
         density = np.mean(density + [np.interp(knots, grid, np.linspace(0, 1, len(grid)))], 0)
         knots = np.interp(np.linspace(0, 1, size + 1), density, knots)
         knots[[0, -1]] = 0, 1
+        knots = with_borders(knots, borders)
         problem = Problem(path, knots, s_of_u)
-        constant = np.tile([1.0, 0], size + 1)
+        constant = np.tile([1.0, 0], len(knots))
         x = constant if b is None else np.stack([b(knots), b(knots, 1)], 1).ravel()
         # A cubic may dip below 0 between the points that it was held to.
         x = minimise(problem, x if problem.values(x)[..., 0].min() > 0 else constant)
@@ -199,9 +272,10 @@ def shortest(path, intervals):
     *_, (_, _, coarse), (knots, x, fine) = refine(
         path, BY_JERK, (intervals // 8, intervals // 4, intervals // 2, intervals))
     problem, between = Problem(path, knots, BY_JERK), Problem(path, knots, BY_JERK, EVENLY)
+    if between.values(x)[..., 0].min() <= 0:
+        raise ArithmeticError("a cubic dips below 0, finer intervals are needed")
     for _ in range(2):  # where it exceeds limits between the points, it has to be slower
-        excess = np.maximum(1, between.excess(x))[:, None]
-        problem.rows *= (excess**problem.power)[:, None, :, None]
+        problem.slow_down(np.maximum(1, between.excess(x)))
         x = minimise(problem, x)
     x /= between.excess(x).max()**2
     duration = problem.durations(problem.values(x)).sum()

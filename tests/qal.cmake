@@ -62,5 +62,11 @@ qal_test_program(
   LIBRARIES qal_io)
 # Programs by hand, and their streams.
 qal_test_program(qal_program_test SOURCES qal/program_test.cpp LIBRARIES qal_io)
+# Programs that keep every limit. QAL_PROGRAMS says how many for each arm.
+qal_test_program(
+  qal_seeded_programs_test
+  SOURCES qal/seeded_programs_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  LIBRARIES qal_io)
 # Moves that keep an arm's limits. A million of them: QAL_MOVES=1000000 qal_joint_move_test.
 qal_test_program(qal_joint_move_test SOURCES qal/joint_move_test.cpp LIBRARIES qal_io)

@@ -5,36 +5,16 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <map>
-#include <sstream>
 
 #include "../../bench/seeded_lines.h"
-#include "../../io/loaded_arm.h"
+#include "seeded.h"
 
 namespace qal {
 namespace {
 
 using bench::Line;
 using bench::LineKind;
-
-double FromEnvironment(const char* name, double otherwise) {
-  const char* const text = std::getenv(name);
-  return text == nullptr ? otherwise : std::atof(text);
-}
-
-// The reference arm, two others, and those that QAL_LINE_ARMS names besides.
-std::vector<Arm> Arms() {
-  const std::string folder = QAL_ARMS_DIR;
-  std::vector<std::string> files = {folder + "/foundry_spherical.urdf",
-                                    folder + "/laboratory_offset.urdf"};
-  const char* const more = std::getenv("QAL_LINE_ARMS");
-  std::istringstream names(more == nullptr ? "" : more);
-  for (std::string name; names >> name;) files.push_back(name);
-  std::vector<Arm> arms = {Arm::Reference()};
-  for (const std::string& file : files) arms.push_back(io::ReadArm(file).arm);
-  return arms;
-}
 
 // By how much a motion exceeds its limits, seen from outside: by differences of what it says of
 // itself, at 32 times the cycle's rate.
@@ -109,9 +89,9 @@ Findings Examine(const Arm& arm, const Line& line, const LineMotion& motion) {
 }
 
 TEST(PlanLine, KeepsEveryLimitBetweenSamplesAndTheLine) {
-  const auto lines = static_cast<int>(FromEnvironment("QAL_LINES", 84));
+  const int lines = CountFromEnvironment("QAL_LINES", 84);
   std::map<Reason, int> outcomes;
-  for (const Arm& arm : Arms()) {
+  for (const Arm& arm : SeededArms()) {
     for (int i = 0; i < lines; ++i) {
       const unsigned seed = 20261125 + static_cast<unsigned>(i);
       SCOPED_TRACE(arm.name() + ", seed " + std::to_string(seed));
