@@ -32,21 +32,20 @@ Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathSection
   Load load = {std::fabs(moment.speed) / section.speed,
                std::fabs(moment.acceleration) / section.acceleration,
                std::fabs(moment.jerk) / section.jerk};
-  // What is needed between two looks is a little more than at them, of jerks where the path bends
-  // most.
-  constexpr double kBetween = 1.0003;
-  const double jerk_between = section.straight ? kBetween : 1.0015;
+  // What is needed between two looks is a little more than at them, where the path bends most.
+  const double between = section.straight ? 1.0003 : 1.001;
+  const double jerk_between = section.straight ? 1.0003 : 1.003;
   for (size_t j = 0; j < 6; ++j) {
     load.velocity = std::max(load.velocity, std::fabs(velocities[j]) / section.joint_velocity[j]);
     load.acceleration = std::max(
-        load.acceleration, kBetween * std::fabs(accelerations[j]) / section.joint_acceleration[j]);
+        load.acceleration, between * std::fabs(accelerations[j]) / section.joint_acceleration[j]);
     load.jerk = std::max(load.jerk, jerk_between * std::fabs(jerks[j]) / section.joint_jerk[j]);
   }
   if (section.straight || section.tool == nullptr) return load;
   const ToolRates tool = section.ToolAt(joints.s);
   Load of_tool = Larger(ToolLoad(tool, moment, section.tool_limits),
                         TurnLoad(tool, moment, section.tool_limits));
-  of_tool.acceleration *= kBetween;
+  of_tool.acceleration *= between;
   of_tool.jerk *= jerk_between;
   return Larger(load, of_tool);
 }
@@ -79,16 +78,21 @@ Load LoadMeter::At(double time_s) const {
 
 namespace {
 
-// The top of the parabola through three values at equal distances; of one within, the middle one.
+// The top of the parabola through three values at equal distances, where it is between them;
+// otherwise the middle one.
 double Peak(double before, double here, double after) {
-  if (!(here > before && here > after)) return here;
-  const double slope = before - after;
-  return here + slope * slope / (16 * (here - (before + after) / 2));
+  const double slope = after - before;
+  // Nothing less than the limit is of interest.
+  if (here + std::fabs(slope) / 4 <= 1) return here;
+  const double bend = 2 * here - before - after;
+  if (!(bend > 0 && std::fabs(slope) < 2 * bend)) return here;
+  return here + slope * slope / (8 * bend);
 }
 
 }  // namespace
 
-void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
+Load LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
+  Load here;
   // A law that is faster than its numbers can tell is none.
   constexpr double kShortestS = 1e-9;
   double step_s = to_s - from_s;
@@ -105,10 +109,12 @@ void LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
     here_ = path_.joints.At(s, there);
     // A step that ends where sections meet is in the one before.
     while (IsBeyond(s) && next_s < law_.begin_s(piece_) + law_.length_s(piece_)) ++section_;
-    most = Larger(most, At(next_s));
+    here = At(next_s);
+    most = Larger(most, here);
     at_s = next_s;
     step_s *= 2;
   }
+  return here;
 }
 
 // Whether a place is in a later section, but for rounding.
@@ -124,19 +130,21 @@ Load LoadMeter::Next() {
   constexpr int kLooksWhereItBends = 8;
   const double begin_s = law_.begin_s(piece_);
   while (IsBeyond(here_.s)) ++section_;
-  const bool is_straight = path_.sections[section_].straight;
-  const int looks = is_straight ? kLooks : kLooksWhereItBends;
+  const bool bends = !path_.sections[section_].straight;
+  const bool has_peaks = bends || !is_steady_;
+  const int looks = bends ? kLooksWhereItBends : kLooks;
   const double look_s = law_.length_s(piece_) / looks;
   Load before = At(begin_s);
   Load here = before;
   Load most = before;
   for (int i = 0; i < looks; ++i) {
-    MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
-    if (is_straight) continue;
-    const Load after = At(begin_s + (i + 1) * look_s);
-    most.acceleration = std::max(most.acceleration,
-                                 Peak(before.acceleration, here.acceleration, after.acceleration));
-    most.jerk = std::max(most.jerk, Peak(before.jerk, here.jerk, after.jerk));
+    const Load after = MoveTo(begin_s + i * look_s, begin_s + (i + 1) * look_s, most);
+    if (!has_peaks) continue;
+    if (i > 0) {
+      const double peak = Peak(before.acceleration, here.acceleration, after.acceleration);
+      most.acceleration = std::max(most.acceleration, peak);
+      most.jerk = std::max(most.jerk, Peak(before.jerk, here.jerk, after.jerk));
+    }
     before = here;
     here = after;
   }
