@@ -95,8 +95,8 @@ double StepOf(const LimitedPath& path, double jerk_phase_s, double cycle_s) {
 }
 
 // The same; no more is looked at once it is more than `enough`.
-double SlowdownUpTo(const LimitedPath& path, const TimeLaw& law, bool is_steady, double enough) {
-  LoadMeter meter(path, law, is_steady);
+double SlowdownUpTo(const LimitedPath& path, const TimeLaw& law, double enough) {
+  LoadMeter meter(path, law);
   Load most;
   for (size_t i = 0; i < law.size() && most.Slowdown() <= enough; ++i) {
     most = Larger(most, meter.Next());
@@ -124,7 +124,7 @@ class Rounds {
       if (states.empty()) SlowDownAt(dead_end);
     }
     TimeLaw law = LawOf(draft_.places, states);
-    LoadMeter meter(path_, law, true);
+    LoadMeter meter(path_, law);
     load_ = {};
     for (Margin& here : margin_) {
       const Load load = meter.Next();
@@ -237,7 +237,7 @@ double Mend(const LimitedPath& path, TimeLaw& law) {
   double width_s = WidthOf(law);
   double before = INFINITY;
   for (int turn = 0;; ++turn) {
-    LoadMeter meter(path, law, false);
+    LoadMeter meter(path, law);
     std::vector<double> needed(law.size());
     for (double& here : needed) here = meter.Next().Slowdown();
     const double slowdown = *std::max_element(needed.begin(), needed.end());
@@ -342,7 +342,7 @@ TimeLaw GoingOver(const TimeLaw& known, const TimeLaw& law) {
 }  // namespace
 
 double SlowdownOf(const LimitedPath& path, const TimeLaw& law) {
-  return SlowdownUpTo(path, law, false, INFINITY);
+  return SlowdownUpTo(path, law, INFINITY);
 }
 
 TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
@@ -359,7 +359,7 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
     constexpr double kRounding = 1e-9;
     constexpr double kNearly = 1.005;
     best = SevenPhaseLaw(phases, path.begin(), path.end(), step_s);
-    const double slowdown = SlowdownUpTo(path, best, true, kNearly);
+    const double slowdown = SlowdownUpTo(path, best, kNearly);
     if (slowdown <= 1 + kRounding) return best;
     if (slowdown <= kNearly) return best.Slower(slowdown);
   }

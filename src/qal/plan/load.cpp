@@ -124,6 +124,15 @@ bool LoadMeter::IsBeyond(double s) const {
   return s + kRounding * (path_.end() - path_.begin()) >= path_.sections[section_ + 1].begin;
 }
 
+// Whether the jerk of the law's piece is constant, nearly.
+bool LoadMeter::IsSteady() const {
+  const double begin_s = law_.begin_s(piece_);
+  const double before = law_.At(begin_s, piece_).jerk;
+  const double after = law_.At(begin_s + law_.length_s(piece_), piece_).jerk;
+  constexpr double kNearly = 0.05;
+  return std::fabs(before - after) <= kNearly * (std::fabs(before) + std::fabs(after));
+}
+
 Load LoadMeter::Next() {
   // Within a piece nothing jumps, and what bends does so over some of its lengths.
   constexpr int kLooks = 4;
@@ -131,7 +140,7 @@ Load LoadMeter::Next() {
   const double begin_s = law_.begin_s(piece_);
   while (IsBeyond(here_.s)) ++section_;
   const bool bends = !path_.sections[section_].straight;
-  const bool has_peaks = bends || !is_steady_;
+  const bool has_peaks = bends || !IsSteady();
   const int looks = bends ? kLooksWhereItBends : kLooks;
   const double look_s = law_.length_s(piece_) / looks;
   Load before = At(begin_s);

@@ -37,9 +37,8 @@ Load LoadAt(const PathPoint& joints, const PathMoment& moment, const PathSection
 /// Looks at a law's pieces, one after the other.
 class LoadMeter {
  public:
-  /// @param is_steady whether the jerk of the law is constant in each of its pieces
-  LoadMeter(const LimitedPath& path, const TimeLaw& law, bool is_steady)
-      : path_(path), law_(law), is_steady_(is_steady), here_(path.joints.At(path.begin(), 0)) {}
+  LoadMeter(const LimitedPath& path, const TimeLaw& law)
+      : path_(path), law_(law), here_(path.joints.At(path.begin(), 0)) {}
 
   /// The most that the next piece needs, at its ends and at moments within it, so close that no
   /// piece of the path is passed over: there the joints bend most.
@@ -49,10 +48,10 @@ class LoadMeter {
   Load At(double time_s) const;
   Load MoveTo(double from_s, double to_s, Load& most);
   bool IsBeyond(double s) const;
+  bool IsSteady() const;
 
   const LimitedPath& path_;
   const TimeLaw& law_;
-  bool is_steady_;
   size_t piece_ = 0;
   size_t path_piece_ = 0;
   size_t section_ = 0;

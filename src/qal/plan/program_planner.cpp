@@ -190,7 +190,7 @@ std::optional<ProgramFailure> ProgramPlanner::PlanWindow() {
 // step that is settled, where it needs least of the limits.
 size_t ProgramPlanner::PieceToLeave(const StepPath& made, const TimeLaw& law) const {
   const size_t settled = run_->next_step() - 1 - kLookAheadSteps;
-  LoadMeter meter(made.path, law, true);
+  LoadMeter meter(made.path, law);
   double before = meter.Next().acceleration;
   size_t best = 0;
   double least = INFINITY;
