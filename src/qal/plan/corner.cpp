@@ -159,9 +159,9 @@ class TriedZone {
       farthest_.tool_m = std::max(farthest_.tool_m, here.tool_m);
       farthest_.turn_rad = std::max(farthest_.turn_rad, here.turn_rad);
       farthest_.joint_rad = std::max(farthest_.joint_rad, here.joint_rad);
-      const double deviation_m = DeviationAt(PlaceOf(i));
-      if (!(deviation_m > deviation_m_)) continue;
-      deviation_m_ = deviation_m;
+      const double off_m = DeviationAt(PlaceOf(i));
+      if (!(off_m > deviation_m_)) continue;
+      deviation_m_ = off_m;
       worst = i;
     }
     // Where the nearer of the two ways changes there is an edge, which looks don't meet.
