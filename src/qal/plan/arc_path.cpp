@@ -28,7 +28,6 @@ ArcPath::ArcPath(const Vec3& from, const Vec3& to, const Circle& circle, double 
       from_(from),
       to_(to),
       centre_(circle.centre),
-      axis_(circle.axis),
       radius_(ToVector(from) - circle.centre),
       forward_(Cross(circle.axis, radius_)),
       angle_rad_(angle_rad),

@@ -38,7 +38,6 @@ class ArcPath final : public ToolPath {
   Vec3 from_;
   Vec3 to_;
   Vector3 centre_;
-  Vector3 axis_;
   Vector3 radius_;   // from the centre to the start
   Vector3 forward_;  // perpendicular to it, towards growing angles
   double angle_rad_;

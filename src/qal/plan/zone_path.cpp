@@ -52,12 +52,12 @@ ToolRates ZonePath::RatesAt(double x) const {
   rates.jerk =
       f.Third(a.velocity, a.acceleration, a.jerk) + g.Third(b.velocity, b.acceleration, b.jerk);
 
-  const auto [w, i, j, k] = second_->PoseAt(place.behind).orientation * back_;
-  const Vector3 axis = {{i, j, k}};
+  const Quat carry = second_->PoseAt(place.behind).orientation * back_;
+  const Vector3 axis = {{carry.x, carry.y, carry.z}};
   // The vector part twice: v + 2 w (axis x v) + 2 axis x (axis x v).
   const auto turned = [&](const Vector3& v) {
     const Vector3 across = 2.0 * Cross(axis, v);
-    return v + w * across + Cross(axis, across);
+    return v + carry.w * across + Cross(axis, across);
   };
   const Vector3 w1 = turned(f.First(a.turn));
   const Vector3 w1_rate = turned(f.Second(a.turn, a.turn_acceleration));
