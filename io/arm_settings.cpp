@@ -1,10 +1,8 @@
 #include "arm_settings.h"
 
 #include <fmt/format.h>
-#include <qal/model/chain.h>
 
-#include <cmath>
-
+#include "frame.h"
 #include "units.h"
 
 namespace qal::io {
@@ -73,40 +71,6 @@ void ReadJointKeys(const Fields& file, const char* name, const JointKey (&keys)[
   }
 }
 
-// The rotation of a quaternion, w first, of any length.
-Transform FromQuaternion(const std::vector<double>& q, const Fields& frame, const char* key) {
-  const double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
-  // Below it a quaternion is a zero with rounding errors; above it, it has no square.
-  if (!(length > 1e-6 && std::isfinite(length))) {
-    frame.Refuse(key, "a quaternion of length 1 is expected");
-  }
-  const double w = q[0] / length;
-  const double x = q[1] / length;
-  const double y = q[2] / length;
-  const double z = q[3] / length;
-  return {{1 - 2 * (y * y + z * z), 2 * (x * y - w * z), 2 * (x * z + w * y), 2 * (x * y + w * z),
-           1 - 2 * (x * x + z * z), 2 * (y * z - w * x), 2 * (x * z - w * y), 2 * (y * z + w * x),
-           1 - 2 * (x * x + y * y)},
-          {0, 0, 0}};
-}
-
-Transform ReadFrame(const Fields& file, const char* name) {
-  if (!file.Has(name)) return {};
-  const Fields frame = file.Object(name);
-  frame.Expect({"xyz", "rpy", "quat_wxyz"});
-  if (frame.Has("rpy") && frame.Has("quat_wxyz")) {
-    frame.Refuse("quat_wxyz", "there is rpy as well; one of them is expected");
-  }
-  const ReadOptions as_written;
-  FileUnits units(as_written);
-  Transform transform =
-      frame.Has("quat_wxyz")
-          ? FromQuaternion(frame.Numbers("quat_wxyz", 4), frame, "quat_wxyz")
-          : FromRollPitchYaw(units.Radians(frame.Triple("rpy"), frame.Where("rpy")));
-  transform.position = frame.Triple("xyz");
-  return transform;
-}
-
 }  // namespace
 
 ArmSettings ReadArmSettings(const Fields& file) {
@@ -115,8 +79,8 @@ ArmSettings ReadArmSettings(const Fields& file) {
   if (file.Has("cycle_s")) settings.cycle_s = file.Number("cycle_s", std::nullopt);
   ReadJointKeys(file, "limits", kLimits, settings);
   ReadJointKeys(file, "motors", kMotors, settings);
-  settings.base = ReadFrame(file, "base");
-  settings.tool = ReadFrame(file, "tool");
+  if (file.Has("base")) settings.base = ReadFrame(file.Object("base"));
+  if (file.Has("tool")) settings.tool = ReadFrame(file.Object("tool"));
   return settings;
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "../solver/closed_form/angles.h"
 #include "error.h"
 #include "json_text.h"
 #include "numbers.h"
@@ -51,6 +52,10 @@ Document ParseJson(const std::string& text, const std::string& path) {
   }
 }
 
+double AngleUnit(const std::string& key) {
+  return key.find("_deg") == std::string::npos ? 1 : closed_form::kPi / 180;
+}
+
 Fields::Fields(const Document& document, const json& value, const std::string& label)
     : document_(&document), object_(&value), label_(label) {
   if (!object_->is_object()) Refuse("", "a table is expected");
@@ -63,6 +68,12 @@ void Fields::Expect(const std::vector<std::string>& keys) const {
         fmt::format("{}{}: unknown entry '{}'; expected are {}", document_->Place(entry.value()),
                     label_.empty() ? "" : ", " + label_, entry.key(), fmt::join(keys, ", ")));
   }
+}
+
+std::vector<std::string> Fields::Keys() const {
+  std::vector<std::string> keys;
+  for (const auto& entry : object_->items()) keys.push_back(entry.key());
+  return keys;
 }
 
 std::string Fields::Text(const std::string& key, const std::string& otherwise) const {
@@ -85,7 +96,10 @@ double Fields::Number(const std::string& key, std::optional<double> otherwise) c
 }
 
 std::vector<double> Fields::Numbers(const std::string& key, size_t count) const {
-  const json& list = at(key);
+  return Numbers(at(key), key, count);
+}
+
+std::vector<double> Fields::Numbers(const json& list, const std::string& key, size_t count) const {
   if (!list.is_array() || list.size() != count) {
     Refuse(key, fmt::format("{} numbers are expected", count));
   }
@@ -100,12 +114,45 @@ Vec3 Fields::Triple(const std::string& key) const {
   return {numbers[0], numbers[1], numbers[2]};
 }
 
+std::vector<Vec3> Fields::Triples(const std::string& key) const {
+  if (!at(key).is_array()) Refuse(key, "a list of lists of 3 numbers is expected");
+  std::vector<Vec3> triples;
+  for (const json& list : at(key)) {
+    const std::vector<double> numbers = Numbers(list, key, 3);
+    triples.push_back({numbers[0], numbers[1], numbers[2]});
+  }
+  return triples;
+}
+
+std::string Fields::AngleKey(const std::string& radians) const {
+  std::string degrees = radians;
+  const size_t unit = degrees.find("_rad");
+  if (unit != std::string::npos) degrees.replace(unit, 4, "_deg");
+  if (unit == std::string::npos || !Has(degrees)) return Has(radians) ? radians : "";
+  if (Has(radians)) Refuse(degrees, "given in radians as well; one of them is expected");
+  return degrees;
+}
+
 Fields Fields::Object(const std::string& key) const {
   return {*document_, at(key), label_.empty() ? key : label_ + ", " + key};
 }
 
 Fields Fields::Entry(const std::string& key, size_t entry) const {
-  return {*document_, at(key).at(entry), fmt::format("{} {}", key, entry + 1)};
+  return Entry(key, entry, fmt::format("{} {}", key, entry + 1));
+}
+
+Fields Fields::Entry(const std::string& key, size_t entry, const std::string& label) const {
+  return {*document_, at(key).at(entry), label};
+}
+
+size_t Fields::Entries(const std::string& key) const {
+  if (!at(key).is_array()) Refuse(key, "a list of tables is expected");
+  return at(key).size();
+}
+
+unsigned Fields::line() const {
+  const auto line = document_->lines.find(object_);
+  return line == document_->lines.end() ? 0 : line->second;
 }
 
 std::string Fields::Where(const std::string& key) const {

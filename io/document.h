@@ -37,9 +37,14 @@ struct Document {
 };
 
 /// @throw UsageError "PATH, line N: ..." when the text isn't well-formed, has a key twice, or goes
-///        beyond the limits of limits.h
-Document ParseToml(const std::string& text, const std::string& path);
+///        beyond the limits of limits.h; of a text that isn't TOML, by neither content nor name, it
+///        says what is `expected`
+Document ParseToml(const std::string& text, const std::string& path,
+                   const std::string& expected = "a URDF, TOML, JSON or a solver library");
 Document ParseJson(const std::string& text, const std::string& path);
+
+/// What a number of a key is to be multiplied with for radians: `_deg` in its name says degrees.
+double AngleUnit(const std::string& key);
 
 /// An object of a document, read by its keys. What isn't as expected is refused: a UsageError with
 /// file, line where there is one, key, and what was expected.
@@ -53,6 +58,7 @@ class Fields {
 
   /// Refuses keys that are not among these.
   void Expect(const std::vector<std::string>& keys) const;
+  std::vector<std::string> Keys() const;
   bool Has(const std::string& key) const { return object_->contains(key); }
   const nlohmann::json& at(const std::string& key) const { return object_->at(key); }
 
@@ -63,17 +69,31 @@ class Fields {
   std::vector<double> Numbers(const std::string& key, size_t count) const;
   /// A list of three numbers; zeros without the key.
   Vec3 Triple(const std::string& key) const;
+  /// A list of lists of three numbers.
+  std::vector<Vec3> Triples(const std::string& key) const;
+  /// Of a key in radians and the same in degrees, `_deg` for `_rad`, the one that is there; empty
+  /// without either.
+  std::string AngleKey(const std::string& radians) const;
   /// The object at a key.
   Fields Object(const std::string& key) const;
   /// An object in the list at a key; messages count it from 1.
   Fields Entry(const std::string& key, size_t entry) const;
+  /// The same, called otherwise.
+  Fields Entry(const std::string& key, size_t entry, const std::string& label) const;
+  /// How many objects there are in the list at a key.
+  size_t Entries(const std::string& key) const;
 
+  const std::string& label() const { return label_; }
+  /// The line that the object stands in, counted from 1; 0 where there is none.
+  unsigned line() const;
   /// "PATH, line N, LABEL, KEY", or without the key when it is empty.
   std::string Where(const std::string& key) const;
   [[noreturn]] void Refuse(const std::string& key, const std::string& reason) const;
 
  private:
   double Finite(const nlohmann::json& value, const std::string& key) const;
+  std::vector<double> Numbers(const nlohmann::json& list, const std::string& key,
+                              size_t count) const;
 
   const Document* document_;
   const nlohmann::json* object_;

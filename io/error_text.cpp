@@ -198,8 +198,10 @@ std::string Words::OfMove() const {
                          Named(error_.bound));
     case Reason::kSingularity:
       return fmt::format(
-          "the path leads through a {}singularity, where joints would have to turn at once",
-          error_.detail.empty() ? "" : error_.detail + ' ');
+          "the path leads through {}singularity, where joints would have to turn at once",
+          error_.detail.empty()          ? "a "
+          : error_.detail.front() == 'e' ? "an " + error_.detail + ' '
+                                         : "a " + error_.detail + ' ');
     case Reason::kNoArc:
       return "there is no such arc: " + error_.detail;
     default:

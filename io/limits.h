@@ -16,6 +16,7 @@ constexpr size_t kDeepest = 64;        ///< lists, tables and elements within ea
 constexpr size_t kMostColumns = 1000;  ///< of a CSV file
 /// Of a description: entries of tables and lists, tags and attributes. Also the keys of an object.
 constexpr size_t kMostValues = 1000000;
+constexpr size_t kMostSteps = 100000;  ///< of a program, repetitions counted; places of a grid
 /// Of a trajectory's times, joints and positions [s, rad, m]. There they are held to 1e-4; far
 /// above it differences overflow, and no rate is true.
 constexpr double kLargestNumber = 1e12;

@@ -111,20 +111,20 @@ class Reader {
   Document& document_;
 };
 
-toml::table Parse(const std::string& text, const std::string& path) {
+toml::table Parse(const std::string& text, const std::string& path, const std::string& expected) {
   try {
     return toml::parse(text);
   } catch (const toml::parse_error& error) {
     const bool named = std::filesystem::path(path).extension() == ".toml";
     RefuseLine(path, error.source().begin.line,
                fmt::format("not well-formed TOML ({}){}", error.description(),
-                           named ? "" : "; a URDF, TOML, JSON or a solver library is expected"));
+                           named ? "" : "; " + expected + " is expected"));
   }
 }
 
 }  // namespace
 
-Document ParseToml(const std::string& text, const std::string& path) {
+Document ParseToml(const std::string& text, const std::string& path, const std::string& expected) {
   try {
     TomlCheck check(text);
     LookThrough(text, [&](size_t place) { return check.Step(place); });
@@ -132,7 +132,7 @@ Document ParseToml(const std::string& text, const std::string& path) {
     throw UsageError(fmt::format("{}, {}", path, error.what()));
   }
   Document document(path, json());
-  Reader(document).Take(Parse(text, path), 0, document.root);
+  Reader(document).Take(Parse(text, path, expected), 0, document.root);
   return document;
 }
 

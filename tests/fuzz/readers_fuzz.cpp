@@ -7,6 +7,7 @@
 
 #include "../../io/arm_settings.h"
 #include "../../io/error.h"
+#include "../../io/program_file.h"
 #include "../../io/table.h"
 #include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
@@ -66,6 +67,16 @@ void CheckSettings(const qal::ArmSettings& settings) {
   }
 }
 
+void CheckProgram(const ProgramFile& file) {
+  Require(file.places.size() == file.program.steps.size(), "a step from nowhere");
+  for (const qal::ProgramStep& step : file.program.steps) {
+    const auto* line = std::get_if<qal::LineStep>(&step);
+    if (line == nullptr) continue;
+    Require(line->limits.speed_m_s > 0, "a line without a speed");
+    Require(!line->zone || line->zone->tool_m > 0, "a zone that is none");
+  }
+}
+
 void Read(const std::string& format, const std::string& text) {
   if (format == "csv") {
     CheckTrajectory(text, ParseCsv, ToCsv);
@@ -81,6 +92,7 @@ void Read(const std::string& format, const std::string& text) {
   } else {
     const Document table = format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file");
     const Fields fields(table);
+    if (fields.Has("step")) return CheckProgram(ReadProgram(table, qal::Arm::Reference()));
     if (fields.Has("convention")) return CheckArm(ReadTable(fields, {}));
     CheckSettings(ReadArmSettings(fields));
   }
