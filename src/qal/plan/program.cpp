@@ -110,7 +110,8 @@ const std::vector<ProgramBlock>& BlocksOf(const ProgramMotion& motion) {
   return motion.held_->blocks;
 }
 
-Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program) {
+Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program,
+                                                  const std::function<void(size_t)>& progress) {
   ProgramMotion::Held held;
   held.cycle_s = arm.cycle_s().value;
   ProgramPlanner planner(arm, program);
@@ -118,6 +119,7 @@ Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program&
     if (auto failure = planner.Next()) return *std::move(failure);
     if (planner.done()) break;
     held.blocks.push_back(planner.Take());
+    if (progress) progress(planner.next_step());
   }
   held.start = planner.start();
   if (!held.blocks.empty()) {

@@ -1,6 +1,7 @@
 #ifndef QAL_PLAN_PROGRAM_H_
 #define QAL_PLAN_PROGRAM_H_
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <optional>
@@ -139,7 +140,8 @@ class QAL_API ProgramMotion {
 
  private:
   struct Held;
-  friend Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program);
+  friend Result<ProgramMotion, ProgramFailure> PlanProgram(
+      const Arm& arm, const Program& program, const std::function<void(size_t)>& progress);
   friend const std::vector<ProgramBlock>& BlocksOf(const ProgramMotion& motion);
   explicit ProgramMotion(std::shared_ptr<const Held> held) : held_(std::move(held)) {}
   std::shared_ptr<const Held> held_;
@@ -158,9 +160,12 @@ class QAL_API ProgramMotion {
 /// speed, acceleration and jerk of the tool centre point, so that a narrow arc is passed slowly),
 /// on lines, arcs and the zones between such. Each half of a zone has the limits of its own step.
 ///
+/// @param progress is told, again and again, how many of the steps are planned
 /// @return kNotFinite, kNotAnOrientation, kSetting, kNoArc for what is wrong with a step; and those
 ///         of `PlanLine` and `PlanJoint`. `failure.before` is where the motion still gets
-QAL_API Result<ProgramMotion, ProgramFailure> PlanProgram(const Arm& arm, const Program& program);
+QAL_API Result<ProgramMotion, ProgramFailure> PlanProgram(
+    const Arm& arm, const Program& program,
+    const std::function<void(size_t planned_steps)>& progress = {});
 
 }  // namespace qal
 
