@@ -18,14 +18,16 @@ demo: build-deps
 	@packaging/quietly "Configuring build/release" cmake --preset release
 	@packaging/quietly "Building, for some minutes" cmake --build --preset release
 	@mkdir -p out
-	@build/release/bin/02_pick_and_place out/pick_and_place.csv
-	@build/release/bin/qal verify out/pick_and_place.csv --strict
+	@build/release/bin/qal plan examples/welding_seam.toml -o out/welding_seam.csv
+	@echo
+	@build/release/bin/qal verify out/welding_seam.csv --strict
 	@echo
 	@echo "Made: the libraries in build/release/lib, the tools in build/release/bin, and"
-	@echo "out/pick_and_place.csv, a pick and place of the reference arm that keeps its limits."
+	@echo "out/welding_seam.csv, a joint move, lines, an arc and the zones between them by the reference"
+	@echo "arm: examples/welding_seam.toml, within every limit."
 	@echo "Three things to try next:"
 	@echo "  build/release/bin/qal ik --all --pose 0.35 0 0.7 0 0 1 0 --near 0 0 0 0 0 0"
-	@echo "  build/release/bin/qal verify out/pick_and_place.csv --max-motor-rpm 1000"
+	@echo "  build/release/bin/qal plan examples/palletising.toml -o out/palletising.csv"
 	@echo "  build/release/bin/mkik arms/foundry_spherical.urdf -o out/libik.so"
 
 ## Builds and runs every test: by clang, under the address and undefined-behaviour sanitizers; and by

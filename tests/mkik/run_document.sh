@@ -1,9 +1,9 @@
 #!/bin/sh
 # Runs the commands of a document's console blocks, in order and in a folder of their own, and
 # compares what they print with what the document shows; "..." stands for any text.
-# usage: run_document.sh DOCUMENT ARM TOOLS COUNT
-# ARM is what the document calls arm.urdf, its toml block is my_arm.toml; TOOLS is the folder of the
-# tools; COUNT is the least number of commands.
+# usage: run_document.sh DOCUMENT ARM TOOLS COUNT [TOML]
+# ARM is what the document calls arm.urdf, its toml block is TOML, my_arm.toml unless said; TOOLS is
+# the folder of the tools; COUNT is the least number of commands.
 set -eu
 document=$1
 folder=$(mktemp -d)
@@ -16,7 +16,7 @@ cd "$folder"
 awk '/^```/ { inside = ($0 == "```console"); next }
      inside && /^\$ / { ++n; print substr($0, 3) > (n ".command"); printf "" > (n ".shown"); next }
      inside { print > (n ".shown") }' "$document"
-awk '/^```/ { inside = ($0 == "```toml"); next } inside' "$document" > my_arm.toml
+awk '/^```/ { inside = ($0 == "```toml"); next } inside' "$document" > "${5:-my_arm.toml}"
 
 n=1
 while [ -e "$n.command" ]; do

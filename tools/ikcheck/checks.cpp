@@ -4,11 +4,11 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <cstdio>
 #include <cstring>
 #include <iterator>
 
 #include "../../io/error.h"
+#include "../common/progress.h"
 #include "child.h"
 
 namespace qal::ikcheck {
@@ -76,21 +76,6 @@ std::string HeapComplaint(const std::string& output) {
   }
   return "";
 }
-
-// Says on a terminal which check runs, in one line that is gone at the end.
-class Progress {
- public:
-  Progress() = default;
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
-  ~Progress() { Show(""); }
-  void Show(const std::string& text) const {
-    if (terminal_) (void)std::fputs(("\r\033[K" + text).c_str(), stderr);
-  }
-
- private:
-  bool terminal_ = ::isatty(STDERR_FILENO) == 1;
-};
 
 // Runs the checks one by one, and puts their answers together.
 class Checker {
@@ -167,7 +152,7 @@ class Checker {
 
   const Options& options_;
   ChildRunner runner_;
-  Progress progress_;
+  tools::Progress progress_;
   double reach_ = 1.0;
   Report report_;
 };

@@ -59,7 +59,7 @@ void AddConvert(CLI::App& app, const SharedArm& arm) {
   CLI::App* convert = app.add_subcommand(
       "convert", "Convert a trajectory between CSV, JSON and a ROS JointTrajectory in YAML");
   arguments->in.AddTo(*convert, "IN");
-  arguments->out.AddTo(*convert, "OUT");
+  arguments->out.AddTo(*convert, "OUT")->required();
   arguments->arm = arm;
   arm->AddTo(*convert);
   convert->add_flag("--fk", arguments->fk,

@@ -45,6 +45,12 @@ std::string LimitedBy(const LimitedMotion& motion) {
                             100 * motion.along(longest.end_s));
 }
 
+}  // namespace
+
+std::string LimitedByRow(const LimitedMotion& motion) {
+  return fmt::format("{:<32} {}\n", "limited by", LimitedBy(motion));
+}
+
 Json LimitedByJson(const LimitedMotion& motion) {
   Json list = Json::array();
   for (const Binding& binding : motion.bindings) {
@@ -58,8 +64,6 @@ Json LimitedByJson(const LimitedMotion& motion) {
   return list;
 }
 
-}  // namespace
-
 void WriteLimited(const PlanOptions& options, const LoadedArm& loaded, const LimitedMotion& motion,
                   const std::string& rows, const Json& json) {
   const FileTrajectory samples = FromTrajectory(motion.samples);
@@ -68,9 +72,7 @@ void WriteLimited(const PlanOptions& options, const LoadedArm& loaded, const Lim
   all["limited_by"] = LimitedByJson(motion);
   all.update(ToJson(samples));
   WritePlan(options, loaded, samples,
-            Summary(samples, loaded.arm, options.common.units) + rows +
-                fmt::format("{:<32} {}\n", "limited by", LimitedBy(motion)),
-            all);
+            Summary(samples, loaded.arm, options.common.units) + rows + LimitedByRow(motion), all);
 }
 
 }  // namespace qal::tools

@@ -31,6 +31,11 @@ struct LimitedMotion {
   std::function<double(double time_s)> along = {};  ///< from 0 to 1; none: it has no path
 };
 
+/// The row of the limit that a motion runs at for longest.
+std::string LimitedByRow(const LimitedMotion& motion);
+/// All of them.
+Json LimitedByJson(const LimitedMotion& motion);
+
 /// Judges the motion by its arm and writes it, as `WritePlan` does, with the limits it runs at.
 /// @param rows and `json` what else is said about it
 void WriteLimited(const PlanOptions& options, const io::LoadedArm& loaded,

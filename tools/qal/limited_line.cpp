@@ -60,14 +60,11 @@ void ExpectEnd(const LineMotion& motion, const classic::Ends& ends, const Units&
 }
 
 std::string PathRows(const LineMotion& motion, const Units& units) {
-  const auto row = [](const std::string& label, const std::string& value) {
-    return fmt::format("{:<32} {:>12}\n", label, value);
-  };
-  std::string rows = row(fmt::format("turn of the tool [{}]", units.angle()),
-                         Decimal(units.Angle(motion.angle_rad()), AngleDecimals(units)));
+  std::string rows = ValueRow(fmt::format("turn of the tool [{}]", units.angle()),
+                              Decimal(units.Angle(motion.angle_rad()), AngleDecimals(units)));
   if (motion.orientation_error_rad() > 0) {
-    rows += row(fmt::format("orientation off the line [{}]", units.angle()),
-                fmt::format("{:.3g}", units.Angle(motion.orientation_error_rad())));
+    rows += ValueRow(fmt::format("orientation off the line [{}]", units.angle()),
+                     fmt::format("{:.3g}", units.Angle(motion.orientation_error_rad())));
   }
   return rows;
 }

@@ -9,7 +9,6 @@
 
 #include "../../io/error.h"
 #include "../../io/metrics.h"
-#include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
 #include "pose_option.h"
 #include "verdict.h"
@@ -51,9 +50,13 @@ classic::Ends EndOptions::Read(const Units& units, const Arm& arm) const {
 
 void PlanOptions::AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm) {
   common.AddTo(command, arm, true);
+  AddStrictTo(command);
+  command.add_flag("--verbose", verbose, "the operation's own messages, on standard error");
+}
+
+void PlanOptions::AddStrictTo(CLI::App& command) {
   command.add_flag("--strict", strict,
                    "exit status 1 when the plan exceeds a limit of the arm, assumed ones too");
-  command.add_flag("--verbose", verbose, "the operation's own messages, on standard error");
 }
 
 classic::Listener PlanOptions::Listener() const {
@@ -103,25 +106,34 @@ std::string FailureText(const classic::Failure& failure, const classic::Ends& en
 
 }  // namespace
 
-std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& units) {
+double LengthOf(const FileTrajectory& plan) {
   double length_m = 0.0;
   for (size_t i = 1; i < plan.size(); ++i) {
     length_m += Distance(plan[i - 1].pose->position, plan[i].pose->position);
   }
-  const Peaks errors = Measure(plan, arm)[kPositionError];
-  const auto row = [](const std::string& label, const std::string& value) {
-    return fmt::format("{:<32} {:>12}\n", label, value);
-  };
+  return length_m;
+}
+
+std::string SizeRows(const FileTrajectory& plan, double length_m, const Units& units) {
+  return ValueRow("points", std::to_string(plan.size())) +
+         ValueRow("duration [s]", Decimal(plan.back().time_s, 3)) +
+         ValueRow(fmt::format("TCP path length [{}]", units.length()),
+                  Decimal(units.Length(length_m), LengthDecimals(units)));
+}
+
+std::string EndRows(const FileTrajectory& plan, const Units& units) {
   const auto rows = [&](const FileSample& sample) {
     return StateRows({sample.joints, *sample.pose}, units);
   };
-  return row("points", std::to_string(plan.size())) +
-         row("duration [s]", Decimal(plan.back().time_s, 3)) +
-         row(fmt::format("TCP path length [{}]", units.length()),
-             Decimal(units.Length(length_m), LengthDecimals(units))) +
-         row(fmt::format("FK position error [{}]", units.length()),
-             fmt::format("{:.3g}", units.Length(errors[0]->value))) +
-         "first point\n" + rows(plan.front()) + "last point\n" + rows(plan.back());
+  return "first point\n" + rows(plan.front()) + "last point\n" + rows(plan.back());
+}
+
+std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& units) {
+  const Peaks errors = Measure(plan, arm)[kPositionError];
+  return SizeRows(plan, LengthOf(plan), units) +
+         ValueRow(fmt::format("FK position error [{}]", units.length()),
+                  fmt::format("{:.3g}", units.Length(errors[0]->value))) +
+         EndRows(plan, units);
 }
 
 void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTrajectory& plan,
@@ -133,7 +145,7 @@ void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTr
   all.update(json);
   output.Write(
       output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
-      [&, full = output.full()] { return full ? ToFullCsv(plan, arm) : ToCsv(plan); });
+      plan, arm);
   NoteExceeded(verdict, units);
   if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
     throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));

@@ -38,6 +38,7 @@ struct PlanOptions {
 
   /// Adds the common options, --strict and --verbose.
   void AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm);
+  void AddStrictTo(CLI::App& command);
   /// Passes the operations' own lines on to standard error, with --verbose.
   classic::Listener Listener() const;
 };
@@ -53,6 +54,15 @@ void RefuseOthers(const std::string& profile, std::initializer_list<const Number
 /// @throw Failure with --strict, when a limit of the arm is exceeded; all is written before
 void WritePlan(const PlanOptions& options, const io::LoadedArm& loaded,
                const io::FileTrajectory& plan, const std::string& answer, const Json& json);
+
+/// How long the tool's way is [m].
+/// @param plan with poses
+double LengthOf(const io::FileTrajectory& plan);
+
+/// Rows of a plan with poses: points, duration, length.
+std::string SizeRows(const io::FileTrajectory& plan, double length_m, const Units& units);
+/// Rows of its ends.
+std::string EndRows(const io::FileTrajectory& plan, const Units& units);
 
 /// Rows that a person can check: points, duration, length, both ends.
 /// @param plan with poses

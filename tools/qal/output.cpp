@@ -4,6 +4,7 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../../io/trajectory_csv.h"
 
 namespace qal::tools {
 
@@ -29,6 +30,28 @@ void Output::Write(const std::string& data, const std::function<std::string()>& 
   }
   if (!csv_.empty()) WriteFile(csv_, csv());
   WriteStandardOutput(data);
+}
+
+void Output::AddTrajectoryTo(CLI::App& command) {
+  command.add_flag("--json", json_, "JSON instead of the table, always in rad and m");
+  trajectory_.AddTo(command, "-o,--out")->type_name("FILE");
+}
+
+void Output::Check() const {
+  if (!trajectory_.given()) return;
+  trajectory_.Check();
+  if (trajectory_.to_standard_output() && json_) {
+    throw UsageError("-o - and --json: only one of them can have standard output");
+  }
+}
+
+void Output::Write(const std::string& data, const FileTrajectory& trajectory,
+                   const Arm& arm) const {
+  if (!trajectory_.given()) {
+    return Write(data, [&] { return full_ ? ToFullCsv(trajectory, arm) : ToCsv(trajectory); });
+  }
+  trajectory_.Write(trajectory, arm, JointNamesOf(arm));
+  if (!trajectory_.to_standard_output()) WriteStandardOutput(data);
 }
 
 void CommonOptions::AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& shared_arm,

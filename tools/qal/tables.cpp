@@ -16,6 +16,10 @@ std::string TextRow(const std::string& label, const std::string& text) {
   return fmt::format("{:<23}  {}\n", label, text);
 }
 
+std::string ValueRow(const std::string& label, const std::string& value) {
+  return fmt::format("{:<32} {:>12}\n", label, value);
+}
+
 std::string Row(const std::string& label, const std::vector<double>& values, int decimals) {
   std::string row = fmt::format("{:<23}", label);
   for (const double value : values) row += fmt::format(" {:>12}", Decimal(value, decimals));

@@ -20,6 +20,9 @@ std::string Decimal(double value, int decimals);
 /// One row of a table: the label, then text.
 std::string TextRow(const std::string& label, const std::string& text);
 
+/// One row of a table: the label, then a value to the right.
+std::string ValueRow(const std::string& label, const std::string& value);
+
 /// One row of a table: the label, then numbers in columns.
 std::string Row(const std::string& label, const std::vector<double>& values, int decimals);
 

@@ -11,10 +11,9 @@ namespace qal::tools {
 
 using namespace io;
 
-void TrajectoryOutput::AddTo(CLI::App& command, const std::string& name) {
+CLI::Option* TrajectoryOutput::AddTo(CLI::App& command, const std::string& name) {
   CLI::Option* path =
       command.add_option(name, path_, "file to write, whole or not at all; -: standard output");
-  path->required();
   command.add_option("--to", to_, "format of " + path->get_name() + " (default: by its ending)")
       ->check(CLI::IsMember(kFormatNames));
   command
@@ -24,6 +23,7 @@ void TrajectoryOutput::AddTo(CLI::App& command, const std::string& name) {
       ->check(CLI::IsMember({"message", "goal"}));
   command.add_flag("--full", full_,
                    "with CSV: speeds, accelerations and the arm's motor speeds as well");
+  return path;
 }
 
 void TrajectoryOutput::Check() const {

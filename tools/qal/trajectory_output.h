@@ -11,8 +11,12 @@ namespace qal::tools {
 /// A trajectory file that a command writes.
 class TrajectoryOutput {
  public:
-  /// Adds the argument or option `name`, which has to be given, --to, --ros and --full.
-  void AddTo(CLI::App& command, const std::string& name);
+  /// Adds the argument or option `name`, --to, --ros and --full.
+  /// @return the first of them
+  CLI::Option* AddTo(CLI::App& command, const std::string& name);
+
+  bool given() const { return !path_.empty(); }
+  bool to_standard_output() const { return path_ == "-"; }
 
   /// Before any work is done for the file.
   /// @throw UsageError when the name tells no format, or an option isn't for its format
