@@ -1,10 +1,11 @@
 #!/usr/bin/python3
 """Draws docs/figures/*.svg from real output: plot_trajectories.py BIN_DIR
 
-BIN_DIR holds qal and 02_pick_and_place, as built. Needs Debian's python3-matplotlib.
+BIN_DIR holds qal, as built. Needs Debian's python3-matplotlib.
 """
 
 import csv
+import json
 import pathlib
 import subprocess
 import sys
@@ -136,23 +137,64 @@ def arm_origins(angles):
     return np.array(points)
 
 
-def draw_pick_and_place(data, name):
-    figure = plt.figure(figsize=(9, 3.8))
+def plan_program(bin_dir, program):
+    made = subprocess.run([bin_dir / "qal", "plan", ROOT / "examples" / program, "--json"], check=True,
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+    return json.loads(made.stdout)
+
+
+def draw_speed(axis, plan, steps=None):
+    """The tool's speed, of steps from one to before another; in red the corners that it passes without
+    a stop. Which samples these are."""
+    time, position = np.array(plan["time_s"]), np.array(plan["position_m"])
+    begin, end = (plan["steps"][step]["begin_s"] for step in steps) if steps else (0, time[-1])
+    shown = (time >= begin) & (time <= end)
+    speed = np.linalg.norm(np.gradient(position[shown], time[shown], axis=0), axis=1)
+    axis.plot(time[shown], speed, color="black")
+    axis.set(xlabel="time [s]", ylabel="tool speed [m/s]", ylim=(0, None), xlim=(begin, end))
+    for corner in plan["corners"]:
+        if corner["end_s"] > begin and corner["begin_s"] < end:
+            axis.axvspan(corner["begin_s"], corner["end_s"], color="tab:red", alpha=0.2, linewidth=0)
+    return shown
+
+
+def in_corners(plan):
+    """For each corner, which samples are in it."""
+    time = np.array(plan["time_s"])
+    return [(time >= corner["begin_s"]) & (time <= corner["end_s"]) for corner in plan["corners"]]
+
+
+def draw_program(plan, name, axes, steps=None):
+    """The tool's way in a plane, and its speed."""
+    figure, (left, right) = plt.subplots(1, 2, figsize=(9, 3.4), width_ratios=(1, 1.5))
+    shown = draw_speed(right, plan, steps)
+    across, up = (np.array(plan["position_m"])[:, "xyz".index(axis)] for axis in axes)
+    left.plot(across[shown], up[shown], color="black")
+    for inside in in_corners(plan):
+        left.plot(across[inside & shown], up[inside & shown], color="tab:red", linewidth=2.2)
+    left.set(xlabel=f"{axes[0]} [m]", ylabel=f"{axes[1]} [m]", aspect="equal")
+    save(figure, name)
+
+
+def draw_palletising(plan, name):
+    """The reference arm at its ends, the tool's way of all cycles, and its speed in two of them."""
+    figure = plt.figure(figsize=(10, 4.2))
     left = figure.add_subplot(1, 2, 1, projection="3d")
-    time = data["time_s"]
-    angles = np.stack(joints(data, "q", "rad"), axis=1)
-    lowest = int(np.argmin(data["z_m"]))
-    for sample, shade in [(0, 0.35), (lowest // 3, 0.15), (lowest, 1.0)]:
-        chain = np.vstack([[0, 0, 0], arm_origins(angles[sample])])
-        left.plot(*chain.T, color="tab:blue", marker="o", markersize=3, linewidth=2.5,
-                  alpha=shade)
-    left.plot(data["x_m"], data["y_m"], data["z_m"], color="tab:red", linewidth=1.5)
-    left.set(xlabel="x [m]", ylabel="y [m]", zlabel="z [m]", xlim=(0, 0.6), ylim=(-0.2, 0.4),
-             zlim=(0, 0.9), xticks=[0, 0.2, 0.4, 0.6], yticks=[-0.2, 0, 0.2, 0.4])
-    left.set_box_aspect((0.6, 0.6, 0.9))
-    left.view_init(elev=15, azim=-115)
-    right = figure.add_subplot(1, 2, 2)
-    draw_joints(right, time, joints(data, "qd", "rad_s"), "joint speed [rad/s]")
+    position, angles = np.array(plan["position_m"]), np.array(plan["joints_rad"])
+    begins = [step["begin_s"] for step in plan["steps"]]
+    for time, shade in [(begins[3], 0.35), (begins[-3], 1.0)]:  # picks the first, sets the last down
+        sample = int(np.searchsorted(plan["time_s"], time + CYCLE_S))
+        chain = np.vstack([[0, 0, 0], arm_origins(angles[sample]), position[sample]])
+        left.plot(*chain.T, color="tab:blue", marker="o", markersize=3, linewidth=2.5, alpha=shade)
+    thin = slice(None, None, 8)  # of 51,000 samples
+    left.plot(*position[thin].T, color="black", linewidth=0.6, alpha=0.7)
+    for inside in in_corners(plan):
+        left.plot(*position[inside][thin].T, color="tab:red", linewidth=1.2)
+    left.set(xlabel="x [m]", ylabel="y [m]", zlabel="z [m]", xlim=(0, 0.6), ylim=(-0.3, 0.4),
+             zlim=(0, 0.8), xticks=[0, 0.2, 0.4, 0.6], yticks=[-0.2, 0, 0.2, 0.4])
+    left.set_box_aspect((0.6, 0.7, 0.8))
+    left.view_init(elev=18, azim=-50)
+    draw_speed(figure.add_subplot(1, 2, 2), plan, (9, 25))
     save(figure, name)
 
 
@@ -180,11 +222,9 @@ def main():
     draw_joint_move(plan(bin_dir, *move, "--profile", "trapezoid", "--speed", "40", "--acc", "5000"),
                     "joint_trapezoid.svg", "motor", "rpm", "motor speed [rpm]")
 
-    with tempfile.TemporaryDirectory() as folder:
-        path = pathlib.Path(folder) / "pick_and_place.csv"
-        subprocess.run([bin_dir / "02_pick_and_place", path], check=True,
-                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        draw_pick_and_place(read(path), "pick_and_place.svg")
+    draw_program(plan_program(bin_dir, "welding_seam.toml"), "program_welding_seam.svg", "xy", (4, 9))
+    draw_program(plan_program(bin_dir, "inspection.toml"), "program_inspection.svg", "xy")
+    draw_palletising(plan_program(bin_dir, "palletising.toml"), "program_palletising.svg")
 
 
 if __name__ == "__main__":
