@@ -131,7 +131,9 @@ class Rounds {
       // Between places the limit of speed is exceeded by what a motion can be slowed down by as a
       // whole, as a rule.
       constexpr double kTooFast = 1.002;
-      if (load.velocity > kTooFast) here.velocity /= load.velocity;
+      if (load.velocity > kTooFast && std::isfinite(load.velocity)) {
+        here.velocity /= load.velocity;
+      }
       here.acceleration = std::min(1.0, here.acceleration / load.acceleration);
       here.jerk = std::min(1.0, here.jerk / load.jerk);
       load_ = Larger(load_, load);
@@ -241,7 +243,7 @@ double Mend(const LimitedPath& path, TimeLaw& law) {
     std::vector<double> needed(law.size());
     for (double& here : needed) here = meter.Next().Slowdown();
     const double slowdown = *std::max_element(needed.begin(), needed.end());
-    if (slowdown <= 1 + kMended || turn == kMostTurns) return slowdown;
+    if (!(slowdown > 1 + kMended) || turn == kMostTurns || std::isinf(slowdown)) return slowdown;
     // The dips themselves are too steep.
     if (slowdown - 1 > 0.7 * (before - 1)) width_s *= 1.5;
     before = slowdown;

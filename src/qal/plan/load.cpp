@@ -73,7 +73,12 @@ Load Larger(const Load& a, const Load& b) {
 }
 
 Load LoadMeter::At(double time_s) const {
-  return LoadAt(here_, law_.At(time_s, piece_), path_.sections[section_]);
+  const PathMoment moment = law_.At(time_s, piece_);
+  Load load = LoadAt(here_, moment, path_.sections[section_]);
+  // No motion goes back: there is no making this one slower.
+  constexpr double kRounding = 1e-12;
+  if (moment.speed < -kRounding) load.velocity = INFINITY;
+  return load;
 }
 
 namespace {
@@ -95,16 +100,27 @@ Load LoadMeter::MoveTo(double from_s, double to_s, Load& most) {
   Load here;
   // A law that is faster than its numbers can tell is none.
   constexpr double kShortestS = 1e-9;
+  constexpr double kMostChange = 0.15;
+  const bool bends = !path_.sections[section_].straight;
+  const double least_s = (to_s - from_s) / 16;
+  double speed = law_.At(from_s, piece_).speed;
   double step_s = to_s - from_s;
   for (double at_s = from_s; at_s < to_s;) {
     const double next_s = step_s < to_s - at_s ? at_s + step_s : to_s;
-    const double s = std::clamp(law_.At(next_s, piece_).s, path_.begin(), path_.end());
+    const PathMoment moment = law_.At(next_s, piece_);
+    const double s = std::clamp(moment.s, path_.begin(), path_.end());
     const size_t there = path_.joints.PieceAt(s, path_piece_);
-    const bool passes = there > path_piece_ + 1 || s - here_.s > path_.joints.length(there) / 2;
-    if (passes && step_s > kShortestS) {
+    const double most_part = bends ? 0.15 : 0.5;
+    const bool passes =
+        there > path_piece_ + 1 || std::fabs(s - here_.s) > most_part * path_.joints.length(there);
+    // Where a motion nearly stops its rates change as fast as its speed does.
+    const double change = std::fabs(moment.speed - speed);
+    const bool turns = bends && change > kMostChange * speed && step_s > least_s;
+    if ((passes && step_s > kShortestS) || turns) {
       step_s /= 2;
       continue;
     }
+    speed = moment.speed;
     path_piece_ = there;
     here_ = path_.joints.At(s, there);
     // A step that ends where sections meet is in the one before.
