@@ -32,8 +32,9 @@ using Cases = std::vector<Case>;
 // Each adds a family of cases; `work` has to outlive them.
 void AddKinematics(const Workload& work, Cases& cases);    ///< solver, forward, inverse, jog
 void AddTrajectories(const Workload& work, Cases& cases);  ///< lines and joint moves
-void AddArms(Cases& cases);   ///< solvers of arms near a family and of the other families
-void AddMoves(Cases& cases);  ///< joint moves within limits, and their samples
+void AddArms(Cases& cases);      ///< solvers of arms near a family and of the other families
+void AddMoves(Cases& cases);     ///< joint moves within limits, and their samples
+void AddPlayback(Cases& cases);  ///< stops of programs, decided cycle by cycle
 void AddLines(const Workload& work, Cases& cases);  ///< lines that keep every limit
 void AddScaling(Cases& cases);  ///< the same from 100 to 1,000,000 waypoints, as far as each goes
 void AddPeer(const Workload& work, Cases& cases);  ///< the same jobs done by Orocos KDL

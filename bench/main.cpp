@@ -24,6 +24,7 @@ Cases AllCases(const Workload& work) {
   AddLines(work, cases);
   AddArms(cases);
   AddMoves(cases);
+  AddPlayback(cases);
   AddScaling(cases);
   AddPeer(work, cases);
   return cases;

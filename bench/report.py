@@ -48,6 +48,7 @@ RATIOS = [
     ("plan of six from rest", "plan/six from rest", "ArmFk", "fk/ArmFk", 20),
     ("plan of six moving", "plan/six moving", "ArmFk", "fk/ArmFk", 45),
     ("sample of six joints", "plan/sample", "ArmFk", "fk/ArmFk", 0.35),
+    ("cycle of a playback", "play/stop and resume", "ArmIk", "ik/ArmIk", 12),
     ("line within limits", "line/limited", "its waypoints' solves", "line/its solves", 3),
     ("near a spherical wrist", "arm/spherical wrist", "its nearest member",
      "arm/spherical wrist nominal", 7.0),

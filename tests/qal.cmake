@@ -70,3 +70,9 @@ qal_test_program(
   LIBRARIES qal_io)
 # Moves that keep an arm's limits. A million of them: QAL_MOVES=1000000 qal_joint_move_test.
 qal_test_program(qal_joint_move_test SOURCES qal/joint_move_test.cpp LIBRARIES qal_io)
+# Stops and paces of programs. From how many moments: QAL_STOPS=100000 qal_playback_test.
+qal_test_program(
+  qal_playback_test
+  SOURCES qal/playback_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  LIBRARIES qal_io)

@@ -30,9 +30,14 @@ Sample ProgramBlock::SampleAt(double time_s) const {
   if (IsOver(time_s)) {
     return {time_s, end.joints, {}, {}, end.pose};
   }
-  const PathMoment moment = MomentAt(made.path, law, std::max(time_s, 0.0));
+  Sample sample = SampleOf(MomentAt(made.path, law, std::max(time_s, 0.0)));
+  sample.time_s = time_s;
+  return sample;
+}
+
+Sample ProgramBlock::SampleOf(const PathMoment& moment) const {
   const auto [joints, velocities, accelerations] = StateAt(made.path, moment);
-  Sample sample = {time_s, joints, velocities, accelerations, end.pose};
+  Sample sample = {0, joints, velocities, accelerations, end.pose};
   const PathSection& section = made.path.sections[made.path.SectionAt(moment.s)];
   const auto holds = [&](const WristPass& pass) {
     return pass.begin < moment.s && moment.s < pass.end;

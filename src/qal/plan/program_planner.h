@@ -31,6 +31,8 @@ struct ProgramBlock {
   MotionState At(double time_s) const;
   Pose PoseAt(double time_s) const;
   Sample SampleAt(double time_s) const;
+  /// At a place of its path, at any speed there; of time 0.
+  Sample SampleOf(const PathMoment& moment) const;
 };
 
 /// Plans a program's blocks one after the other. The motion of a step is settled once some more

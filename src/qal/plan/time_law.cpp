@@ -23,6 +23,15 @@ void TimeLaw::Append(const PathMoment& moment, double after_s) {
   last_ = moment;
 }
 
+void TimeLaw::Append(const TimeLaw& law) {
+  for (Piece piece : law.pieces_) {
+    piece.begin += duration_s_;
+    pieces_.push_back(piece);
+  }
+  duration_s_ += law.duration_s_;
+  last_ = law.last_;
+}
+
 size_t TimeLaw::PieceAt(double time_s, size_t near) const {
   return PieceHolding(pieces_, time_s, near);
 }

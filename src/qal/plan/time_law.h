@@ -28,6 +28,9 @@ class TimeLaw {
   double begin_s(size_t piece) const { return pieces_[piece].begin; }
   double length_s(size_t piece) const { return pieces_[piece].length; }
 
+  /// What goes on where this one ends.
+  void Append(const TimeLaw& law);
+
   /// The piece at a time. Quick where it is `near` or one after it.
   size_t PieceAt(double time_s, size_t near = 0) const;
   PathMoment At(double time_s, size_t piece) const;
