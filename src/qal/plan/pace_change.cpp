@@ -316,7 +316,7 @@ bool PaceChange::Try(int attempt, const Node& begin, const Range& jerks, const G
     Leg leg;
     return Land(begin, goal.pace, leg) && EndWith(leg, goal.pace, course);
   }
-  const double pace = attempt == kCreeping ? goal.pace : goal.pace / 2;
+  const double pace = std::ldexp(goal.pace, kCreeping - attempt);
   return begin.at.pace == 0 && Creep(begin.at, pace, course);
 }
 
@@ -333,7 +333,7 @@ bool PaceChange::Find(const PlayMoment& now, double pace, const Course& otherwis
   // At the end of the plan there is a rest as well.
   const double planned_s = (duration_s_ - now.clock_s) / otherwise.pace;
   if (pace == 0 && LeastStop(now.path, jerks) >= planned_s) return false;
-  constexpr int kAttempts = 8;
+  constexpr int kAttempts = 24;
   const int first = std::exchange(next_attempt_, 0);
   for (int attempt = first; attempt < kAttempts; ++attempt) {
     if (Try(attempt, begin, jerks, goal, found)) return true;

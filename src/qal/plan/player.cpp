@@ -85,7 +85,18 @@ void Player::Decide() {
     in_leg_s_ = 0;
     return;
   }
-  if (!changes_[block_].Find(now, wanted_, course, course_[1 - current_])) return;
+  if (!changes_[block_].Find(now, wanted_, course, course_[1 - current_])) {
+    // Slower than this is rest: within a cycle it takes no part of a limit that could be measured.
+    constexpr double kRest = 1e-7;
+    if (wanted_ == 0 && Constant() && course.pace < kRest) {
+      course.clock_s = now.clock_s;
+      course.pace = 0;
+      course.legs = 0;
+      leg_ = 0;
+      in_leg_s_ = 0;
+    }
+    return;
+  }
   current_ = 1 - current_;
   leg_ = 0;
   in_leg_s_ = 0;

@@ -153,7 +153,7 @@ class QAL_API ProgramMotion {
 /// with a zone is rounded by adding up what is left of the one way and what is already behind of
 /// the other one, each by a polynomial of degree 7: of the tool between lines and arcs, of the
 /// joints next to a joint move. Curvature and joints' first three derivatives are continuous. A
-/// corner in which there is no room for that is a stop.
+/// corner in which there is no room for that, 0.1 mm at least, is a stop.
 ///
 /// From stop to stop the fastest motion is planned that keeps every limit, as along a line: of the
 /// joints everywhere; of the tool and its turn, which are limits of the lengths of the vectors (of
