@@ -26,7 +26,6 @@ python3-scipy.
 
 import argparse
 import json
-import statistics
 import sys
 
 try:
@@ -63,35 +62,6 @@ def compare(row, path, intervals):
     coarse = optimum.Problem(optimum.Path(row, 2), knots, optimum.BY_JERK, optimum.EVENLY)
     return (row["duration_s"], duration, row["duration_s"] / duration, error, optimum.bound(path),
             abs(coarse.excess(x).max() - 1))
-
-
-def report(rows, intervals):
-    names, table, without = [], [], 0
-    for name, row, path in rows:
-        try:
-            figures = compare(row, path, intervals)
-        except ArithmeticError as error:
-            without += 1
-            print(f"line_optimum: {name}: no optimum found: {error}", file=sys.stderr)
-            continue
-        if not table:
-            print("".join(f"{column:>10}" for column in COLUMNS), " name")
-        names.append(name)
-        table.append(figures)
-        print("".join(f"{figure:10.1e}" if column in ("error", "grid") else f"{figure:10.4f}"
-                      for column, figure in zip(COLUMNS, figures)), "", name, flush=True)
-        if sys.stderr.isatty() and not sys.stdout.isatty():
-            print(f"\r{len(table)} lines ", end="", file=sys.stderr, flush=True)
-    if not table:
-        sys.exit("line_optimum: no line to compare")
-    _, _, ratios, errors, _, grids = zip(*table)
-    least, worst = np.argmin(ratios), np.argmax(ratios)
-    print(f"\n{len(table)} lines: ratio median {statistics.median(ratios):.4f}, "
-          f"least {ratios[least]:.4f} ({names[least]}), "
-          f"worst {ratios[worst]:.4f} ({names[worst]}); "
-          f"error at most {max(errors):.1e}, grid {max(grids):.1e}")
-    if without:
-        sys.exit(f"line_optimum: {without} more without an optimum")
 
 
 def example(kind, limits=(1, 4, 40), joints=(3, 10, 60), delta=0.1):
@@ -196,7 +166,8 @@ def main():
         if arguments.self_check:
             self_check(arguments.intervals)
         else:
-            report(read(arguments.file), arguments.intervals)
+            optimum.report("lines", COLUMNS, read(arguments.file),
+                           lambda *row: compare(*row, arguments.intervals))
     except KeyboardInterrupt:
         sys.exit("line_optimum: stopped")
 

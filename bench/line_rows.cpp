@@ -1,10 +1,9 @@
 #include <cstdio>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 
-#include "../io/loaded_arm.h"
 #include "../src/qal/plan/line_path.h"
 #include "../src/qal/plan/path_follower.h"
+#include "rows_main.h"
 #include "seeded_lines.h"
 
 // Writes the rows that line_optimum.py reads: line_rows COUNT [FILE...], lines of the reference arm
@@ -80,9 +79,4 @@ int WriteRows(int count, const std::vector<Arm>& arms) {
 }  // namespace
 }  // namespace qal::bench
 
-int main(int argc, char** argv) {
-  if (argc < 2) return 2;
-  std::vector<qal::Arm> arms = {qal::Arm::Reference()};
-  for (int i = 2; i < argc; ++i) arms.push_back(qal::io::ReadArm(argv[i]).arm);
-  return qal::bench::WriteRows(std::atoi(argv[1]), arms);
-}
+int main(int argc, char** argv) { return qal::bench::RowsMain(argc, argv, qal::bench::WriteRows); }

@@ -22,7 +22,6 @@ Needs Debian's python3-scipy.
 
 import argparse
 import json
-import statistics
 import sys
 
 try:
@@ -102,35 +101,6 @@ def compare(planned, rest, runs, intervals):
         total, worst = total + least, max(worst, duration / least)
         error, grid = max(error, off), max(grid, abs(coarse.excess(x).max() - 1))
     return planned, total, planned / total, worst, error, grid
-
-
-def report(rows, intervals):
-    names, table, without = [], [], 0
-    for name, planned, rest, runs in rows:
-        try:
-            figures = compare(planned, rest, runs, intervals)
-        except ArithmeticError as error:
-            without += 1
-            print(f"program_optimum: {name}: no optimum found: {error}", file=sys.stderr)
-            continue
-        if not table:
-            print("".join(f"{column:>10}" for column in COLUMNS), " name")
-        names.append(name)
-        table.append(figures)
-        print("".join(f"{figure:10.1e}" if column in ("error", "grid") else f"{figure:10.4f}"
-                      for column, figure in zip(COLUMNS, figures)), "", name, flush=True)
-        if sys.stderr.isatty() and not sys.stdout.isatty():
-            print(f"\r{len(table)} programs ", end="", file=sys.stderr, flush=True)
-    if not table:
-        sys.exit("program_optimum: no program to compare")
-    _, _, ratios, _, errors, grids = zip(*table)
-    least, worst = np.argmin(ratios), np.argmax(ratios)
-    print(f"\n{len(table)} programs: ratio median {statistics.median(ratios):.4f}, "
-          f"least {ratios[least]:.4f} ({names[least]}), "
-          f"worst {ratios[worst]:.4f} ({names[worst]}); "
-          f"error at most {max(errors):.1e}, grid {max(grids):.1e}")
-    if without:
-        sys.exit(f"program_optimum: {without} more without an optimum")
 
 
 def example(position, limits, length, borders=()):
@@ -225,7 +195,8 @@ def main():
         if arguments.self_check:
             self_check(arguments.intervals)
         else:
-            report(read(arguments.file), arguments.intervals)
+            optimum.report("programs", COLUMNS, read(arguments.file),
+                           lambda *row: compare(*row, arguments.intervals))
     except KeyboardInterrupt:
         sys.exit("program_optimum: stopped")
 

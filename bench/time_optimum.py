@@ -9,6 +9,8 @@ primal-dual interior-point method with banded matrices finds it.
 """
 
 import itertools
+import statistics
+import sys
 
 import numpy as np
 from scipy.interpolate import BPoly, CubicHermiteSpline
@@ -300,3 +302,34 @@ def bound(path):
     *_, (_, _, coarse), (_, _, fine) = refine(path, BY_ACCELERATION, (50, 100, 200, 400))
     ways = np.abs(np.append(1, path.dq.integrate(0, 1)))
     return max(min(fine, 2 * fine - coarse), *map(seven_phases, ways, *path.limits))
+
+
+def report(what, columns, rows, figures):
+    """Prints a line for each row, a tuple with its name first, and what they amount to; "ratio", "error"
+    and "grid" are among the columns. Exits where a row has no optimum."""
+    names, table, without = [], [], 0
+    for name, *row in rows:
+        try:
+            line = dict(zip(columns, figures(*row)))
+        except ArithmeticError as error:
+            without += 1
+            print(f"{name}: no optimum found: {error}", file=sys.stderr)
+            continue
+        if not table:
+            print("".join(f"{column:>10}" for column in columns), " name")
+        names.append(name)
+        table.append(line)
+        print("".join(f"{figure:10.1e}" if column in ("error", "grid") else f"{figure:10.4f}"
+                      for column, figure in line.items()), "", name, flush=True)
+        if sys.stderr.isatty() and not sys.stdout.isatty():
+            print(f"\r{len(table)} {what} ", end="", file=sys.stderr, flush=True)
+    if not table:
+        sys.exit(f"no {what} to compare")
+    ratios, errors, grids = ([line[column] for line in table] for column in ("ratio", "error", "grid"))
+    least, worst = np.argmin(ratios), np.argmax(ratios)
+    print(f"\n{len(table)} {what}: ratio median {statistics.median(ratios):.4f}, "
+          f"least {ratios[least]:.4f} ({names[least]}), "
+          f"worst {ratios[worst]:.4f} ({names[worst]}); "
+          f"error at most {max(errors):.1e}, grid {max(grids):.1e}")
+    if without:
+        sys.exit(f"{without} more without an optimum")

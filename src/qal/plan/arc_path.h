@@ -29,8 +29,6 @@ class ArcPath final : public ToolPath {
   ArcPath(const Vec3& from, const Vec3& to, const Circle& circle, double angle_rad,
           const SteadyTurn& turn, double span);
 
-  double length_m() const { return Length(radius_) * std::fabs(angle_rad_); }
-
   Pose PoseAt(double x) const override;
   ToolRates RatesAt(double x) const override;
 
