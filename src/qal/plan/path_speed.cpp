@@ -48,6 +48,15 @@ Region CutTo(const Region& region, Region line) {
   return line;
 }
 
+// The state of the most speed; without one, rest.
+PathState Farthest(const Region& line) {
+  PathState farthest = {0, 0};
+  for (size_t i = 0; i < line.size(); ++i) {
+    if (line[i].state.square > farthest.square) farthest = line[i].state;
+  }
+  return farthest;
+}
+
 // Of two steps' margins, what both leave.
 Margin Lesser(const Margin& a, const Margin& b) {
   return {std::min(a.velocity, b.velocity), std::min(a.acceleration, b.acceleration),
@@ -127,12 +136,13 @@ Passage::Passage(const LimitedPath& path, const PathState& from, const Draft& dr
 }
 
 bool Passage::LeadBack() {
-  const auto [stop, deceleration] = FromRest(steps[last - 1]);
-  // The fastest motions end at all the jerk there is.
+  const PathState reversed = FromRest(steps[last - 1]);
+  const auto [stop, deceleration] = Farthest(
+      CutTo(regions[last - 1], Region::Between({0, 0}, {reversed.square, -reversed.acceleration})));
+  // The fastest motions end at all the jerk and deceleration there is.
   constexpr double kNearly = 0.98;
   regions[last - 1] =
-      CutTo(regions[last - 1],
-            Region::Between({kNearly * stop, -kNearly * deceleration}, {stop, -deceleration}));
+      Region::Between({kNearly * stop, kNearly * deceleration}, {stop, deceleration});
   const size_t first = from_rest() ? 1 : 0;
   bounds.reserve(last);
   for (size_t k = last - 1; k-- > first;) {
@@ -150,11 +160,7 @@ std::vector<PathState> Passage::Drive() {
   size_t first = 0;
   if (from_rest()) {
     first = 1;
-    const Region started = CutTo(regions[1], Region::Between({0, 0}, FromRest(steps[0])));
-    for (size_t i = 0; i < started.size(); ++i) {
-      const PathState& state = started[i].state;
-      if (state.acceleration > states[1].acceleration) states[1] = state;
-    }
+    states[1] = Farthest(CutTo(regions[1], Region::Between({0, 0}, FromRest(steps[0]))));
   } else {
     states[0] = Within(regions[0], start);
   }
