@@ -341,6 +341,26 @@ TimeLaw GoingOver(const TimeLaw& known, const TimeLaw& law) {
   return LawOf(places, states);
 }
 
+// Where no round finds a motion: any one keeps the limits if it is slow enough. The draft, mended
+// where it needs too much, or a steady one.
+TimeLaw SlowLaw(const LimitedPath& path, const Draft& draft) {
+  std::vector<PathState> states(draft.places.size(), PathState{0, 0});
+  for (size_t k = 1; k + 1 < states.size(); ++k) {
+    const double before = draft.speed[k - 1];
+    const double after = draft.speed[k + 1];
+    states[k] = {
+        draft.speed[k] * draft.speed[k],
+        (after * after - before * before) / (2 * (draft.places[k + 1] - draft.places[k - 1]))};
+  }
+  // What is needed between looks is more than at them, of motions as uneven as these.
+  constexpr double kBetween = 1.005;
+  TimeLaw drafted = LawOf(draft.places, states);
+  drafted = drafted.Slower(kBetween * Mend(path, drafted));
+  TimeLaw steady = SteadyLaw(path);
+  steady = steady.Slower(kBetween * SlowdownOf(path, steady));
+  return drafted.duration_s() < steady.duration_s() ? drafted : steady;
+}
+
 }  // namespace
 
 double SlowdownOf(const LimitedPath& path, const TimeLaw& law) {
@@ -367,11 +387,7 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
   }
 
   std::optional<Driven> driven = Drive(path, {0, 0}, DraftOf(path, 0, step_s));
-  if (!driven) {
-    // Any motion keeps the limits if it is slow enough.
-    if (best.size() == 0) best = SteadyLaw(path);
-    return best.Slower(SlowdownOf(path, best));
-  }
+  if (!driven) return SlowLaw(path, DraftOf(path, 0, step_s));
   if (driven->slowdown >= 1 + kEnough) {
     TimeLaw mended = driven->law;
     const double slowdown = Mend(path, mended);
