@@ -16,10 +16,10 @@ constexpr double kRounding = 1e-9;
 Player::Player(std::vector<PlayedBlock> blocks, double duration_s, double cycle_s, double from_s)
     : blocks_(std::move(blocks)), duration_s_(duration_s), cycle_s_(cycle_s) {
   changes_.reserve(blocks_.size());
-  for (const PlayedBlock& block : blocks_) changes_.emplace_back(*block.path, *block.law, cycle_s);
+  for (const PlayedBlock& each : blocks_) changes_.emplace_back(*each.path, *each.law, cycle_s);
   const auto after = std::upper_bound(
       blocks_.begin(), blocks_.end(), from_s,
-      [](double time_s, const PlayedBlock& block) { return time_s < block.begin_s; });
+      [](double time_s, const PlayedBlock& each) { return time_s < each.begin_s; });
   block_ = static_cast<size_t>(after - blocks_.begin());
   if (block_ > 0) {
     const PlayedBlock& before = blocks_[block_ - 1];
@@ -76,22 +76,22 @@ PlayMoment Player::Ahead(double after_s) {
 
 void Player::Decide() {
   if (stands_) return;
-  Course& course = course_[current_];
-  if (course.pace == wanted_) return;
+  Course& here = course_[current_];
+  if (here.pace == wanted_) return;
   const PlayMoment now = Ahead(0);
   // At the beginning there is no speed that would have to change.
   if (Constant() && now.clock_s <= 0) {
-    course.pace = wanted_;
+    here.pace = wanted_;
     in_leg_s_ = 0;
     return;
   }
-  if (!changes_[block_].Find(now, wanted_, course, course_[1 - current_])) {
+  if (!changes_[block_].Find(now, wanted_, here, course_[1 - current_])) {
     // Slower than this is rest: within a cycle it takes no part of a limit that could be measured.
     constexpr double kRest = 1e-7;
-    if (wanted_ == 0 && Constant() && course.pace < kRest) {
-      course.clock_s = now.clock_s;
-      course.pace = 0;
-      course.legs = 0;
+    if (wanted_ == 0 && Constant() && here.pace < kRest) {
+      here.clock_s = now.clock_s;
+      here.pace = 0;
+      here.legs = 0;
       leg_ = 0;
       in_leg_s_ = 0;
     }
