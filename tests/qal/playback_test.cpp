@@ -50,8 +50,8 @@ class WatchedPlayer {
 
   const Player& player() const { return player_; }
   double planned_s() { return player_.planned_s(); }
-  double most() const { return most_; }        // of a limit, as a multiple
-  double jump() const { return jump_; }        // of place and speed from cycle to cycle
+  double most() const { return most_; }  // of a limit, as a multiple
+  double jump() const { return jump_; }  // of place and speed from cycle to cycle
 
  private:
   void Look() {

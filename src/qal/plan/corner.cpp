@@ -7,8 +7,8 @@ namespace qal {
 
 namespace {
 
-// A zone that is shorter than this is a stop: it would be passed nearly as slowly [m of the tool, or
-// what a way has in its place].
+// A zone that is shorter than this is a stop: it would be passed nearly as slowly [m of the tool,
+// or what a way has in its place].
 constexpr double kShortest = 1e-4;
 // How much of a way a zone may take: up to its middle, nearly, so that two zones leave something.
 constexpr double kMostOfWay = 0.499;

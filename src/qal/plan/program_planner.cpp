@@ -10,6 +10,7 @@
 #include "fastest_law.h"
 #include "joint_limits.h"
 #include "load.h"
+#include "mend.h"
 #include "path_motion.h"
 
 namespace qal {
@@ -233,11 +234,10 @@ void ProgramPlanner::EndInWholeCycles() {
   }
   // In motion where it begins it can be slowed down by little at its end, or by a little more.
   constexpr int kMostCycles = 20;
-  constexpr double kTolerance = 2e-4;
   for (int more = 0; more < kMostCycles; ++more) {
     const double end_s = TimeOf(cycles + more, cycle_s);
     TimeLaw slower = SlowedTo(last.law, end_s - last.begin_s);
-    if (SlowdownOf(last.made.path, slower) > 1 + kTolerance) continue;
+    if (SlowdownOf(last.made.path, slower) > 1 + kMended) continue;
     last.law = std::move(slower);
     return end_at(end_s);
   }
