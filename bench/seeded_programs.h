@@ -106,7 +106,8 @@ class SeededPrograms {
   void AddTool() {
     ToolStep step;
     step.tool.position = {random_(-0.1, 0.1), random_(-0.1, 0.1), random_(0, 0.3)};
-    const Quat turn = Turned({1, 0, 0, 0}, random_(0, 3) * Direction());
+    const double angle_rad = random_(0, 3);
+    const Quat turn = Turned({1, 0, 0, 0}, angle_rad * Direction());
     const auto [w, x, y, z] = turn;
     const double rotation[] = {
         1 - 2 * (y * y + z * z), 2 * (x * y - w * z),     2 * (x * z + w * y),
@@ -149,9 +150,12 @@ class SeededPrograms {
     Pose to = here_.pose;
     // Some only turn, some only move; a few do nothing.
     const int kind = random_.Of(12);
-    if (kind > 2) to.position = to.position + most_m * random_.Decades(-2, 0) * Direction();
-    if (kind != 0 && kind != 3 && kind != 4)
-      to.orientation = Turned(to.orientation, most_m * random_(0, 3) * Direction());
+    const double way_m = most_m * random_.Decades(-2, 0);
+    const double angle_rad = most_m * random_(0, 3);
+    if (kind > 2) to.position = to.position + way_m * Direction();
+    if (kind != 0 && kind != 3 && kind != 4) {
+      to.orientation = Turned(to.orientation, angle_rad * Direction());
+    }
     const auto joints = Follow(StepWay::Line(here_.pose, to));
     if (!joints) return false;
     const LineLimits limits = Limits();
@@ -180,7 +184,8 @@ class SeededPrograms {
     arc.turn = static_cast<ArcTurn>(random_.Of(3));
     Pose to = here_.pose;
     to.position = circle.At(1).position;
-    to.orientation = Turned(to.orientation, most_m * random_(0, 3) * Direction());
+    const double angle_rad = most_m * random_(0, 3);
+    to.orientation = Turned(to.orientation, angle_rad * Direction());
     const StepWay way = StepWay::Arc(here_.pose, arc, to);
     const auto joints = Follow(way);
     if (!joints) return false;

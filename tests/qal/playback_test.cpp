@@ -81,12 +81,6 @@ class WatchedPlayer {
   double jump_ = 0;
 };
 
-double LargestDifference(const Joints& a, const Joints& b) {
-  double largest = 0;
-  for (size_t j = 0; j < 6; ++j) largest = std::max(largest, std::fabs(a[j] - b[j]));
-  return largest;
-}
-
 // What a plan needs of its limits at twice the density of the looks at what is played of it.
 double NeededBy(const ProgramMotion& motion) {
   WatchedPlayer plan(motion, 0);

@@ -39,12 +39,7 @@ ZoneDistances DistancesOf(const CornerPoint& corner, const Frame& tool,
                           const std::optional<Joints>& joints) {
   ZoneDistances distances = {Length(tool.position - corner.tool.position),
                              AngleBetween(tool.rotation, corner.tool.rotation), 0};
-  if (joints && corner.joints) {
-    for (size_t j = 0; j < 6; ++j) {
-      distances.joint_rad =
-          std::max(distances.joint_rad, std::fabs((*joints)[j] - (*corner.joints)[j]));
-    }
-  }
+  if (joints && corner.joints) distances.joint_rad = LargestDifference(*joints, *corner.joints);
   return distances;
 }
 
@@ -238,10 +233,7 @@ std::optional<PathPoint> JointZoneSolver::Solve(double s, const Joints& /*guess*
 }
 
 double JointZoneSolver::Deviation(double s, const Joints& joints) const {
-  const Joints exact = JointZoneAt(ways_, first_, second_, s - begin_).value;
-  double largest = 0;
-  for (size_t j = 0; j < 6; ++j) largest = std::max(largest, std::fabs(exact[j] - joints[j]));
-  return largest;
+  return LargestDifference(JointZoneAt(ways_, first_, second_, s - begin_).value, joints);
 }
 
 }  // namespace qal

@@ -40,6 +40,19 @@ inline Error OutOfRange(int joint, const JointModel& model, double position_rad)
           position_rad < lower ? lower : model.upper_rad.value};
 }
 
+/// Rounding puts a joint that stands at its limit beyond it.
+constexpr double kRangeRoundingRad = 1e-9;
+
+/// The first joint that is out of its range.
+inline std::optional<Error> RefusedJoints(const Arm& arm, const Joints& joints) {
+  for (size_t j = 0; j < joints.size(); ++j) {
+    const JointModel& model = arm.joints()[j];
+    if (Outside(model, joints[j]) <= kRangeRoundingRad) continue;
+    return OutOfRange(static_cast<int>(j), model, joints[j]);
+  }
+  return std::nullopt;
+}
+
 }  // namespace qal
 
 #endif  // QAL_PLAN_JOINT_LIMITS_H_

@@ -5,10 +5,17 @@
 #include <cstddef>
 #include <vector>
 
-#include "../model/pose.h"
+#include "../model/frames.h"
 
 // Internal: joints along a path.
 namespace qal {
+
+/// The largest difference of two joints, of all six [rad].
+inline double LargestDifference(const Joints& a, const Joints& b) {
+  double largest = 0;
+  for (size_t j = 0; j < a.size(); ++j) largest = Larger(largest, std::fabs(a[j] - b[j]));
+  return largest;
+}
 
 /// Six joints at a place of a path, and their derivatives with respect to its parameter s.
 struct PathPoint {

@@ -10,9 +10,6 @@ namespace qal {
 
 namespace {
 
-// Rounding puts a joint that stands at its limit beyond it.
-constexpr double kRoundingRad = 1e-9;
-
 // Where a joint turns back between two places, at which its rates have opposite signs.
 double TurningPoint(const JointPath& path, size_t piece, size_t joint, double a, double b) {
   const bool rises = path.At(a, piece).first[joint] > 0;
@@ -52,7 +49,7 @@ std::optional<PlanFailure> LeavesRange(const Arm& arm, const JointPath& path, si
   if (first >= path.size()) return std::nullopt;
   const std::vector<PathPoint> points = PointsOf(path, first);
   const auto out = [&arm](size_t joint, const PathPoint& point) {
-    return Outside(arm.joints()[joint], point.value[joint]) > kRoundingRad;
+    return Outside(arm.joints()[joint], point.value[joint]) > kRangeRoundingRad;
   };
   size_t joint = 0;
   const auto leaves = [&](const PathPoint& point) {

@@ -78,12 +78,6 @@ PathPoint WithDerivatives(double s, const Joints& joints, const std::array<Twist
   return point;
 }
 
-double Largest(const Joints& a, const Joints& b) {
-  double largest = 0;
-  for (size_t j = 0; j < a.size(); ++j) largest = Larger(largest, std::fabs(a[j] - b[j]));
-  return largest;
-}
-
 // Where the joints of `point` go, by its derivatives.
 Joints Extrapolated(const PathPoint& point, double s) {
   const double h = s - point.s;
@@ -126,7 +120,7 @@ std::optional<PathPoint> ToolSolver::Solve(double s, const Joints& guess) const 
     const Vector3 turn = AxialVector(target.rotation * Transposed(placed.tool.rotation));
     const Vector3 move = target.position - placed.tool.position;
     const Joints change = Solved(equations, {move - Cross(turn, placed.tool.position), turn});
-    const double size = Largest(change, Joints{});
+    const double size = LargestDifference(change, Joints{});
     if (!(size <= kLargestStepRad)) return std::nullopt;
     for (size_t j = 0; j < joints.size(); ++j) joints[j] += change[j];
     // What is left to correct, the equations of the joints before are good for.
@@ -165,7 +159,8 @@ double Follow(const PlaceSolver& solver, double to, JointPath& joints) {
       const auto exact = solver.Solve(middle, guess);
       // The error of such a piece goes with the eighth power of its length.
       const double fitting = 0.9 * std::pow(kPathTolerance / std::max(deviation, 1e-16), 0.125);
-      if (exact && deviation <= kPathTolerance && Largest(exact->value, guess) <= kJointTolerance) {
+      if (exact && deviation <= kPathTolerance &&
+          LargestDifference(exact->value, guess) <= kJointTolerance) {
         joints.Append(*next);
         length = std::min(length * std::clamp(fitting, 0.5, 3.0), kLongestPart * span);
         continue;

@@ -85,11 +85,8 @@ std::optional<ProgramFailure> ProgramPlanner::Begin() {
   state_ = {program_.start, *pose};
   begin_ = state_;
   failure.before = state_;
-  for (size_t j = 0; j < 6; ++j) {
-    const JointModel& model = arm_.joints()[j];
-    constexpr double kRoundingRad = 1e-9;
-    if (Outside(model, program_.start[j]) <= kRoundingRad) continue;
-    failure.error = OutOfRange(static_cast<int>(j), model, program_.start[j]);
+  if (auto refused = RefusedJoints(arm_, program_.start)) {
+    failure.error = *std::move(refused);
     return ProgramFailure{failure, 0};
   }
   return std::nullopt;

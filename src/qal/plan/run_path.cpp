@@ -37,10 +37,7 @@ double FarthestJoint(const JointPath& path, const Joints& from) {
   for (size_t piece = 0; piece < path.size(); ++piece) {
     for (int i = 0; i <= kLooks; ++i) {
       const double s = path.begin(piece) + path.length(piece) * i / kLooks;
-      const Joints joints = path.At(s, piece).value;
-      for (size_t j = 0; j < 6; ++j) {
-        farthest = std::max(farthest, std::fabs(joints[j] - from[j]));
-      }
+      farthest = std::max(farthest, LargestDifference(path.At(s, piece).value, from));
     }
   }
   return farthest;
@@ -53,40 +50,6 @@ ProgramFailure FailedOn(const Way& way, double begin, PlanFailure failure) {
 }
 
 }  // namespace
-
-double StepPath::AlongAt(double s, size_t section) const {
-  const double begin = path.sections[section].begin;
-  const double end =
-      section + 1 < path.sections.size() ? path.sections[section + 1].begin : path.end();
-  const auto& [step, from, to] = stretches[section];
-  return end > begin ? from + (to - from) * std::clamp((s - begin) / (end - begin), 0.0, 1.0) : to;
-}
-
-void StepPath::CutAfter(double s) {
-  path.joints.CutAfter(s);
-  const size_t section = path.SectionAt(s);
-  const size_t keep = path.sections[section].begin < s || section == 0 ? section + 1 : section;
-  stretches[keep - 1].end_along = AlongAt(s, keep - 1);
-  path.sections.resize(keep);
-  stretches.resize(keep);
-  corners.erase(std::remove_if(corners.begin(), corners.end(),
-                               [s](const PlacedCorner& corner) { return corner.begin >= s; }),
-                corners.end());
-}
-
-void StepPath::CutBefore(double s) {
-  const size_t section = path.SectionAt(s);
-  const double along = AlongAt(s, section);
-  path.joints.CutBefore(s);
-  const auto gone = static_cast<std::ptrdiff_t>(section);
-  path.sections.erase(path.sections.begin(), path.sections.begin() + gone);
-  stretches.erase(stretches.begin(), stretches.begin() + gone);
-  path.sections.front().begin = s;
-  stretches.front().begin_along = along;
-  corners.erase(std::remove_if(corners.begin(), corners.end(),
-                               [s](const PlacedCorner& corner) { return corner.begin < s; }),
-                corners.end());
-}
 
 // The next step that moves, if the motion goes on without a stop before it.
 RunPath::Failure RunPath::FindWay(const WayStart& start, std::optional<Way>& way) {
@@ -183,12 +146,16 @@ RunPath::Failure RunPath::Stop(JointPath joints, double reached) {
   }
   if (auto failure = AppendWay(std::move(joints), way_->span)) return failure;
   done_ = true;
-  if (way_->tool != nullptr) {
-    pose_ = way_->tool->PoseAt(way_->span);
-  } else if (const auto pose = Forward(arm_, way_->to)) {
-    pose_ = *pose;
-  }
+  pose_ = WayEnd();
   return std::nullopt;
+}
+
+// Where the way has the tool at its end.
+Pose RunPath::WayEnd() const {
+  if (way_->tool != nullptr) return way_->tool->PoseAt(way_->span);
+  // The solver had a pose for where the arm stood; without one here it stays at that.
+  const auto pose = Forward(arm_, way_->to);
+  return pose ? *pose : pose_;
 }
 
 RunPath::Failure RunPath::Extend() {
@@ -208,12 +175,7 @@ RunPath::Failure RunPath::Extend() {
     reached = way_->span;
     if (auto failure = Follow(*way_, way_begin_, reached, ahead)) return failure;
   }
-  WayStart corner = {pose_, ahead.last().value};
-  if (way_->tool != nullptr) {
-    corner.pose = way_->tool->PoseAt(way_->span);
-  } else if (const auto pose = Forward(arm_, way_->to)) {
-    corner.pose = *pose;
-  }
+  const WayStart corner = {WayEnd(), ahead.last().value};
   std::optional<Way> next;
   if (auto failure = FindWay(corner, next)) return failure;
   // Past a singularity that is passed there the corner's joints don't tell of the zone's.

@@ -2,46 +2,14 @@
 #define QAL_PLAN_RUN_PATH_H_
 
 #include <optional>
-#include <vector>
 
 #include "corner.h"
-#include "limited_path.h"
 #include "program.h"
+#include "step_path.h"
 #include "way.h"
-#include "wrist_pass.h"
 
 // Internal: the path of a program's steps from one stop to the next.
 namespace qal {
-
-/// Of which step a section of a path is, and where on it, from 0 to 1.
-struct StepStretch {
-  size_t step;
-  double begin_along;
-  double end_along;
-};
-
-/// A rounded corner on a path.
-struct PlacedCorner {
-  size_t step;  ///< that ends there
-  double begin;
-  double end;
-  ZoneDistances farthest;
-  double deviation_m;
-};
-
-/// A path, and what it is made of.
-struct StepPath {
-  LimitedPath path;
-  std::vector<StepStretch> stretches;  ///< of the path's sections
-  std::vector<PlacedCorner> corners;
-  std::vector<WristPass> passes;
-
-  /// Where on its step's own way a place of a section is, from 0 to 1.
-  double AlongAt(double s, size_t section) const;
-
-  void CutAfter(double s);
-  void CutBefore(double s);
-};
 
 /// Makes the path of a run, step by step.
 class RunPath {
@@ -80,6 +48,7 @@ class RunPath {
                                         const JointPath& from_corner) const;
   Failure Stop(JointPath joints, double reached);
   Failure AppendWay(JointPath joints, double to);
+  Pose WayEnd() const;
   std::optional<JointPath> PathFrom(const Way& way, double begin, const Joints& joints) const;
 
   const Arm& arm_;

@@ -59,16 +59,8 @@ Result<Way> JointWay(const Arm& arm, const JointStep& step, const WayStart& star
   way.to = *to;
   way.scale = step.scale;
   way.zone = step.zone;
-  double farthest = 0;
-  for (size_t j = 0; j < 6; ++j) {
-    const JointModel& model = arm.joints()[j];
-    // Roundings of states that a motion ended at.
-    constexpr double kRoundingRad = 1e-9;
-    if (Outside(model, way.to[j]) > kRoundingRad) {
-      return OutOfRange(static_cast<int>(j), model, way.to[j]);
-    }
-    farthest = std::max(farthest, std::fabs(way.to[j] - way.from[j]));
-  }
+  if (auto refused = RefusedJoints(arm, way.to)) return *std::move(refused);
+  const double farthest = LargestDifference(way.to, way.from);
   way.span = SpanOf(0, 2 * farthest);
   return way;
 }
