@@ -162,7 +162,7 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
     // down, and to be as near to that as this is near enough.
     constexpr double kRounding = 1e-9;
     constexpr double kNearly = 1.005;
-    const TimeLaw best = SevenPhaseLaw(phases, path.begin(), path.end(), step_s);
+    TimeLaw best = SevenPhaseLaw(phases, path.begin(), path.end(), step_s);
     const double slowdown = SlowdownUpTo(path, best, kNearly);
     if (slowdown <= 1 + kRounding) return best;
     if (slowdown <= kNearly) return best.Slower(slowdown);

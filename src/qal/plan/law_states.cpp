@@ -17,8 +17,8 @@ LawStates StatesOf(const TimeLaw& law) {
   return all;
 }
 
-TimeLaw LawOf(const LawStates& all) {
-  const auto& [places, states] = all;
+TimeLaw LawOf(const LawStates& states_at) {
+  const auto& [places, states] = states_at;
   TimeLaw law;
   PathMoment from = {places[0], std::sqrt(states[0].square), states[0].acceleration, 0};
   law.Append(from, 0);

@@ -20,7 +20,7 @@ LawStates StatesOf(const TimeLaw& law);
 
 /// The motion through states, from place to place at a jerk that is constant but for rounding and
 /// for what the states don't fit together.
-TimeLaw LawOf(const LawStates& states);
+TimeLaw LawOf(const LawStates& states_at);
 
 /// A step from 0 to 1 that is smooth at both ends, x from 0 to 1.
 struct SmoothStep {
