@@ -18,9 +18,6 @@ constexpr double kMostAcceleration = 0.9992;
 // Of a leg by the clock: as the plan itself, which is at its limits, and between looks beyond them.
 constexpr Margin kByClock = {1, 1.0005, 1.0005};
 
-// Looks at places of the path in a decision, as they are what it costs.
-constexpr int kMostLooks = 28;
-
 // The plan keeps the limits of velocity at no higher pace than its own, but for rounding.
 constexpr double kMostPace = 1 + 1e-9;
 
@@ -45,23 +42,6 @@ double LeastStop(const PathMoment& now, const Range& jerk) {
 
 }  // namespace
 
-PlaceLimits PaceChange::LimitsAt(double s, const Margin& use) {
-  piece_ = path_.joints.PieceAt(s, piece_);
-  section_ = path_.SectionAt(s, section_);
-  --looks_left_;
-  return {path_.joints.At(s, piece_), path_.sections[section_], use};
-}
-
-// At the end of a stretch, on all of which the limits are to be kept.
-PlaceLimits PaceChange::LimitsFrom(double before, double s, const Margin& use) {
-  const size_t section = path_.SectionAt(before, section_);
-  PlaceLimits limits = LimitsAt(s, use);
-  if (section < section_) {
-    limits.MeetEarlier(path_.sections[section], path_.sections[section + 1].begin, use);
-  }
-  return limits;
-}
-
 // One leg at the lowest or the highest jerk that the limits leave at both of its ends, and halfway.
 bool PaceChange::Step(Node& node, double length_s, Pick pick, Course& course) {
   const double s = node.at.path.s;
@@ -80,16 +60,15 @@ bool PaceChange::Step(Node& node, double length_s, Pick pick, Course& course) {
   double there = s;
   const auto is_near = [&](double end) {
     constexpr double kNear = 0.02;
-    return std::fabs(end - there) < kNear * (there - s) &&
-           path_.SectionAt(end, section_) == section_;
+    return std::fabs(end - there) < kNear * (there - s) && looks_.IsInSection(end);
   };
   bool settled = false;
   constexpr int kMostRounds = 5;
   for (int round = 0; round < kMostRounds && !settled; ++round) {
     if (const double end = std::min(place_by(jerk), path_.end()); !is_near(end)) {
-      if (!(end >= s) || looks_left_ <= 0) return false;
+      if (!(end >= s) || !looks_.left()) return false;
       there = end;
-      limits = LimitsFrom(s, there, along_path_);
+      limits = looks_.LimitsFrom(s, there, along_path_);
       halfway = PlaceLimits::Halfway(node.limits, limits, there - s);
       quarter = PlaceLimits::Halfway(node.limits, halfway, (there - s) / 2);
     }
@@ -118,26 +97,9 @@ bool PaceChange::Step(Node& node, double length_s, Pick pick, Course& course) {
   return node.at.clock_s < duration_s_ && node.at.pace <= kMostPace && course.Append(leg);
 }
 
-// So short that no piece of the path is passed over: there the joints bend most.
-double PaceChange::LookAfter(const PathMoment& moment) {
-  piece_ = path_.joints.PieceAt(moment.s, piece_);
-  const size_t next = std::min(piece_ + 1, path_.joints.size() - 1);
-  const double shortest = std::min(path_.joints.length(piece_), path_.joints.length(next));
-  constexpr double kOfPiece = 0.05;
-  constexpr double kLeastOfCycle = 0.03;
-  const double speed = moment.speed + std::max(0.0, moment.acceleration) * cycle_s_;
-  const double look_s = std::max(kOfPiece * shortest / speed, kLeastOfCycle * cycle_s_);
-  // Other limits begin with a section, just beyond its beginning.
-  section_ = path_.SectionAt(moment.s, section_);
-  if (section_ + 1 == path_.sections.size()) return look_s;
-  constexpr double kBeyond = 0.02;
-  const double next_s = (path_.sections[section_ + 1].begin - moment.s) / speed;
-  return std::min(look_s, next_s + kBeyond * cycle_s_);
-}
-
 bool PaceChange::Advance(Node& node, double length_s, Pick pick, Course& course) {
   for (double left_s = length_s; left_s > 0;) {
-    const double look_s = LookAfter(node.at.path);
+    const double look_s = looks_.After(node.at.path);
     const double step_s = look_s < left_s ? look_s : left_s;
     if (!Step(node, step_s, pick, course)) return false;
     left_s -= step_s;
@@ -201,7 +163,7 @@ bool PaceChange::Settle(Course& course) {
 
 double PaceChange::LookAfter(const Leg& leg, const PlayMoment& at) {
   constexpr double kLeastLooks = 6;
-  const double look_s = std::min({cycle_s_, leg.length_s / kLeastLooks, LookAfter(at.path)});
+  const double look_s = std::min({cycle_s_, leg.length_s / kLeastLooks, looks_.After(at.path)});
   if (!leg.by_clock) return look_s;
   // The plan's jerk jumps from piece to piece: before and after that.
   const double beside_s = 0.01 * cycle_s_;
@@ -222,8 +184,8 @@ bool PaceChange::Allows(const Leg& leg, const Margin& use) {
   PathMoment before_at = leg.from.path;
   for (double t = 0;;) {
     const PlayMoment at = player_.At(leg, t);
-    if (!(at.path.s < path_.end()) || at.pace > kMostPace || looks_left_ <= 0) return false;
-    const PlaceLimits limits = LimitsFrom(before_at.s, at.path.s, use);
+    if (!(at.path.s < path_.end()) || at.pace > kMostPace || !looks_.left()) return false;
+    const PlaceLimits limits = looks_.LimitsFrom(before_at.s, at.path.s, use);
     if (!limits.Allow(at.path)) return false;
     if (t > 0) {
       const PathMoment half = player_.At(leg, (before_s + t) / 2).path;
@@ -321,14 +283,14 @@ bool PaceChange::Try(int attempt, const Node& begin, const Range& jerks, const G
 }
 
 bool PaceChange::Find(const PlayMoment& now, double pace, const Course& otherwise, Course& found) {
-  looks_left_ = kMostLooks;
+  looks_.Begin();
   const Goal goal = {pace, otherwise.pace, pace < otherwise.pace};
   // A plan that is at a limit of acceleration can't be below it at once.
   const double need =
-      LimitsAt(now.path.s, {}).AccelerationNeed(now.path.speed, now.path.acceleration);
+      looks_.LimitsAt(now.path.s, {}).AccelerationNeed(now.path.speed, now.path.acceleration);
   along_path_ = kAlongPath;
   along_path_.acceleration = std::clamp(need, kAlongPath.acceleration, kMostAcceleration);
-  const Node begin = {now, LimitsAt(now.path.s, along_path_)};
+  const Node begin = {now, looks_.LimitsAt(now.path.s, along_path_)};
   const Range jerks = begin.limits.Jerks(now.path.speed, now.path.acceleration, 0);
   // At the end of the plan there is a rest as well.
   const double planned_s = (duration_s_ - now.clock_s) / otherwise.pace;
@@ -337,7 +299,7 @@ bool PaceChange::Find(const PlayMoment& now, double pace, const Course& otherwis
   const int first = std::exchange(next_attempt_, 0);
   for (int attempt = first; attempt < kAttempts; ++attempt) {
     if (Try(attempt, begin, jerks, goal, found)) return true;
-    if (looks_left_ > 0) continue;
+    if (looks_.left()) continue;
     // The next cycle goes on there; with what was begun late in this one, from its beginning.
     next_attempt_ = attempt > first ? attempt : attempt + 1;
     return false;

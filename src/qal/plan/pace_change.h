@@ -2,7 +2,7 @@
 #define QAL_PLAN_PACE_CHANGE_H_
 
 #include "course.h"
-#include "place_limits.h"
+#include "path_looks.h"
 
 // Internal: how fast the pace of a motion can change.
 namespace qal {
@@ -11,7 +11,11 @@ namespace qal {
 class PaceChange {
  public:
   PaceChange(const LimitedPath& path, const TimeLaw& law, double cycle_s)
-      : path_(path), player_(law), cycle_s_(cycle_s), duration_s_(law.duration_s()) {}
+      : path_(path),
+        player_(law),
+        cycle_s_(cycle_s),
+        duration_s_(law.duration_s()),
+        looks_(path, cycle_s) {}
 
   LegPlayer& player() { return player_; }
 
@@ -38,9 +42,6 @@ class PaceChange {
   };
   enum class Pick { kLow, kHigh };
 
-  PlaceLimits LimitsAt(double s, const Margin& use);
-  PlaceLimits LimitsFrom(double before, double s, const Margin& use);
-  double LookAfter(const PathMoment& moment);
   double LookAfter(const Leg& leg, const PlayMoment& at);
   bool Allows(const Leg& leg, const Margin& use);
   bool Step(Node& node, double length_s, Pick pick, Course& course);
@@ -58,10 +59,8 @@ class PaceChange {
   LegPlayer player_;
   double cycle_s_;
   double duration_s_;
-  size_t piece_ = 0;
-  size_t section_ = 0;
+  PathLooks looks_;
   Margin along_path_;  // that a decision goes by
-  int looks_left_ = 0;
   int next_attempt_ = 0;
 };
 
