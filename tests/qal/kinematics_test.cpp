@@ -1,10 +1,12 @@
 #include <Eigen/SVD>
+#include <set>
 
 #include "../../src/qal/model/chain.h"
 #include "../../src/qal/model/closed_form_model.h"
 #include "../../src/qal/model/frames.h"
 #include "arms.h"
 #include "qal/model/rotations.h"
+#include "qal/solve/branch.h"
 
 namespace qal {
 namespace {
@@ -134,6 +136,39 @@ TEST_P(Kinematics, MeasuresHowFarItsSingularitiesAre) {
     EXPECT_LE(measured.smallest_singular_value, singular ? 1e-14 : 1.0);
     if (HasFailure()) FAIL() << testing::PrintToString(joints);
   }
+}
+
+// A pose has at most one solution of each branch, so that solutions with different names are all
+// that there can be: 8 names for 8 solutions.
+TEST_P(Kinematics, SolutionsOfAPoseHaveDifferentBranches) {
+  const bool has_them = fitted_.exact && fitted_.family != Family::kOffsetWrist;
+  if (!has_them && fitted_.family != Family::kThreeParallelAxes) {
+    EXPECT_FALSE(BranchOf(arm_, {}));
+    return;
+  }
+  RandomJoints random(2.5);
+  for (int i = 0; i < 100; ++i) {
+    const Joints joints = random();
+    std::set<std::string> names;
+    const std::vector<Candidate> candidates =
+        Inverse(arm_, Forward(arm_, joints).value(), joints).value();
+    for (const Candidate& candidate : candidates) {
+      names.insert(BranchName(BranchOf(arm_, candidate.joints).value()));
+    }
+    ASSERT_EQ(names.size(), candidates.size()) << testing::PrintToString(joints);
+  }
+}
+
+// An arm that reaches forward and down, as most are drawn; and the same turned over its axis 1.
+TEST(Branches, AreNamedAsTheArmIsSeen) {
+  const Arm arm = Arm::Reference();
+  const auto name = [&arm](const Joints& joints) {
+    return BranchName(BranchOf(arm, joints).value());
+  };
+  EXPECT_EQ(name({0, 0.3, 0.3, 0, 0.5, 0}), "shoulder front, elbow up, no wrist flip");
+  EXPECT_EQ(name({0, 0.3, 0.3, 0, -0.5, 0}), "shoulder front, elbow up, wrist flip");
+  EXPECT_EQ(name({0, 1.5, -1.5, 0, 0.5, 0}), "shoulder front, elbow down, no wrist flip");
+  EXPECT_EQ(name({0, -1.2, -2, 0, 0.5, 0}), "shoulder rear, elbow up, no wrist flip");
 }
 
 INSTANTIATE_TEST_SUITE_P(Arms, Kinematics, testing::ValuesIn(kArmFiles), ArmName);

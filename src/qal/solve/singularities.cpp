@@ -2,18 +2,13 @@
 #include <cmath>
 #include <limits>
 
-#include "../model/family.h"
-#include "../model/lines.h"
 #include "kinematics.h"
+#include "posture.h"
 #include "solver_calls.h"
 
 namespace qal {
 
 namespace {
-
-// Two axes that may each be as far from the nearest member of a family as that takes.
-constexpr double kParallelRad = 2 * kFamilyAngleToleranceRad;
-constexpr double kMeetingM = 2 * kFamilyDistanceToleranceM;
 
 // One-sided Jacobi: columns are rotated in pairs until all are at right angles; their lengths are
 // then the singular values, the small ones to as many digits as the large. M. R. Hestenes,
@@ -58,8 +53,10 @@ double SmallestSingularValue(const JacobianMatrix& jacobian) {
   return smallest;
 }
 
-bool Parallel(const Line& a, const Line& b) {
-  return AngleBetween(a.direction, b.direction) <= kParallelRad;
+// Of directions taken as lines: the angle of two that are turned by this.
+double AsLines(double turn_rad) {
+  const double turned = std::fabs(turn_rad);
+  return turned > kPi / 2 ? kPi - turned : turned;
 }
 
 }  // namespace
@@ -71,26 +68,11 @@ Result<Singularities> DistanceToSingularities(const Arm& arm, const Joints& join
   if (!jacobian) return jacobian.error();
   constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
   Singularities result = {kNone, kNone, kNone, SmallestSingularValue(*jacobian)};
-  Line axis[6];
-  for (size_t j = 0; j < 6; ++j) axis[j] = AxisOf(*jacobian, j, tool->position);
-  if (!Parallel(axis[1], axis[2]) || Parallel(axis[0], axis[1]) || Parallel(axis[4], axis[5])) {
-    return result;
+  if (const auto posture = PostureOf(*jacobian, tool->position)) {
+    result.wrist_rad = AsLines(posture->wrist_rad);
+    result.elbow_rad = AsLines(posture->elbow_rad);
+    result.shoulder_m = std::fabs(posture->shoulder_m);
   }
-  // In either family the wrist's centre is where axes 5 and 6 meet; the forearm ends there, or on a
-  // third parallel axis.
-  const Vector3 centre = MeetingOf(axis[4], axis[5]).point;
-  const bool three_parallel = Parallel(axis[2], axis[3]);
-  if (!three_parallel && !(DistanceFrom(axis[3], centre) <= kMeetingM)) return result;
-  // The links as axis 2 sees them: without what goes along it.
-  const auto across = [&](const Vector3& v) {
-    return v - Dot(v, axis[1].direction) * axis[1].direction;
-  };
-  const Vector3 upper_arm = across(axis[2].point - axis[1].point);
-  const Vector3 forearm = across((three_parallel ? axis[3].point : centre) - axis[2].point);
-  const Vector3 normal = Cross(axis[0].direction, axis[1].direction);
-  result.wrist_rad = AngleBetween(axis[3].direction, axis[5].direction);
-  result.elbow_rad = AngleBetween(upper_arm, forearm);
-  result.shoulder_m = std::fabs(Dot(centre - axis[0].point, normal)) / Length(normal);
   return result;
 }
 
