@@ -5,12 +5,9 @@
 
 #include "../model/rotations.h"
 #include "../solve/kinematics.h"
-#include "../solve/solver_calls.h"
 #include "fastest_law.h"
-#include "line_path.h"
-#include "path_failure.h"
+#include "followed_line.h"
 #include "path_motion.h"
-#include "wrist_pass.h"
 
 namespace qal {
 
@@ -91,35 +88,24 @@ LineMotion LineMotion::InDuration(double duration_s) const {
 
 Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, const Pose& to,
                                          const LineLimits& limits) {
-  const auto start = Forward(arm, from.joints);
-  if (!start) return PlanFailure{start.error(), 0, from};
-  const State before = {from.joints, *start};
-  if (const auto refused = RefusedLimits(limits)) return PlanFailure{*refused, 0, before};
-  if (const auto refused = RefusedPose(to)) return PlanFailure{*refused, 0, before};
-  const auto screws = Screws::Of(arm, from.joints);
-  if (!screws) return PlanFailure{screws.error(), 0, before};
-
-  const LinePath line(*start, to, 1);
-  LineMotion::Held held = {line, {}, {}, before, {from.joints, line.PoseAt(1)}, arm};
-  // A line of less is nothing that a motor does.
-  constexpr double kNothing = 1e-12;
-  if (line.length_m() > kNothing || line.angle_rad() > kNothing) {
+  FollowedLine followed = FollowLine(arm, from, to, limits);
+  if (followed.failure) return *std::move(followed.failure);
+  LineMotion::Held held = {followed.line,
+                           {},
+                           {},
+                           followed.start,
+                           {from.joints, followed.line.PoseAt(1)},
+                           arm,
+                           std::move(followed.passes)};
+  if (followed.moves()) {
     LimitedPath& path = held.path;
-    const ToolSolver solver(*screws, line, 0);
-    const auto first = solver.Solve(0, from.joints);
-    if (!first) return NoWayOn(arm, line, 0, {0, from.joints, {}, {}, {}});
-    path.joints = JointPath(*first);
-    if (auto failure = FollowTool(arm, *screws, {line, 0, 0, 1}, limits.max_orientation_error_rad,
-                                  path.joints, held.passes)) {
-      return *failure;
-    }
-    if (auto failure = LeavesRange(arm, path.joints)) return *failure;
+    path.joints = std::move(followed.joints);
     held.end.joints = path.joints.last().value;
     PathSection section;
     SetJointLimits(arm, limits.scale, section);
-    section.tool = std::make_shared<const LinePath>(line);
+    section.tool = std::make_shared<const LinePath>(held.line);
     section.tool_limits = ToolLimitsOf(limits);
-    SetStraight(line.length_m(), line.angle_rad(), section);
+    SetStraight(held.line.length_m(), held.line.angle_rad(), section);
     path.sections.push_back(std::move(section));
     held.law = FastestLaw(path, arm.cycle_s().value);
   }

@@ -16,8 +16,8 @@ Quat RotationQuat(const Vector3& axis, double angle_rad) {
   return {std::cos(half), sine * axis[0], sine * axis[1], sine * axis[2]};
 }
 
-Frame ToolPath::FrameAt(double x) const {
-  const auto [p, q] = PoseAt(x);
+Frame FrameOf(const Pose& pose) {
+  const auto& [p, q] = pose;
   double position[3];
   double rotation[9];
   EncodePose({p.x, p.y, p.z}, {q.w, q.x, q.y, q.z}, rotation, position);

@@ -19,6 +19,9 @@ struct ToolRates {
   Vector3 turn_jerk;
 };
 
+/// The quaternion needs not be of length 1.
+Frame FrameOf(const Pose& pose);
+
 /// A path of the tool; its parameter x goes from 0 to `span`.
 class ToolPath {
  public:
@@ -35,7 +38,7 @@ class ToolPath {
   virtual Pose PoseAt(double x) const = 0;
   virtual ToolRates RatesAt(double x) const = 0;
 
-  Frame FrameAt(double x) const;
+  Frame FrameAt(double x) const { return FrameOf(PoseAt(x)); }
 
  private:
   double span_;

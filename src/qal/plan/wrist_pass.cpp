@@ -204,6 +204,8 @@ std::optional<PlanFailure> FollowTool(const Arm& arm, const Screws& screws, cons
       }
     }
     if (arrived) return std::nullopt;
+    // What fails first is told.
+    if (auto failure = LeavesRange(arm, joints)) return failure;
     return NoWayOn(arm, path.tool, path.begin, joints.last());
   }
 }
