@@ -76,3 +76,10 @@ qal_test_program(
   SOURCES qal/playback_test.cpp
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
   LIBRARIES qal_io)
+# Why lines fail, and what makes them work. How many of each arm and cause:
+# QAL_EXPLANATIONS=50 qal_explain_test
+qal_test_program(
+  qal_explain_test
+  SOURCES qal/explain_test.cpp
+  DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
+  LIBRARIES qal_io)
