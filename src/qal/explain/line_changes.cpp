@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "../model/family.h"
 #include "../model/rotations.h"
 #include "../plan/joint_move.h"
 #include "../plan/joint_path.h"
@@ -29,6 +30,8 @@ class LineChanger {
       : trial_(trial),
         asked_(asked),
         along_(along),
+        solves_slowly_(trial.slows_down() &&
+                       asked.arm.solver().family() == FamilyName(Family::kGeneral)),
         line_(asked.from.pose, asked.to, 1),
         scale_m_(std::max(ScaleOf(asked.arm, asked.from.pose), line_.length_m())) {}
 
@@ -76,6 +79,7 @@ class LineChanger {
   // there, and that takes no time.
   bool Follows(const std::optional<LineRequest>& request) const {
     if (!request) return false;
+    if (solves_slowly_) return trial_.Follows(*request);
     const auto solved = [&request](const Pose& pose) {
       return qal::Nearest(request->arm, pose, request->from.joints).has_value();
     };
@@ -86,7 +90,8 @@ class LineChanger {
 
   const LineTrial& trial_;
   const LineRequest& asked_;
-  double along_;  // where it fails
+  double along_;        // where it fails
+  bool solves_slowly_;  // a pose takes longer than a line takes to be followed
   LinePath line_;
   double scale_m_;
 };

@@ -38,9 +38,11 @@ class Searcher {
   // The best of the first round in which one works.
   std::optional<Reached> Around() const {
     const std::vector<Vector3> directions = DirectionsOf(search_);
+    constexpr double kFarther = 4;
     double before = 0;
     while (before < search_.longest) {
-      const double tried = before == 0 ? search_.shortest : std::min(2 * before, search_.longest);
+      const double tried =
+          before == 0 ? search_.shortest : std::min(kFarther * before, search_.longest);
       std::optional<Reached> best;
       for (const Vector3& direction : directions) {
         if (!works_((best ? best->length : tried) * direction)) continue;

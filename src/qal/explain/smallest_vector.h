@@ -17,9 +17,9 @@ struct VectorSearch {
   std::vector<Vector3> hints = {};  ///< directions to try beside those all around
 };
 
-/// A shortest vector for which `works` holds, found by trying: all around, each round twice as far
-/// as the one before, then nearer by bisection and by turning the direction. Where what works isn't
-/// all on one side of a surface, a shorter one may be missed.
+/// A shortest vector for which `works` holds, found by trying: all around, each round four times
+/// as far as the one before, then nearer by bisection and by turning the direction. Where what
+/// works isn't all on one side of a surface, a shorter one may be missed.
 /// @return a vector that was tried with exactly these numbers; nothing where none was found
 std::optional<Vector3> SmallestVector(const VectorSearch& search,
                                       const std::function<bool(const Vector3&)>& works);
