@@ -7,6 +7,7 @@
 
 #include "child.h"
 #include "read_options.h"
+#include "version.h"
 
 namespace qal::tools {
 
@@ -25,8 +26,10 @@ io::LoadedArm ArmOption::Load() const {
   return io::ResolveArm(path_, ArmOfEnvironment(), read_, GoOnInChild);
 }
 
+std::string VersionOf(const std::string& tool) { return fmt::format("{} {}", tool, QAL_VERSION); }
+
 std::string ArmOption::Version(const std::string& tool) const {
-  return fmt::format("{} {}\narm: {}", tool, QAL_VERSION, io::ArmHeading(Load()));
+  return fmt::format("{}\narm: {}", VersionOf(tool), io::ArmHeading(Load()));
 }
 
 }  // namespace qal::tools

@@ -3,6 +3,7 @@
 
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdio>
 #include <string>
 
@@ -21,6 +22,18 @@ class Progress {
 
  private:
   bool terminal_ = ::isatty(STDERR_FILENO) == 1;
+};
+
+/// The same of work that is mostly done in less than a second, which needs no word.
+class LateProgress {
+ public:
+  void Show(const std::string& text) const {
+    if (std::chrono::steady_clock::now() - begin_ > std::chrono::seconds(1)) progress_.Show(text);
+  }
+
+ private:
+  Progress progress_;
+  std::chrono::steady_clock::time_point begin_ = std::chrono::steady_clock::now();
 };
 
 }  // namespace qal::tools

@@ -2,7 +2,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "../../io/finite_differences.h"
@@ -24,13 +23,6 @@ std::pair<double, double> Intervals(const FileTrajectory& samples) {
     if (i == 1 || duration > range.second) range.second = duration;
   }
   return range;
-}
-
-// The joint, counted from 1, that a value is about; 0: none.
-size_t JointOf(const Findings& findings, size_t metric, size_t entry) {
-  if (kMetrics[metric].per_joint) return entry + 1;
-  const std::optional<Peak>& peak = findings.metrics[metric][entry];
-  return peak && peak->value > 0 ? static_cast<size_t>(peak->joint + 1) : 0;
 }
 
 std::string Title(const Findings& findings, size_t metric, size_t entry) {
@@ -118,20 +110,6 @@ Json ViolationsJson(const Findings& findings, const std::vector<Violation>& viol
 }
 
 }  // namespace
-
-Findings FindingsOf(const LoadedArm& loaded, LocatedTrajectory trajectory, const Limits& limits,
-                    bool strict) {
-  Joints jerk;
-  std::transform(limits[kJointJerk].begin(), limits[kJointJerk].end(), jerk.begin(),
-                 [](const Bound& limit) { return limit.value; });
-  Findings findings = {loaded, std::move(trajectory), limits, {}, {}, {}};
-  findings.metrics = Measure(findings.trajectory.samples, loaded.arm, jerk);
-  for (const Violation& violation : FindViolations(findings.metrics, limits)) {
-    const bool note = violation.limit.origin == Origin::kAssumed && !strict;
-    (note ? findings.notes : findings.violations).push_back(violation);
-  }
-  return findings;
-}
 
 std::string FindingsText(const Findings& findings, const std::string& name) {
   std::string text = Heading(findings, name) + Table(findings);

@@ -2,33 +2,16 @@
 #define QAL_TOOLS_QAL_FINDINGS_H_
 
 #include <string>
-#include <vector>
 
-#include "../../io/judgement.h"
-#include "../../io/loaded_arm.h"
-#include "../../io/trajectory.h"
+#include "../../io/findings.h"
 #include "tables.h"
 
 namespace qal::tools {
 
-/// What a verification of a trajectory file found.
-struct Findings {
-  io::LoadedArm loaded;
-  io::LocatedTrajectory trajectory;
-  io::Limits limits;
-  io::Metrics metrics;
-  std::vector<io::Violation> violations;
-  std::vector<io::Violation> notes;  ///< the same of limits that are but assumed
-};
-
-/// Measures a trajectory and holds it against limits.
-/// @param strict whether an assumed limit is like any other
-Findings FindingsOf(const io::LoadedArm& loaded, io::LocatedTrajectory trajectory,
-                    const io::Limits& limits, bool strict);
-
+/// What a verification of a trajectory file found, as a text and for programs.
 /// @param name what the file is called
-std::string FindingsText(const Findings& findings, const std::string& name);
-Json FindingsJson(const Findings& findings, const std::string& name);
+std::string FindingsText(const io::Findings& findings, const std::string& name);
+Json FindingsJson(const io::Findings& findings, const std::string& name);
 
 }  // namespace qal::tools
 

@@ -50,13 +50,14 @@ classic::Ends EndOptions::Read(const Units& units, const Arm& arm) const {
 
 void PlanOptions::AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm) {
   common.AddTo(command, arm, true);
-  AddStrictTo(command);
+  AddJudgingTo(command);
   command.add_flag("--verbose", verbose, "the operation's own messages, on standard error");
 }
 
-void PlanOptions::AddStrictTo(CLI::App& command) {
+void PlanOptions::AddJudgingTo(CLI::App& command) {
   command.add_flag("--strict", strict,
                    "exit status 1 when the plan exceeds a limit of the arm, assumed ones too");
+  report.AddTo(command);
 }
 
 classic::Listener PlanOptions::Listener() const {
@@ -137,12 +138,18 @@ std::string Summary(const FileTrajectory& plan, const Arm& arm, const Units& uni
 }
 
 void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTrajectory& plan,
-               const std::string& answer, const Json& json) {
+               const std::string& answer, const Json& json, const std::string& name,
+               const ReportProgram& program) {
   const auto& [arm_option, units, output] = options.common;
+  const std::string& title = name.empty() ? options.report.title() : name;
   const Arm& arm = loaded.arm;
   const Verdict verdict = Judge(plan, arm);
   Json all = {{"arm", ArmJson(loaded)}, {"verdict", VerdictJson(verdict)}};
   all.update(json);
+  if (options.report.given()) {
+    const Findings findings = FindingsOf(loaded, {plan, {}}, LimitsOf(arm), options.strict);
+    options.report.Write(loaded, {"", title, {{title, findings, program}}});
+  }
   output.Write(
       output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
       plan, arm);

@@ -10,6 +10,7 @@
 
 #include "number_option.h"
 #include "output.h"
+#include "report_option.h"
 
 namespace qal::tools {
 
@@ -33,12 +34,14 @@ class EndOptions {
 /// What every command takes that plans.
 struct PlanOptions {
   CommonOptions common;
+  ReportOption report;
   bool strict = false;
   bool verbose = false;
 
-  /// Adds the common options, --strict and --verbose.
+  /// Adds the common options, --strict, --report and --verbose.
   void AddTo(CLI::App& command, const std::shared_ptr<ArmOption>& arm);
-  void AddStrictTo(CLI::App& command);
+  /// Adds --strict and --report.
+  void AddJudgingTo(CLI::App& command);
   /// Passes the operations' own lines on to standard error, with --verbose.
   classic::Listener Listener() const;
 };
@@ -48,12 +51,15 @@ void RefuseOthers(const std::string& profile, std::initializer_list<const Number
                   std::initializer_list<const NumberOption*> taken);
 
 /// Judges a plan by its arm and writes it: a summary that a person can check, or JSON with every
-/// point; a CSV file besides.
-/// @param answer what the table has above the verdict
-/// @param json   what JSON has beside the arm and the verdict
+/// point; a CSV file and a report besides.
+/// @param answer  what the table has above the verdict
+/// @param json    what JSON has beside the arm and the verdict
+/// @param name    what the report calls the motion; empty: by the command
+/// @param program what the report says about its steps
 /// @throw Failure with --strict, when a limit of the arm is exceeded; all is written before
 void WritePlan(const PlanOptions& options, const io::LoadedArm& loaded,
-               const io::FileTrajectory& plan, const std::string& answer, const Json& json);
+               const io::FileTrajectory& plan, const std::string& answer, const Json& json,
+               const std::string& name = "", const io::ReportProgram& program = {});
 
 /// How long the tool's way is [m].
 /// @param plan with poses

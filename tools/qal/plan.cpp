@@ -14,6 +14,7 @@
 #include "../common/progress.h"
 #include "commands.h"
 #include "limited.h"
+#include "plan_report.h"
 #include "plan_summary.h"
 
 namespace qal::tools {
@@ -65,6 +66,7 @@ double WayLength(const FileTrajectory& samples, const PlannedProgram& planned) {
 void RunPlan(const PlanArguments& a) {
   const Units& units = a.plan.common.units;
   a.plan.common.output.Check();
+  a.plan.report.Check();
   const LoadedArm loaded = a.plan.common.arm->Load();
   const PlannedProgram planned = Planned(a.program, loaded.arm, units);
   auto trajectory = Sampled(loaded.arm, planned.motion);
@@ -82,7 +84,7 @@ void RunPlan(const PlanArguments& a) {
   WritePlan(a.plan, loaded, samples,
             SizeRows(samples, length_m, units) + EndRows(samples, units) +
                 ProgramRows(planned, units) + LimitedByRow(motion),
-            json);
+            json, FileTitle(planned.file.name), ProgramOfReport(planned, loaded.arm));
   if (const size_t outside = CornersOutsideOfZones(planned); outside > 0) {
     throw Failure(fmt::format("{} corners are outside of their zones", outside));
   }
@@ -103,7 +105,7 @@ void AddPlan(CLI::App& app, const SharedArm& arm) {
   arm->AddTo(*plan);
   options.common.units.AddTo(*plan);
   options.common.output.AddTrajectoryTo(*plan);
-  options.AddStrictTo(*plan);
+  options.AddJudgingTo(*plan);
   plan->footer(
       "docs/programs.md describes the file's keys: points, limits, zones and steps.\n"
       "Numbers of the program are in the units that its keys name; --deg and --mm are for the\n"

@@ -39,10 +39,12 @@ JointNames TrajectoryInput::Names(const Arm& arm) const {
   return names;
 }
 
-LocatedTrajectory TrajectoryInput::Read(const Arm& arm) const {
+LocatedTrajectory TrajectoryInput::Read(const Arm& arm) const { return Read(arm, path_); }
+
+LocatedTrajectory TrajectoryInput::Read(const Arm& arm, const std::string& path) const {
   LocatedTrajectory read =
-      ReadTrajectory(path_, FormatNamed(format_), {Names(arm), !names_.empty()});
-  for (const std::string& note : read.notes) Note(name() + ": " + note);
+      ReadTrajectory(path, FormatNamed(format_), {Names(arm), !names_.empty()});
+  for (const std::string& note : read.notes) Note(NameOf(path) + ": " + note);
   return read;
 }
 

@@ -17,6 +17,7 @@ class TrajectoryInput {
 
   /// What messages call the file.
   std::string name() const { return io::NameOf(path_); }
+  const std::string& path() const { return path_; }
   /// Names of the joints in ROS files: those that --joint-names gives, else the arm's.
   /// @throw UsageError when --joint-names are not six different ones
   io::JointNames Names(const Arm& arm) const;
@@ -25,6 +26,8 @@ class TrajectoryInput {
   /// checked for their order.
   /// @throw UsageError "NAME: line N: REASON", in one line
   io::LocatedTrajectory Read(const Arm& arm) const;
+  /// The same of another file, by the same options.
+  io::LocatedTrajectory Read(const Arm& arm, const std::string& path) const;
 
  private:
   std::string path_;

@@ -1,14 +1,14 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <memory>
 
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "commands.h"
 #include "findings.h"
-#include "number_option.h"
+#include "limit_options.h"
+#include "report_option.h"
 #include "trajectory_input.h"
 
 namespace qal::tools {
@@ -20,41 +20,22 @@ namespace {
 struct VerifyArguments {
   TrajectoryInput in;
   SharedArm arm;
-  std::array<NumberOption, kMetricCount> limits;
-  bool strict = false;
+  LimitOptions limits;
+  ReportOption report;
   bool json = false;
 };
 
-// A limit for each value of the metric.
-std::vector<Bound> ReadLimit(const NumberOption& numbers, const MetricKind& kind) {
-  const size_t count = kind.per_joint ? 6 : 1;
-  const std::vector<double> values = numbers.Read(
-      numbers.size() == 1 ? 1 : count, kind.per_joint ? "one number or six" : "one number");
-  std::vector<Bound> limit;
-  for (const double value : values) {
-    if (value < 0.0) throw UsageError(fmt::format("{}: {:.9g} is below 0", kind.option, value));
-    limit.push_back({value, Origin::kOption});
-  }
-  limit.resize(count, limit[0]);
-  return limit;
-}
-
-// The arm's limits, and what the options put in their place.
-Limits ReadLimits(const VerifyArguments& arguments, const Arm& arm) {
-  Limits limits = LimitsOf(arm);
-  for (size_t i = 0; i < kMetricCount; ++i) {
-    const NumberOption& option = arguments.limits[i];
-    if (option.given()) limits[i] = ReadLimit(option, kMetrics[i]);
-  }
-  return limits;
-}
-
 void RunVerify(const VerifyArguments& arguments) {
+  arguments.report.Check();
   const LoadedArm loaded = arguments.arm->Load();
-  const Limits limits = ReadLimits(arguments, loaded.arm);
+  const Limits limits = arguments.limits.Read(loaded.arm);
   const Findings findings =
-      FindingsOf(loaded, arguments.in.Read(loaded.arm), limits, arguments.strict);
+      FindingsOf(loaded, arguments.in.Read(loaded.arm), limits, arguments.limits.strict());
   const std::string name = arguments.in.name();
+  if (arguments.report.given()) {
+    const std::string title = FileTitle(name);
+    arguments.report.Write(loaded, {"", title, {{title, findings}}});
+  }
   WriteStandardOutput(arguments.json ? FindingsJson(findings, name).dump(2) + '\n'
                                      : FindingsText(findings, name));
   if (findings.violations.empty()) return;
@@ -72,17 +53,9 @@ void AddVerify(CLI::App& app, const SharedArm& arm) {
   arguments->in.AddTo(*verify, "FILE");
   arguments->arm = arm;
   arm->AddTo(*verify);
-  for (size_t i = 0; i < kMetricCount; ++i) {
-    const MetricKind& kind = kMetrics[i];
-    if (kind.option == nullptr) continue;
-    arguments->limits[i].AddTo(*verify, kind.option, kind.per_joint ? "N or N1 .. N6" : "N",
-                               fmt::format("limit: {} [{}]", kind.help, kind.unit));
-    // One word, so that FILE may follow.
-    verify->get_option(kind.option)->expected(1)->allow_extra_args(false);
-  }
-  verify->add_flag("--strict", arguments->strict,
-                   "to be beyond a limit that is but assumed is a violation, too");
+  arguments->limits.AddTo(*verify);
   verify->add_flag("--json", arguments->json, "JSON instead of the table");
+  arguments->report.AddTo(*verify);
   verify->footer(
       "Time and joints are enough. Without an option a file is held against its arm: range, "
       "speed,\n"

@@ -1,0 +1,65 @@
+#include "report_option.h"
+
+#include <fmt/format.h>
+
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <filesystem>
+
+#include "../../io/error.h"
+#include "../../io/files.h"
+#include "../common/progress.h"
+#include "../common/version.h"
+
+namespace qal::tools {
+
+using namespace io;
+
+std::string FileTitle(const std::string& path) {
+  return std::filesystem::path(path).filename().string();
+}
+
+void ReportOption::AddTo(CLI::App& command) {
+  title_ = "qal " + command.get_name();
+  command
+      .add_option("--report", path_,
+                  "also write a page that shows the motion, its curves and the verdict, in HTML")
+      ->type_name("FILE");
+}
+
+void ReportOption::AddOutputTo(CLI::App& command) {
+  is_answer_ = true;
+  title_ = "qal " + command.get_name();
+  command.add_option("-o,--out", path_, "page to write, whole or not at all; -: standard output")
+      ->type_name("FILE")
+      ->required();
+}
+
+void ReportOption::Check() const {
+  if (!given()) return;
+  ExpectReportPage();
+  if (path_ == "-" && !is_answer_) {
+    throw UsageError("--report: standard output has the answer; the name of a file is expected");
+  }
+}
+
+void ReportOption::Write(const LoadedArm& loaded, Report report) const {
+  if (!given()) return;
+  Check();
+  report.tool = VersionOf("qal");
+  size_t samples = 0;
+  for (const ReportMotion& motion : report.motions) {
+    samples += motion.findings.trajectory.samples.size();
+  }
+  std::string html;
+  {
+    const LateProgress progress;
+    html = ReportHtml(ReportJson(loaded, report, [&](size_t done) {
+      progress.Show(fmt::format("report: {} of {} samples", done, samples));
+    }));
+  }
+  if (path_ == "-") return WriteStandardOutput(html);
+  WriteFile(path_, html);
+}
+
+}  // namespace qal::tools
