@@ -22,16 +22,26 @@ std::string InFolderOf(const std::string& file, const std::string& named) {
   return (std::filesystem::path(file).parent_path() / named).lexically_normal().string();
 }
 
+// The description in a text of its own; a URDF is kept.
+ArmDescription DescriptionIn(std::string text, const std::string& path, const ReadOptions& options,
+                             ArmFile& file) {
+  ArmDescription arm = ParseDescription(text, path, options);
+  if (ContentOf(text) == Content::kXml) {
+    file.urdf = std::make_shared<const UrdfSource>(UrdfSource{std::move(text), path, options});
+  }
+  return arm;
+}
+
 // The description that an arm file names or has within.
 ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
-                             const ReadOptions& options) {
+                             const ReadOptions& options, ArmFile& file) {
   if (fields.at("description").is_string()) {
     const std::string named = InFolderOf(path, fields.Text("description", ""));
     ReadOptions with_links = options;
     if (options.base.empty()) with_links.base = fields.Text("base_link", "");
     if (options.tip.empty()) with_links.tip = fields.Text("tip_link", "");
     try {
-      return ParseDescription(ReadFile(named, kLargestDescription), named, with_links);
+      return DescriptionIn(ReadFile(named, kLargestDescription), named, with_links, file);
     } catch (const UsageError& error) {
       fields.Refuse("description", error.what());
     }
@@ -64,7 +74,7 @@ ArmFile FromDocument(const Document& document, const std::string& path,
                   "path or a table, or 'solver', a path");
   }
   file.settings = ReadArmSettings(fields);
-  if (fields.Has("description")) file.description = DescriptionOf(fields, path, options);
+  if (fields.Has("description")) file.description = DescriptionOf(fields, path, options, file);
   if (fields.Has("description") && fields.at("description").is_string()) {
     file.sources.push_back(InFolderOf(path, fields.Text("description", "")));
   }
@@ -79,8 +89,11 @@ ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options) {
     case Content::kLibrary:
       if (path == "-") throw UsageError(name + ": a library; its path is expected");
       return {name, "solver library", std::nullopt, {}, path};
-    case Content::kXml:
-      return {name, "URDF", ParseDescription(text, name, options), {}, ""};
+    case Content::kXml: {
+      ArmFile file = {name, "URDF", std::nullopt, {}, ""};
+      file.description = DescriptionIn(text, name, options, file);
+      return file;
+    }
     case Content::kJson:
       return FromDocument(ParseJson(text, name), path, options);
     case Content::kToml:

@@ -1,11 +1,13 @@
 #ifndef QAL_IO_ARM_FILE_H_
 #define QAL_IO_ARM_FILE_H_
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "description.h"
+#include "urdf_visuals.h"
 
 namespace qal::io {
 
@@ -18,6 +20,8 @@ struct ArmFile {
   ArmSettings settings;
   std::string solver;                     ///< path of a solver library; empty: the closed form
   std::vector<std::string> sources = {};  ///< paths that it was read from; -: standard input
+  /// Where the description is a URDF, its text; else null.
+  std::shared_ptr<const UrdfSource> urdf = {};
 };
 
 /// Reads a file of an arm, whatever its name: what it is shows in its content.

@@ -11,6 +11,8 @@ namespace qal::io {
 // file; what is beyond is refused before it is kept.
 constexpr size_t kLargestDescription = size_t{64} << 20;  ///< [bytes] arm file, URDF or table
 constexpr size_t kLargestTrajectory = size_t{1} << 30;    ///< [bytes]; an hour with rates is half
+constexpr size_t kLargestMesh = size_t{64} << 20;         ///< [bytes]
+constexpr size_t kMostTriangles = 500000;                 ///< of an arm's meshes together
 constexpr size_t kLargestLibrary = size_t{512} << 20;     ///< [bytes]
 constexpr size_t kDeepest = 64;        ///< lists, tables and elements within each other
 constexpr size_t kMostColumns = 1000;  ///< of a CSV file

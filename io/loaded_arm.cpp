@@ -55,7 +55,7 @@ auto ReadNamed(const std::optional<std::string>& option, const char* environment
 }  // namespace
 
 LoadedArm MakeArm(const ArmFile& file, Geometry geometry) {
-  return {ArmOf(file, geometry), file.name, file.kind};
+  return {ArmOf(file, geometry), file.name, file.kind, file.urdf};
 }
 
 LoadedArm ReadArm(const std::string& path, const ReadOptions& options) {

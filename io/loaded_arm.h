@@ -15,8 +15,9 @@ namespace qal::io {
 /// An arm, and what it comes from.
 struct LoadedArm {
   Arm arm;
-  std::string file;  ///< empty: built in
-  std::string kind;  ///< as in `ArmFile`, or "reference arm"
+  std::string file;                             ///< empty: built in
+  std::string kind;                             ///< as in `ArmFile`, or "reference arm"
+  std::shared_ptr<const UrdfSource> urdf = {};  ///< as in `ArmFile`
 };
 
 /// The arm that a file of an arm makes.

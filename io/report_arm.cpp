@@ -9,6 +9,7 @@
 #include "error.h"
 #include "error_text.h"
 #include "finite_differences.h"
+#include "report_bodies.h"
 
 namespace qal::io {
 
@@ -16,7 +17,7 @@ using Json = nlohmann::ordered_json;
 
 namespace {
 
-Json VectorJson(const Vector3& v) { return {v[0], v[1], v[2]}; }
+Json VectorJson(const Vec3& v) { return {v.x, v.y, v.z}; }
 
 Json JointJson(const Arm& arm, size_t j) {
   const JointModel& joint = arm.joints()[j];
@@ -57,21 +58,24 @@ Json ReportArmJson(const LoadedArm& loaded) {
   const Pose tool = AtZero(loaded, Forward(arm, {}));
   const JacobianMatrix jacobian = AtZero(loaded, Jacobian(arm, {}));
   Json joints = Json::array();
-  Json axes = Json::array();
+  Json axes_json = Json::array();
+  std::array<AxisLine, 6> axes;
   for (size_t j = 0; j < arm.joints().size(); ++j) {
     joints.push_back(JointJson(arm, j));
     const Line axis = AxisOf(jacobian, j, ToVector(tool.position));
-    axes.push_back(
-        {{"point_m", VectorJson(axis.point)}, {"direction", VectorJson(axis.direction)}});
+    axes[j] = {FromVector(axis.point), FromVector(axis.direction)};
+    axes_json.push_back(
+        {{"point_m", VectorJson(axes[j].point)}, {"direction", VectorJson(axes[j].direction)}});
   }
-  const auto& [p, q] = tool;
+  auto [bodies, notes] = ReportBodiesOf(loaded, axes);
+  const Quat& q = tool.orientation;
   return {{"name", arm.name()},
           {"about", ArmHeading(loaded)},
           {"joints", std::move(joints)},
-          {"axes", std::move(axes)},
-          {"tool", {{"position_m", {p.x, p.y, p.z}}, {"wxyz", {q.w, q.x, q.y, q.z}}}},
-          {"bodies", Json::array()},
-          {"notes", Json::array()}};
+          {"axes", std::move(axes_json)},
+          {"tool", {{"position_m", VectorJson(tool.position)}, {"wxyz", {q.w, q.x, q.y, q.z}}}},
+          {"bodies", std::move(bodies)},
+          {"notes", std::move(notes)}};
 }
 
 }  // namespace qal::io

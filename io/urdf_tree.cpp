@@ -218,4 +218,14 @@ UrdfChain UrdfTree::Chain(const std::string& base, const std::string& tip) const
   return chain;
 }
 
+std::vector<UrdfLink> UrdfTree::LinksFrom(const std::string& base) const {
+  std::vector<UrdfLink> links = {{base, nullptr}};
+  for (size_t i = 0; i < links.size(); ++i) {
+    const auto joints = by_parent_.find(links[i].name);
+    if (joints == by_parent_.end()) continue;
+    for (const UrdfJoint* joint : joints->second) links.push_back({joint->child, joint});
+  }
+  return links;
+}
+
 }  // namespace qal::io

@@ -22,6 +22,12 @@ struct UrdfJoint {
 /// The joints from a base link to a tip link, in this order.
 using UrdfChain = std::vector<const UrdfJoint*>;
 
+/// A link, and the joint that leads to it; null: the base.
+struct UrdfLink {
+  std::string name;
+  const UrdfJoint* joint;
+};
+
 /// Links and joints of a URDF, each name once, and no loop. What goes wrong is told as UsageError,
 /// with file and line.
 class UrdfTree {
@@ -39,6 +45,9 @@ class UrdfTree {
 
   /// The chain, with exactly six turning joints and otherwise fixed ones.
   UrdfChain Chain(const std::string& base, const std::string& tip) const;
+
+  /// The base and every link behind it, whatever the joints, each after its parent.
+  std::vector<UrdfLink> LinksFrom(const std::string& base) const;
 
  private:
   void AddLinks(const tinyxml2::XMLElement& robot);

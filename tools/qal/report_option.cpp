@@ -3,13 +3,14 @@
 #include <fmt/format.h>
 
 #include <CLI/CLI.hpp>
-#include <chrono>
 #include <filesystem>
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../../io/messages.h"
 #include "../common/progress.h"
 #include "../common/version.h"
+#include "tables.h"
 
 namespace qal::tools {
 
@@ -51,13 +52,15 @@ void ReportOption::Write(const LoadedArm& loaded, Report report) const {
   for (const ReportMotion& motion : report.motions) {
     samples += motion.findings.trajectory.samples.size();
   }
-  std::string html;
+  Json data;
   {
     const LateProgress progress;
-    html = ReportHtml(ReportJson(loaded, report, [&](size_t done) {
+    data = ReportJson(loaded, report, [&](size_t done) {
       progress.Show(fmt::format("report: {} of {} samples", done, samples));
-    }));
+    });
   }
+  for (const Json& note : data["arm"]["notes"]) Note(note.get<std::string>());
+  const std::string html = ReportHtml(data);
   if (path_ == "-") return WriteStandardOutput(html);
   WriteFile(path_, html);
 }
