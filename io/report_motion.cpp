@@ -45,16 +45,6 @@ std::string Doubles(const std::vector<double>& values) {
   return bytes.Text();
 }
 
-void ExpectOrder(const ReportMotion& motion) {
-  const FileTrajectory& samples = motion.findings.trajectory.samples;
-  for (size_t i = 1; i < samples.size(); ++i) {
-    if (!(samples[i].time_s < samples[i - 1].time_s)) continue;
-    throw Failure(fmt::format(
-        "{}: {}: the time goes back from {:.9g} to {:.9g} s; it can't be played", motion.name,
-        Place(motion.findings.trajectory, i), samples[i - 1].time_s, samples[i].time_s));
-  }
-}
-
 Json StepsJson(const ReportProgram& program) {
   Json list = Json::array();
   for (const auto& [begin_s, name] : program.steps) {
@@ -79,10 +69,20 @@ Json CornersJson(const ReportProgram& program) {
 
 }  // namespace
 
+void ExpectOrder(const std::string& name, const LocatedTrajectory& trajectory) {
+  const FileTrajectory& samples = trajectory.samples;
+  for (size_t i = 1; i < samples.size(); ++i) {
+    if (!(samples[i].time_s < samples[i - 1].time_s)) continue;
+    throw Failure(fmt::format(
+        "{}: {}: the time goes back from {:.9g} to {:.9g} s; this can't be played or drawn", name,
+        Place(trajectory, i), samples[i - 1].time_s, samples[i].time_s));
+  }
+}
+
 Json ReportMotionJson(const ReportMotion& motion,
                       const std::function<void(size_t done)>& progress) {
-  ExpectOrder(motion);
   const LocatedTrajectory& trajectory = motion.findings.trajectory;
+  ExpectOrder(motion.name, trajectory);
   const MotionSeries series = SeriesOf(motion.findings.loaded.arm, trajectory.samples, progress);
   return {{"name", motion.name},
           {"samples", trajectory.samples.size()},

@@ -38,10 +38,16 @@ struct ReportMotion {
 
 /// A motion for the report's page: the numbers of every sample, and the verdict of its findings.
 /// @param progress is told how many samples are done, now and then
-/// @throw Failure "NAME: sample N: ..." where the time goes back, which can't be played; and as
-///        `SeriesOf`
+/// @throw as ExpectOrder and SeriesOf
 nlohmann::ordered_json ReportMotionJson(const ReportMotion& motion,
                                         const std::function<void(size_t done)>& progress = {});
+
+/// @throw Failure "NAME: sample N: ..." where the time goes back, which can be neither played nor
+///        drawn
+void ExpectOrder(const std::string& name, const LocatedTrajectory& trajectory);
+
+/// Whether a motion keeps every limit, and where it exceeds one most, in one line.
+std::string VerdictHeadline(const Findings& findings);
 
 /// Whether a motion keeps every limit, and what is measured on it.
 nlohmann::ordered_json ReportVerdictJson(const Findings& findings);

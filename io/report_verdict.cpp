@@ -43,16 +43,6 @@ std::string Count(size_t count, const char* what) {
   return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
 }
 
-std::string Headline(const Findings& findings) {
-  if (!findings.violations.empty()) {
-    return Count(findings.violations.size(), "violation") +
-           "; worst: " + WorstText(findings, findings.violations);
-  }
-  if (findings.notes.empty()) return "within every limit";
-  return "within every described limit; " + Count(findings.notes.size(), "assumed limit") +
-         " exceeded, worst: " + WorstText(findings, findings.notes);
-}
-
 const char* StateOf(const Findings& findings, size_t metric, size_t entry, bool limited) {
   const auto here = [&](const Violation& v) { return v.metric == metric && v.entry == entry; };
   const auto among = [&](const std::vector<Violation>& list) {
@@ -83,6 +73,16 @@ Json CheckJson(const Findings& findings, size_t metric, size_t entry) {
 
 }  // namespace
 
+std::string VerdictHeadline(const Findings& findings) {
+  if (!findings.violations.empty()) {
+    return Count(findings.violations.size(), "violation") +
+           "; worst: " + WorstText(findings, findings.violations);
+  }
+  if (findings.notes.empty()) return "within every limit";
+  return "within every described limit; " + Count(findings.notes.size(), "assumed limit") +
+         " exceeded, worst: " + WorstText(findings, findings.notes);
+}
+
 Json ReportVerdictJson(const Findings& findings) {
   Json checks = Json::array();
   for (size_t i = 0; i < kMetricCount; ++i) {
@@ -93,7 +93,7 @@ Json ReportVerdictJson(const Findings& findings) {
     }
   }
   return {{"ok", findings.violations.empty()},
-          {"headline", Headline(findings)},
+          {"headline", VerdictHeadline(findings)},
           {"checks", std::move(checks)}};
 }
 

@@ -222,7 +222,7 @@ TEST(ReportMotions, AreRefusedWhereTheTimeGoesBack) {
   samples[4].time_s = 0.2;
   const Findings findings =
       FindingsOf(Reference(), {samples, {}}, LimitsOf(Arm::Reference()), false);
-  EXPECT_EQ("ten: sample 4: the time goes back from 0.3 to 0.2 s; it can't be played",
+  EXPECT_EQ("ten: sample 4: the time goes back from 0.3 to 0.2 s; this can't be played or drawn",
             Refusal<Failure>([&] {
               (void)ReportMotionJson({"ten", findings});
             }));

@@ -23,6 +23,7 @@ void AddJoint(CLI::App& app, const SharedArm& arm);
 void AddPlan(CLI::App& app, const SharedArm& arm);
 void AddConvert(CLI::App& app, const SharedArm& arm);
 void AddVerify(CLI::App& app, const SharedArm& arm);
+void AddPlot(CLI::App& app, const SharedArm& arm);
 void AddReport(CLI::App& app, const SharedArm& arm);
 
 }  // namespace qal::tools

@@ -48,8 +48,8 @@ void Describe(CLI::App& app) {
       "--version", [arm] { return arm->Version("qal"); },
       "the version, and the arm that would be used");
   app.require_subcommand(0, 1);
-  for (auto* add :
-       {AddFk, AddIk, AddJog, AddLine, AddJoint, AddPlan, AddConvert, AddVerify, AddReport})
+  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddPlan, AddConvert, AddVerify,
+                    AddReport, AddPlot})
     add(app, arm);
   AddHelp(app);
 }

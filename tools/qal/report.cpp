@@ -28,10 +28,7 @@ struct ReportArguments {
 std::vector<std::string> PathsOf(const ReportArguments& a) {
   std::vector<std::string> paths = {a.in.path()};
   if (!a.other.empty()) paths.push_back(a.other);
-  for (const std::string& path : paths) {
-    if (a.out.path() == "-" || path == "-" || !SameFile(path, a.out.path())) continue;
-    throw UsageError(fmt::format("-o: {} is the file to show, which it would replace", path));
-  }
+  if (a.out.path() != "-") ExpectOtherFile(a.out.path(), paths);
   if (paths.size() == 2 && paths[0] == "-" && paths[1] == "-") {
     throw UsageError("standard input has one file; the name of the other is expected");
   }

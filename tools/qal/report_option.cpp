@@ -20,6 +20,13 @@ std::string FileTitle(const std::string& path) {
   return std::filesystem::path(path).filename().string();
 }
 
+void ExpectOtherFile(const std::string& written, const std::vector<std::string>& shown) {
+  for (const std::string& path : shown) {
+    if (path == "-" || !SameFile(path, written)) continue;
+    throw UsageError(fmt::format("{} is the file that is shown; -o would replace it", path));
+  }
+}
+
 void ReportOption::AddTo(CLI::App& command) {
   title_ = "qal " + command.get_name();
   command

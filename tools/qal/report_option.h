@@ -3,6 +3,7 @@
 
 #include <CLI/App.hpp>
 #include <string>
+#include <vector>
 
 #include "../../io/report_html.h"
 
@@ -10,6 +11,9 @@ namespace qal::tools {
 
 /// The last part of a path, as a title names a file.
 std::string FileTitle(const std::string& path);
+
+/// @throw UsageError when a file to write is one of those that are shown
+void ExpectOtherFile(const std::string& written, const std::vector<std::string>& shown);
 
 /// A report that a command writes.
 class ReportOption {
