@@ -75,6 +75,10 @@ TEST_F(Refusal, OfBadUsageIsOneLine) {
       {"verify", "good.csv --max-joint-acc 1,2", "--max-joint-acc: one number or six expected, 2 given"},
       {"verify", "good.csv --max-deviation 1,1", "--max-deviation: one number expected, 2 given"},
       {"verify", "good.csv --max-tool-speed -1", "--max-tool-speed: -1 is below 0"},
+      {"plot", "good.csv --only angle,sped", "--only: no plot is called 'sped'; there are 'angle', 'velocity', 'acceleration'..."},
+      {"plot", "good.csv -o good.csv", "good.csv is the file that is shown; -o would replace it"},
+      {"plot", "good.csv -o /nowhere/a.svg", "cannot write /nowhere/a.svg: No such file or directory"},
+      {"plot", "good.csv --width 20", "--width: Value 20 not in range..."},
       // Files.
       {"fk", "--joints 0 0 0 0 0 0 --csv /nowhere/a.csv", "cannot write /nowhere/a.csv: No such file or directory"},
       {"fk", "--joints 0 0 0 0 0 0 --csv /dev/full", "cannot write /dev/full: No space left on device"},
@@ -167,7 +171,7 @@ TEST_F(Output, OfVersionAndHelpGoesToStandardOutput) {
   EXPECT_EQ("qal 1.0.0\narm: reference arm (built in), spherical wrist, hash qal-reference-arm-1\n",
             Qal("--version").out);
   EXPECT_EQ(Qal("--help").out, Qal("help").out);
-  for (const std::string command : {"fk", "ik", "jog", "line", "joint", "convert", "verify"}) {
+  for (const std::string command : {"fk", "ik", "jog", "line", "joint", "convert", "verify", "report", "plot"}) {
     const ToolRun help = Qal("help " + command);
     EXPECT_EQ(help.out, Qal(command + " --help").out);
     EXPECT_EQ(0, help.status);
