@@ -127,6 +127,7 @@ double Worst(const std::vector<Joints>& values, size_t joint, size_t& sample) {
 TEST(MotionSeries, HasThePeaksThatAreMeasured) {
   const Arm arm = Arm::Reference();
   FileTrajectory by_differences = Ten();
+  by_differences.back().joints[3] += 0.5;  // stops from full speed
   FileTrajectory by_rates = WithRates(Ten(), &FiniteDifferences::JointSpeedAt);
   for (const FileTrajectory& trajectory : {by_differences, by_rates}) {
     const MotionSeries series = SeriesOf(arm, trajectory);
@@ -147,16 +148,26 @@ TEST(MotionSeries, HasThePeaksThatAreMeasured) {
   }
 }
 
-// Joint 1 turns at 2 rad/s about the z axis, and the tool of the sample is 0.5 m from it: 1 m/s.
+// The sample's tool is another one than the arm's; its speed is that between places 2 us apart.
 TEST(MotionSeries, TakesTheToolsSpeedFromTheJoints) {
-  const Pose pose = {{0.3, 0.4, 0.7}, {1, 0, 0, 0}};
-  const FileSample sample = {0, {0, 0.3, -0.2, 0, 0.5, 0}, pose, Joints{2}, Joints{}};
+  Transform tool = FromRollPitchYaw({0.1, 0.2, 0.3});
+  tool.position = {0.1, -0.2, 0.3};
+  const Arm other = Arm::Reference().WithTool(tool).value();
+  const Joints joints = {0.1, 0.3, -0.2, 0.2, 0.5, -0.4};
+  const Joints velocities = {0.3, -0.5, 0.7, 1, -0.4, 0.6};
+  const auto place = [&](double time_s) {
+    Joints then = joints;
+    for (size_t j = 0; j < 6; ++j) then[j] += time_s * velocities[j];
+    return Forward(other, then).value();
+  };
+  const FileSample sample = {0, joints, place(0), velocities, Joints{}};
   const MotionSeries series = SeriesOf(Arm::Reference(), {sample});
-  EXPECT_NEAR(series.tool_speed_m_s[0], 1, 1e-12);
-  // Joint 5 is farthest along: 2.967 - 0.5 rad from its end.
+  EXPECT_NEAR(series.tool_speed_m_s[0],
+              Distance(place(-1e-6).position, place(1e-6).position) / 2e-6, 1e-8);
+  // Joint 5 is nearest to its end: 2.967 - 0.5 rad.
   EXPECT_NEAR(series.limit_margin_rad[0], 2.967059678 - 0.5, 1e-12);
   EXPECT_EQ(series.singular_value[0],
-            DistanceToSingularities(Arm::Reference(), sample.joints)->smallest_singular_value);
+            DistanceToSingularities(Arm::Reference(), joints)->smallest_singular_value);
 }
 
 Findings FindingsOfTen(double speed_limit, Origin origin) {
