@@ -59,6 +59,7 @@ coverage: test-deps
 figures: demo
 	packaging/install-deps python3-matplotlib
 	docs/plot_trajectories.py build/release/bin
+	build/release/bin/qal plot out/welding_seam.csv --deg --mm --only velocity,tool -o docs/figures/plot.svg
 
 ## Times the library beside its peers: a table of ratios, as text, JSON and a picture.
 bench: bench-deps

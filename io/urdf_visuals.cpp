@@ -4,11 +4,11 @@
 #include <qal/model/chain.h>
 
 #include <algorithm>
+#include <cmath>
 #include <map>
 
 #include "error.h"
-#include "messages.h"
-#include "numbers.h"
+#include "mesh.h"
 #include "urdf_document.h"
 
 namespace qal::io {
@@ -44,7 +44,7 @@ class VisualReader {
       Try([&] {
         const XMLElement* material = e->FirstChildElement("material");
         read_.visuals.push_back({Attribute(urdf_.path(), link, "name"), index,
-                                 frame * urdf_.Origin(*e), ShapeOf(*e),
+                                 PlacementOf(*e, frame), ShapeOf(*e),
                                  material != nullptr ? ColorOf(*material) : std::nullopt});
       });
     }
@@ -72,6 +72,14 @@ class VisualReader {
     }
     const auto found = named_.find(key);
     return found != named_.end() ? std::optional<Color>(found->second) : std::nullopt;
+  }
+
+  Transform PlacementOf(const XMLElement& visual, const Transform& frame) const {
+    Transform placement = frame * urdf_.Origin(visual);
+    const auto& [x, y, z] = placement.position;
+    if (std::hypot(x, y, z) <= kLargestCoordinate) return placement;
+    throw UsageError(fmt::format("{}: farther than {:g} m from the base",
+                                 Place(urdf_.path(), visual), kLargestCoordinate));
   }
 
   double Length(const XMLElement& element, const char* name) const {

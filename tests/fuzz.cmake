@@ -29,7 +29,7 @@ qal_add_fuzzer(solver solver_fuzz.cpp ik)
 target_include_directories(qal_fuzz_solver PRIVATE . ${PROJECT_SOURCE_DIR}/src)
 
 if(QAL_BUILD_TOOLS)
-  foreach(format csv json ros urdf toml table)
+  foreach(format csv json ros urdf stl toml table)
     qal_add_fuzzer(${format} readers_fuzz.cpp qal_io)
     target_compile_definitions(qal_fuzz_${format} PRIVATE QAL_FUZZ_FORMAT="${format}")
     if(QAL_LIBFUZZER)

@@ -8,12 +8,14 @@
 #include "../../io/arm_settings.h"
 #include "../../io/error.h"
 #include "../../io/program_file.h"
+#include "../../io/stl.h"
 #include "../../io/table.h"
 #include "../../io/trajectory_csv.h"
 #include "../../io/trajectory_json.h"
 #include "../../io/trajectory_ros.h"
 #include "../../io/units.h"
 #include "../../io/urdf.h"
+#include "../../io/urdf_visuals.h"
 
 namespace {
 
@@ -58,6 +60,27 @@ void CheckArm(const qal::ArmDescription& arm) {
   Require(std::isfinite(tip.x + tip.y + tip.z), "a tip that isn't finite");
 }
 
+// Each triangle has three corners in three places.
+void CheckMesh(const std::string& text) {
+  constexpr size_t kMost = 100000;
+  const Mesh mesh = MeshOf(ParseStl(text, kMost), {0.001, -0.001, 0.001});
+  Require(mesh.triangles() <= kMost, "more triangles than are taken");
+  for (size_t i = 0; i < mesh.indices.size(); i += 3) {
+    const uint32_t* const corner = &mesh.indices[i];
+    Require(corner[0] != corner[1] && corner[1] != corner[2] && corner[2] != corner[0], "an edge");
+    Require(corner[0] < mesh.vertices.size() && corner[1] < mesh.vertices.size() &&
+                corner[2] < mesh.vertices.size(),
+            "a corner from nowhere");
+  }
+}
+
+void CheckVisuals(const std::string& text) {
+  for (const UrdfVisual& visual : ReadVisuals({text, "file", {}}).visuals) {
+    Require(visual.link >= 0 && visual.link <= 6, "a link of no joint");
+    Require(std::isfinite(visual.placement.position.x), "a place that isn't finite");
+  }
+}
+
 void CheckSettings(const qal::ArmSettings& settings) {
   for (const qal::JointSettings& joint : settings.joints) {
     Require(std::isfinite(joint.jerk_rad_s3.value_or(0)), "a limit that isn't finite");
@@ -89,6 +112,9 @@ void Read(const std::string& format, const std::string& text) {
         [](const FileTrajectory& t) { return ToRosYaml(t, DefaultJointNames()); });
   } else if (format == "urdf") {
     CheckArm(ReadUrdf(text, "file", {}));
+    CheckVisuals(text);
+  } else if (format == "stl") {
+    CheckMesh(text);
   } else {
     const Document table = format == "toml" ? ParseToml(text, "file") : ParseJson(text, "file");
     const Fields fields(table);

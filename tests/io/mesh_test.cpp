@@ -196,6 +196,11 @@ TEST_F(Bodies, AreMissingWithANoteAndNeverAFailure) {
     EXPECT_TRUE(json["bodies"].empty());
     EXPECT_EQ(json["notes"], nlohmann::ordered_json({note}));
   }
+  const auto far = BodiesOf(Urdf("link_3",
+                                 "<visual><geometry><box size='1 1 1'/></geometry>"
+                                 "<origin xyz='1e200 0 1e200'/></visual>"));
+  EXPECT_EQ(far["notes"][0],
+            "robots/cell/urdf/arm.urdf, line 7: farther than 1e+06 m from the base");
 }
 
 // The solver of the arm goes on as the solver says.
