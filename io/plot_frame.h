@@ -16,8 +16,7 @@ PlotScale ScaleOf(const PlotPanel& panel, double bottom, double top);
 /// Finds places for the texts of marks, such that they don't hide each other.
 class MarkPlaces {
  public:
-  MarkPlaces(double left, double right, double top, double bottom)
-      : left_(left), right_(right), top_(top), bottom_(bottom) {}
+  MarkPlaces(double right, double top, double bottom) : right_(right), top_(top), bottom_(bottom) {}
 
   struct Label {
     PlotPoint at;        ///< of the text's baseline
@@ -31,7 +30,7 @@ class MarkPlaces {
   struct Box {
     double left, right, bottom;
   };
-  double left_, right_, top_, bottom_;
+  double right_, top_, bottom_;
   std::vector<Box> taken_;
 };
 

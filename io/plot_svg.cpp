@@ -124,8 +124,9 @@ class PlotWriter {
 
   void WriteLegend() {
     for (int joint = 0; joint < 6; ++joint) {
+      const int row = joint / Columns();
       const double x = kLeft + (right_ - kLeft) / Columns() * (joint % Columns());
-      const double y = LegendTop() + kLine * (joint / Columns() + 0.5);
+      const double y = LegendTop() + kLine * (row + 0.5);
       const auto& [color, dashes] = StrokeOf(joint);
       svg_.Line({x, y}, {x + 30, y},
                 {{"stroke", color}, {"stroke-width", "1.8"}, {"stroke-dasharray", dashes}});
@@ -210,7 +211,7 @@ class PlotWriter {
 
   // A violation is a circle, a note a diamond.
   void WriteMarks(const PlotPanel& panel, const PlotScale& times, const PlotScale& values) {
-    MarkPlaces places(kLeft, right_, values.to, values.from);
+    MarkPlaces places(right_, values.to, values.from);
     for (const PlotMark& mark : panel.marks) {
       const PlotPoint at = {times.At(mark.time_s), values.At(mark.value)};
       const char* const shape = mark.violation ? "m-5 0a5 5 0 1 0 10 0a5 5 0 1 0 -10 0"  //

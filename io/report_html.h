@@ -17,10 +17,10 @@ constexpr size_t kMostReportSamples = 1000000;
 
 /// What a report shows.
 struct Report {
-  std::string tool;                        ///< who writes it, and in which version
-  std::string title;                       ///< what it is about
-  std::vector<ReportMotion> motions = {};  ///< up to two: the second is shown beside the first
-  nlohmann::ordered_json explanation = nullptr;  ///< why there is no motion, or how good it is
+  std::string tool;                         ///< who writes it, and in which version
+  std::string title;                        ///< what it is about
+  std::vector<ReportMotion> motions = {};   ///< up to two: the second is shown beside the first
+  nlohmann::ordered_json explanation = {};  ///< why there is no motion, or how good it is
 };
 
 /// @throw UsageError when motions are longer than a report can be
