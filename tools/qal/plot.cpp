@@ -102,7 +102,9 @@ void AddPlot(CLI::App& app, const SharedArm& arm) {
       "The curves are those of the report, and what is marked is the verdict of qal verify, by "
       "the\n"
       "same options: a circle where a limit is exceeded, a diamond where it is one that is but\n"
-      "assumed. docs/plot.md says what each plot shows.\n"
+      "assumed. docs/plot.md says what each plot shows. Limits are given in the units in "
+      "brackets,\n"
+      "--deg and --mm are for the picture.\n"
       "Exit status: 0 when the picture is written, whatever the verdict.\n"
       "Example: qal plot planned.csv -o planned.svg --deg --only angle,velocity,tool");
   plot->callback([arguments] { RunPlot(*arguments); });
