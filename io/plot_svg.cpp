@@ -5,13 +5,17 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <string_view>
 
 #include "plot_frame.h"
+#include "plot_text.h"
 #include "svg.h"
 
 namespace qal::io {
 
 namespace {
+
+constexpr const char* kSolid = "none";
 
 // How the joints are told apart, also without colours. M. Okabe and K. Ito, "Color universal
 // design", 2002: colours that the colour-blind tell apart; black is for what is no joint's.
@@ -19,13 +23,13 @@ struct Stroke {
   const char* color;
   const char* dashes;
 };
-constexpr std::array<Stroke, 6> kJoints = {{{"#0072b2", "none"},
+constexpr std::array<Stroke, 6> kJoints = {{{"#0072b2", kSolid},
                                             {"#d55e00", "7 2.5"},
                                             {"#009e73", "2 2"},
                                             {"#cc79a7", "9 2.5 2 2.5"},
                                             {"#e69f00", "4 1.5"},
                                             {"#56b4e9", "12 2.5 2 2 2 2.5"}}};
-constexpr Stroke kOther = {"#000", "none"};
+constexpr Stroke kOther = {"#000", kSolid};
 constexpr const char* kMarkColor = "#b00020";
 
 Stroke StrokeOf(int joint) { return joint < 0 ? kOther : kJoints[static_cast<size_t>(joint)]; }
@@ -36,50 +40,6 @@ constexpr double kPanel = 132;  // [px] high
 constexpr double kGap = 34;     // [px] between panels, for a title
 constexpr int kWide = 640;      // [px] where limits fit beside the titles
 constexpr double kLine = 16;    // [px] of text
-
-// "limits ±49.6 (1-3), ±59.4 (4-6)".
-std::string JointsText(const std::vector<int>& joints) {
-  std::string text;
-  for (size_t i = 0; i < joints.size();) {
-    size_t last = i;
-    while (last + 1 < joints.size() && joints[last + 1] == joints[last] + 1) ++last;
-    text += fmt::format("{}{}", text.empty() ? "" : ", ", joints[i] + 1);
-    if (last > i) text += fmt::format("{}{}", last > i + 1 ? "\u2013" : ", ", joints[last] + 1);
-    i = last + 1;
-  }
-  return text;
-}
-
-std::string ValueText(double value) {
-  return fmt::format("{}{:.4g}", value < 0 ? "\u2212" : "", std::fabs(value));
-}
-
-bool Mirrored(const PlotLimit& a, const PlotLimit& b) {
-  return a.joints == b.joints && a.assumed == b.assumed && a.value == -b.value && a.value != 0;
-}
-
-std::string LimitsText(const PlotPanel& panel) {
-  std::string text;
-  size_t said = 0;
-  for (size_t i = 0; i < panel.limits.size(); ++i) {
-    const PlotLimit& limit = panel.limits[i];
-    const auto mirrors = [&limit](const PlotLimit& other) { return Mirrored(limit, other); };
-    const auto begin = panel.limits.begin();
-    const auto here = begin + static_cast<std::ptrdiff_t>(i);
-    if (limit.joints.empty() && limit.value == 0) continue;  // no number is needed
-    if (std::any_of(begin, here, mirrors)) continue;         // said with the other one
-    const bool both = std::any_of(here, panel.limits.end(), mirrors);
-    text += fmt::format("{}{}{}", text.empty() ? "" : ", ", both ? "\u00b1" : "",
-                        ValueText(both ? std::fabs(limit.value) : limit.value));
-    ++said;
-    if (!limit.joints.empty() && limit.joints.size() < kJoints.size()) {
-      text += fmt::format(" ({})", JointsText(limit.joints));
-    }
-    if (limit.assumed) text += " assumed";
-  }
-  if (said > 0) text.insert(0, said == 1 ? "limit " : "limits ");
-  return text;
-}
 
 class PlotWriter {
  public:
@@ -205,7 +165,7 @@ class PlotWriter {
                        {"stroke", color},
                        {"stroke-width", "1.4"},
                        {"stroke-linejoin", "round"},
-                       {"stroke-linecap", dashes == kOther.dashes ? "round" : "butt"},
+                       {"stroke-linecap", std::string_view(dashes) == kSolid ? "round" : "butt"},
                        {"stroke-dasharray", dashes}});
   }
 

@@ -171,7 +171,8 @@ TEST_F(Output, OfVersionAndHelpGoesToStandardOutput) {
   EXPECT_EQ("qal 1.0.0\narm: reference arm (built in), spherical wrist, hash qal-reference-arm-1\n",
             Qal("--version").out);
   EXPECT_EQ(Qal("--help").out, Qal("help").out);
-  for (const std::string command : {"fk", "ik", "jog", "line", "joint", "convert", "verify", "report", "plot"}) {
+  for (const std::string command :
+       {"fk", "ik", "jog", "line", "joint", "convert", "verify", "report", "plot"}) {
     const ToolRun help = Qal("help " + command);
     EXPECT_EQ(help.out, Qal(command + " --help").out);
     EXPECT_EQ(0, help.status);
