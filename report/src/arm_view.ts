@@ -38,7 +38,11 @@ export class ArmView {
   }
 
   /** Where the description's tool is, by the joints. */
+  toolPlacement(): Matrix4 {
+    return new Matrix4().multiplyMatrices(this.placements[6] as Matrix4, this.tool);
+  }
+
   toolPosition(): Vector3 {
-    return new Vector3().setFromMatrixPosition(this.tool).applyMatrix4(this.placements[6] as Matrix4);
+    return new Vector3().setFromMatrixPosition(this.toolPlacement());
   }
 }

@@ -119,6 +119,8 @@ export interface Remedy {
   readonly kind: string;
   readonly text: string;
   readonly command: string | null;
+  /** Lines for a program or an arm's file. */
+  readonly keys?: string | null;
 }
 
 export interface Branch {
@@ -137,6 +139,8 @@ export interface Explanation {
   readonly cause: string | null;
   readonly text: readonly string[];
   readonly point: FailingPoint | null;
+  /** The joints from which the failing point is sought. */
+  readonly before_rad?: readonly number[] | null;
   readonly path_m: readonly Triple[];
   readonly solutions: readonly Solution[];
   readonly remedies: readonly Remedy[];

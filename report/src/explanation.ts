@@ -3,7 +3,7 @@
 import type { Branch, Explanation, FailingPoint, Remedy, Solution } from './data';
 import { byId, el, icon, kIcons } from './dom';
 import type { Display } from './state';
-import { fixed, quantity, seconds, shown } from './units';
+import { fixed, quantity, seconds, sentence, shown } from './units';
 
 function anglesText(joints: readonly number[], display: Display): string {
   const unit = shown('rad', display.units.get());
@@ -17,25 +17,30 @@ function toggle(display: Display, i: number): void {
   display.solutions.set(shown_now);
 }
 
+// Shows ghost `i` of the scene, or hides it.
+function ghostButton(i: number, text: string, label: string, display: Display): HTMLButtonElement {
+  const button = el('button', { type: 'button', class: 'show', 'data-ghost': String(i), 'aria-label': label, title: label }, text);
+  const press = (): void => button.setAttribute('aria-pressed', String(display.solutions.get().has(i)));
+  press();
+  display.solutions.on(press);
+  button.addEventListener('click', () => toggle(display, i));
+  return button;
+}
+
 function solutionRow(solution: Solution, i: number, display: Display): HTMLTableRowElement {
-  const button = el('button', { type: 'button', class: 'show', 'data-solution': String(i) },
-                    `Solution ${i + 1}`);
-  const angles = el('td', { class: 'angles' });
+  const angles = el('span', { class: 'angles' });
   const distance = el('td', { class: 'number' });
   const fill = (): void => {
     angles.textContent = anglesText(solution.joints_rad, display);
     distance.textContent = quantity(solution.distance_rad, 'rad', display.units.get());
   };
-  const press = (): void => button.setAttribute('aria-pressed', String(display.solutions.get().has(i)));
   fill();
-  press();
   display.units.on(fill);
-  display.solutions.on(press);
-  button.addEventListener('click', () => toggle(display, i));
   const ok = solution.refused === null;
-  return el('tr', {}, el('td', {}, button), el('td', {}, solution.branch ?? '–'), angles, distance,
-            el('td', { class: 'why', 'data-state': ok ? 'ok' : 'violation' }, icon(ok ? kIcons.ok : kIcons.violation),
-               solution.refused ?? 'admissible'));
+  const why = el('span', { class: 'why', 'data-state': ok ? 'ok' : 'violation' }, icon(ok ? kIcons.ok : kIcons.violation),
+                 solution.refused ?? 'admissible');
+  return el('tr', {}, el('td', {}, ghostButton(i, String(i + 1), `Show solution ${i + 1}`, display)),
+            el('td', {}, solution.branch ?? 'solution', angles, why), distance);
 }
 
 // Where it fails, and how far that is.
@@ -61,7 +66,7 @@ function placeOf(point: FailingPoint, display: Display, go: (t: number) => void)
 }
 
 function heading(...names: string[]): HTMLTableSectionElement {
-  return el('thead', {}, el('tr', {}, ...names.map((name) => el('th', { scope: 'col' }, name))));
+  return el('thead', {}, el('tr', {}, ...names.map((name, i) => el('th', { scope: 'col', class: i < 2 ? '' : 'number' }, name))));
 }
 
 function scrolled(table: HTMLTableElement, name: string): HTMLElement {
@@ -74,24 +79,28 @@ function solutionsOf(explanation: Explanation, display: Display): HTMLElement[] 
   const none = el('button', { type: 'button', class: 'plain' }, 'None');
   all.addEventListener('click', () => display.solutions.set(new Set(explanation.solutions.keys())));
   none.addEventListener('click', () => display.solutions.set(new Set()));
-  const table = el('table', {}, heading('', 'Branch', 'Joints 1 to 6', 'Distance', 'Why'),
+  const table = el('table', {}, heading('', 'Branch, joints 1 to 6, and why', 'Distance'),
                    el('tbody', {}, ...explanation.solutions.map((s, i) => solutionRow(s, i, display))));
   return [el('h3', {}, explanation.ok ? 'Solutions' : 'Solutions at the failing point', el('span', { class: 'buttons' }, all, none)),
           scrolled(table, 'Solutions at the failing point')];
 }
 
 function remedyOf(remedy: Remedy): HTMLLIElement {
-  return el('li', {}, remedy.text, remedy.command === null ? null : el('code', {}, remedy.command));
+  // The text may quote the keys already.
+  const keys = remedy.keys && !remedy.text.includes(remedy.keys) ? remedy.keys : null;
+  const code = [remedy.command, keys].filter((text) => text !== null);
+  return el('li', {}, sentence(remedy.text), ...code.map((text) => el('code', {}, text)));
 }
 
-function branchRow(branch: Branch, display: Display): HTMLTableRowElement {
+function branchRow(branch: Branch, ghost: number, display: Display): HTMLTableRowElement {
   const margin = el('td', { class: 'number' });
   const fill = (): void => { margin.textContent = quantity(branch.margin_rad, 'rad', display.units.get()); };
   fill();
   display.units.on(fill);
-  return el('tr', {}, el('td', { 'data-state': branch.ok ? 'ok' : 'violation' },
-                         icon(branch.ok ? kIcons.ok : kIcons.violation), branch.branch ?? '–'),
-            el('td', {}, branch.text),
+  return el('tr', {}, el('td', {}, ghostButton(ghost, 'Show', 'Show where this branch starts', display)),
+            el('td', {}, branch.branch ?? '–',
+               el('span', { class: 'why', 'data-state': branch.ok ? 'ok' : 'violation' },
+                  icon(branch.ok ? kIcons.ok : kIcons.violation), branch.text)),
             el('td', { class: 'number' }, quantity(branch.duration_s, 's', 'si')), margin,
             el('td', { class: 'number' }, quantity(branch.singular_value, '', 'si')));
 }
@@ -102,17 +111,17 @@ export function showExplanation(explanation: Explanation, display: Display, go: 
   // The admissible solutions and the nearest of the others: where a reader looks first.
   const first = explanation.solutions.findIndex((s) => s.refused === null);
   if (explanation.solutions.length > 0) display.solutions.set(new Set([Math.max(first, 0)]));
-  if (explanation.text.length > 0) {
-    host.append(el('div', { class: 'prose' }, ...explanation.text.map((line) => el('p', {}, line))));
-  }
+  // The headline is in the verdict already.
+  const text = explanation.text.filter((line) => line !== explanation.headline);
+  if (text.length > 0) host.append(el('div', { class: 'prose' }, ...text.map((line) => el('p', {}, sentence(line)))));
   if (explanation.point && !explanation.ok) host.append(placeOf(explanation.point, display, go));
   host.append(...solutionsOf(explanation, display));
   if (explanation.remedies.length > 0) {
     host.append(el('h3', {}, 'What would help'), el('ul', { class: 'remedies' }, ...explanation.remedies.map(remedyOf)));
   }
   if (explanation.branches.length > 0) {
-    const table = el('table', {}, heading('Branch', 'How it goes', 'Duration', 'Margin', 'Singular value'),
-                     el('tbody', {}, ...explanation.branches.map((branch) => branchRow(branch, display))));
+    const table = el('table', {}, heading('', 'Branch, and how it goes', 'Duration', 'Margin', 'Singular value'),
+                     el('tbody', {}, ...explanation.branches.map((branch, i) => branchRow(branch, explanation.solutions.length + i, display))));
     host.append(el('h3', {}, 'Branches'), scrolled(table, 'Branches'));
   }
 }

@@ -77,7 +77,7 @@ export function jointsTable(report: Report, display: Display, playback: Playback
       });
       const share = rangeOf(report.arm.joints[i] as Joint, q);
       row.knob.hidden = share === null;
-      row.knob.style.left = `${100 * (share ?? 0)}%`;
+      row.knob.style.transform = `translateX(${100 * (share ?? 0)}%)`;
     });
     const length = shown('m', units);
     const speed = shown('m/s', units);

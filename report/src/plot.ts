@@ -163,7 +163,8 @@ export class Plot {
     return x >= -0.5 && x <= clientWidth + 0.5 ? offsetLeft + x : null;
   }
 
-  private resize(): void {
+  /** As wide as there is room. */
+  resize(): void {
     // Not shown, as on paper.
     if (this.host.clientWidth === 0) return;
     this.setSize(Math.max(this.host.clientWidth, kNarrowest), kHeight);

@@ -37,6 +37,7 @@ export class Plots {
     byId('zoom-in').addEventListener('click', () => this.zoomBy(0.5));
     byId('zoom-out').addEventListener('click', () => this.zoomBy(2));
     byId('zoom-all').addEventListener('click', () => this.zoom(-Infinity, Infinity));
+    for (const plot of this.plots) plot.resize();
     this.update();
   }
 

@@ -118,14 +118,15 @@ export class RobotScene {
     if (!explanation) return;
     this.addLine(plainLine(explanation.path_m, '#c65a4d', 2.5, 0.014 * size), this.stage.scene);
     if (explanation.point && !explanation.ok) this.marks.add('failure', new Vector3(...explanation.point.position_m));
-    explanation.solutions.forEach((solution) => {
-      const view = new ArmView(this.report.arm, this.geometries,
-                               ghostMaterial(solution.refused === null ? kPossible : kRefused), false);
-      view.setJoints(solution.joints_rad);
+    const ghosts = [...explanation.solutions.map((s) => ({ joints: s.joints_rad, ok: s.refused === null })),
+                    ...explanation.branches.map((b) => ({ joints: b.joints_rad, ok: b.ok }))];
+    for (const { joints, ok } of ghosts) {
+      const view = new ArmView(this.report.arm, this.geometries, ghostMaterial(ok ? kPossible : kRefused), false);
+      view.setJoints(joints);
       view.group.visible = false;
       this.solutions.push(view);
       this.stage.scene.add(view.group);
-    });
+    }
   }
 
   /** Around the arm in all its poses, the ways, and what was asked for. */
@@ -146,8 +147,8 @@ export class RobotScene {
     const explanation = this.report.explanation;
     for (const point of explanation?.path_m ?? []) box.expandByPoint(new Vector3(...point));
     if (explanation?.point) box.expandByPoint(new Vector3(...explanation.point.position_m));
-    for (const solution of explanation?.solutions ?? []) add(solution.joints_rad);
-    if (this.report.motions.length === 0) add(explanation?.solutions[0]?.joints_rad ?? [0, 0, 0, 0, 0, 0]);
+    for (const { joints_rad } of [...(explanation?.solutions ?? []), ...(explanation?.branches ?? [])]) add(joints_rad);
+    if (this.report.motions.length === 0) add(this.standing() ?? [0, 0, 0, 0, 0, 0]);
     this.extent = Math.max(box.getSize(new Vector3()).length(), 1e-3);
     return box;
   }
@@ -191,18 +192,25 @@ export class RobotScene {
     this.stage.request();
   }
 
-  // Nothing moves: the arm stands in an admissible solution, if there is one, the tool frame where it
-  // was asked for.
-  private standStill(): void {
+  // Where the arm stands when nothing moves: in an admissible solution, or where one was sought from.
+  private standing(): readonly number[] | null {
     const explanation = this.report.explanation;
-    const solution = explanation?.solutions.find((s) => s.refused === null);
-    this.arm.group.visible = solution !== undefined;
-    this.arm.setJoints(solution?.joints_rad ?? [0, 0, 0, 0, 0, 0]);
-    const point = explanation?.point;
+    return explanation?.solutions.find((s) => s.refused === null)?.joints_rad ?? explanation?.before_rad ?? null;
+  }
+
+  private standStill(): void {
+    const standing = this.standing();
+    this.arm.group.visible = standing !== null;
+    this.arm.setJoints(standing ?? [0, 0, 0, 0, 0, 0]);
+    const point = this.report.explanation?.point;
     if (point) {
       const [w, x, y, z] = point.wxyz;
       this.setTool(new Vector3(...point.position_m), new Quaternion(x, y, z, w));
+    } else {
+      const tool = this.arm.toolPlacement();
+      this.setTool(new Vector3().setFromMatrixPosition(tool), new Quaternion().setFromRotationMatrix(tool));
     }
+    // The point isn't where this arm's tool is: no rod leads there.
     this.rod.visible = false;
   }
 

@@ -140,6 +140,7 @@ export class Stage {
     this.coarse = coarse;
     this.slow = 0;
     this.sun.castShadow = !coarse;
+    this.host.dataset['quality'] = coarse ? 'coarse' : 'fine';
     this.onCoarse(coarse);
     this.renderer.setPixelRatio(coarse ? kCoarseRatio : this.ratio);
     this.request();

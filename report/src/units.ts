@@ -51,3 +51,7 @@ export function quantity(value: number | null, unit: string, system: UnitSystem)
 export function seconds(value: number): string {
   return `${fixed(value, 3)} s`;
 }
+
+export function sentence(text: string): string {
+  return text.charAt(0).toUpperCase() + text.slice(1);
+}

@@ -6,7 +6,7 @@ import type { Check, CheckState, Motion, Report } from './data';
 import { byId, el, icon, kIcons } from './dom';
 import type { Playback } from './playback';
 import type { Display } from './state';
-import { seconds } from './units';
+import { seconds, sentence } from './units';
 
 const kStateWord: Readonly<Record<CheckState, string>> = {
   ok: 'within', violation: 'violated', note: 'note', measured: 'measured',
@@ -17,10 +17,6 @@ const kOrigins: Readonly<Record<string, string>> = {
 };
 
 type Go = (check: Check) => void;
-
-function sentence(text: string): string {
-  return text.charAt(0).toUpperCase() + text.slice(1);
-}
 
 function placeText(check: Check): string {
   if (!hasPlace(check)) return '';

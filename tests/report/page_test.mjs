@@ -3,7 +3,7 @@
 import assert from 'node:assert/strict';
 import { statSync, readFileSync, writeFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
-import { changed, clock, drawn, pixels, planned, projected, qal, rows, screenshot, scrubTo, source, start, stop,
+import { changed, clock, drawn, fine, pixels, planned, projected, qal, rows, screenshot, scrubTo, source, start, stop,
          withPage, work } from './support.mjs';
 
 const kToolColor = [0, 184, 165];
@@ -50,8 +50,9 @@ for (const [arm] of kArms) {
           assert.equal(await page.locator('html').getAttribute('data-state'), 'ready');
           assert.equal(await page.locator('html').getAttribute('data-theme'), colorScheme);
           await scrubTo(page, 0.6);
+          await fine(page);
           await screenshot(page, `${arm}_${width}_${colorScheme}`, width < 1000);
-          assert.ok(await page.evaluate(() => window.shifts) < 0.001, 'the layout shifts');
+          assert.deepEqual(await page.evaluate(() => window.shifts), [], 'the layout shifts');
           assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= window.innerWidth), 'it is too wide');
         });
       });
@@ -62,7 +63,7 @@ for (const [arm] of kArms) {
 test('draws a picture for the documents', async () => {
   await withPage(made.seam, { viewport: { width: 1400, height: 1040 } }, async (page) => {
     await scrubTo(page, 0.63);
-    await page.waitForTimeout(400);
+    await fine(page);
     await screenshot(page, 'report');
     assert.ok((await pixels(page, '#scene', [255, 255, 255])).count > 200, 'no corners are seen');
   });
@@ -295,10 +296,11 @@ test('shows a second motion as a ghost', async () => {
     await scrubTo(page, 0.002);
     const ghost = page.locator('#ghost');
     assert.equal(await ghost.getAttribute('aria-pressed'), 'true');
+    await fine(page);
     const both = await page.locator('#scene').screenshot();
     await screenshot(page, 'two_motions');
     await page.keyboard.press('g');
-    await drawn(page);
+    await fine(page);
     assert.equal(await ghost.getAttribute('aria-pressed'), 'false');
     assert.ok(!both.equals(await page.locator('#scene').screenshot()), 'the picture is the same without the ghost');
     assert.equal(await page.locator('#verdict .headline').count(), 2);
@@ -326,9 +328,10 @@ test('explains: the failing point, its solutions as ghosts, and why', async () =
     const shown = page.locator('button.show');
     assert.equal(await shown.count(), found.length);
     assert.match(await page.locator('#explanation').textContent(), /beyond its range by 0\.2 rad/);
+    await fine(page);
     const one = await page.locator('#scene').screenshot();
     await shown.nth(1).click();
-    await drawn(page);
+    await fine(page);
     assert.equal(await shown.nth(1).getAttribute('aria-pressed'), 'true');
     assert.ok(!one.equals(await page.locator('#scene').screenshot()), 'no ghost is drawn');
     const at = await projected(page, [0.35, 0, 0.7]);

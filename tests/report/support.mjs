@@ -64,9 +64,12 @@ export async function withPage(html, options, use) {
   page.on('pageerror', (error) => said.push(error.message));
   page.on('request', (request) => { if (!request.url().startsWith('file:')) said.push(`asked for ${request.url()}`); });
   await page.addInitScript(() => {
-    window.shifts = 0;
-    new PerformanceObserver((list) => { for (const e of list.getEntries()) window.shifts += e.value; })
-      .observe({ type: 'layout-shift', buffered: true });
+    window.shifts = [];
+    new PerformanceObserver((list) => {
+      for (const shift of list.getEntries()) {
+        window.shifts.push(...shift.sources.map(({ node }) => node?.id || node?.className || node?.parentNode?.id));
+      }
+    }).observe({ type: 'layout-shift', buffered: true });
   });
   await page.goto(pathToFileURL(html).href);
   await page.waitForFunction(() => document.documentElement.dataset.state !== undefined);
@@ -110,15 +113,22 @@ export async function projected(page, [x, y, z]) {
   return [(0.5 + at[0] / at[3] / 2) * width, (0.5 - at[1] / at[3] / 2) * height];
 }
 
+/** Where the machine can't keep up, what stands still is drawn finely a moment later. */
+export async function fine(page) {
+  await page.waitForFunction(() => document.querySelector('#scene').dataset.quality !== 'coarse');
+  await drawn(page);
+}
+
 /**
  * Middle and number of the pixels of one colour, [r, g, b] to `within`, in a part of the page; near
  * [x, y, radius].
  */
 export async function pixels(page, selector, color, near = [0, 0, 1e9], within = 10) {
-  // Where the machine can't keep up, what stands still is drawn finely a moment later.
-  await page.waitForTimeout(400);
+  await fine(page);
   const png = await page.locator(selector).screenshot();
-  return page.evaluate(async ({ data, color, near, within }) => {
+  // The picture begins at a whole pixel of the page, the part of the page perhaps between two.
+  const box = await page.locator(selector).boundingBox();
+  const seen = await page.evaluate(async ({ data, color, near, within }) => {
     const image = new Image();
     image.src = `data:image/png;base64,${data}`;
     await image.decode();
@@ -138,4 +148,5 @@ export async function pixels(page, selector, color, near = [0, 0, 1e9], within =
     }
     return { count, x: x / count, y: y / count };
   }, { data: png.toString('base64'), color, near, within });
+  return { count: seen.count, x: seen.x - (box.x % 1), y: seen.y - (box.y % 1) };
 }
