@@ -7,6 +7,8 @@ import { borders, timesOf, valuesOf } from './decimate';
 import type { Column } from './decimate';
 import { el } from './dom';
 import type { Quantity } from './quantities';
+import { PlotOverlay } from './plot_overlay';
+import type { OverlaidPlot } from './plot_overlay';
 import { limitsText } from './quantities';
 import { nearestSample } from './sampling';
 import type { Display } from './state';
@@ -25,8 +27,6 @@ const kNarrowest = 220;
 const kPaper = { width: 500, height: 190 };
 /** A limit is in the picture once the values come as near as this share of it. */
 const kNearLimit = 0.45;
-/** Steps beyond which their lines hide what they are to divide. */
-const kMostSteps = 40;
 const kSync = uPlot.sync('time');
 
 function tickText(value: number): string {
@@ -35,18 +35,18 @@ function tickText(value: number): string {
   return text.replaceAll('-', '−');
 }
 
-export class Plot {
+export class Plot implements OverlaidPlot {
   readonly figure: HTMLElement;
   private readonly caption = el('figcaption');
   private readonly host = el('div', { class: 'plot-host' });
   private readonly tip = el('div', { class: 'plot-tip', hidden: '' });
   private readonly chart: uPlot;
-  private readonly lines: number;
-  private factor = 1;
-  private low = 0;
-  private high = 1;
+  readonly lines: number;
+  factor = 1;
+  low = 0;
+  high = 1;
 
-  constructor(private readonly quantity: Quantity, private readonly context: PlotContext) {
+  constructor(readonly quantity: Quantity, readonly context: PlotContext) {
     this.lines = quantity.per_joint ? 6 : 1;
     this.figure = el('figure', { class: 'plot', 'data-plot': quantity.key }, this.caption, this.host);
     this.chart = new uPlot(this.options(), [[0, 1]] as unknown as uPlot.AlignedData, this.host);
@@ -75,7 +75,7 @@ export class Plot {
                 y: false, points: { show: false },
                 drag: { x: true, y: false, setScale: false, dist: 6 } },
       hooks: {
-        draw: [() => this.drawOver()],
+        draw: [(u) => new PlotOverlay(this, u).draw()],
         setSelect: [(u) => this.selected(u)],
         setCursor: [() => this.hover()],
         ready: [(u) => this.clicks(u)],
@@ -93,12 +93,12 @@ export class Plot {
     }));
   }
 
-  private color(line: number): string {
+  color(line: number): string {
     const palette = this.context.palette();
     return this.quantity.per_joint ? (palette.joints[line] as string) : palette.line;
   }
 
-  private visible(line: number, motion: number): boolean {
+  visible(line: number, motion: number): boolean {
     if (motion > 0 && !this.context.display.ghost.get()) return false;
     return !this.quantity.per_joint || !this.context.display.hidden.get().has(line);
   }
@@ -132,7 +132,7 @@ export class Plot {
     return [times, ...values] as uPlot.AlignedData;
   }
 
-  private bounds(): Quantity['bounds'] {
+  bounds(): Quantity['bounds'] {
     return this.quantity.bounds.filter((b) => b.joint === null || this.visible(b.joint, 0));
   }
 
@@ -218,95 +218,6 @@ export class Plot {
     this.tip.hidden = false;
     this.tip.classList.toggle('to-left', left > this.chart.over.clientWidth / 2);
     this.tip.style.left = `${left}px`;
-  }
-
-  private drawOver(): void {
-    const { ctx } = this.chart;
-    ctx.save();
-    ctx.beginPath();
-    ctx.rect(this.chart.bbox.left, this.chart.bbox.top, this.chart.bbox.width, this.chart.bbox.height);
-    ctx.clip();
-    this.drawSteps(ctx);
-    this.drawBounds(ctx);
-    this.drawViolations(ctx);
-    if (this.quantity.per_joint) this.drawNumbers(ctx);
-    ctx.restore();
-  }
-
-  private drawSteps(ctx: CanvasRenderingContext2D): void {
-    const { top, height } = this.chart.bbox;
-    ctx.fillStyle = this.context.palette().muted;
-    ctx.globalAlpha = 0.3;
-    const [begin, end] = this.context.display.span.get();
-    const steps = (this.context.motions[0]?.steps ?? []).filter((s) => s.begin_s >= begin && s.begin_s <= end);
-    for (const step of steps.length <= kMostSteps ? steps : []) {
-      ctx.fillRect(this.chart.valToPos(step.begin_s, 'x', true), top, uPlot.pxRatio, height);
-    }
-    ctx.globalAlpha = 1;
-  }
-
-  private drawBounds(ctx: CanvasRenderingContext2D): void {
-    const { left, width } = this.chart.bbox;
-    const px = uPlot.pxRatio;
-    ctx.strokeStyle = this.context.palette().limit;
-    ctx.lineWidth = px;
-    ctx.setLineDash([6 * px, 4 * px]);
-    for (const value of new Set(this.bounds().map((bound) => bound.value * this.factor))) {
-      if (value < this.low || value > this.high) continue;
-      const y = Math.round(this.chart.valToPos(value, 'y', true)) + 0.5;
-      ctx.beginPath();
-      ctx.moveTo(left, y);
-      ctx.lineTo(left + width, y);
-      ctx.stroke();
-    }
-    ctx.setLineDash([]);
-  }
-
-  private drawViolations(ctx: CanvasRenderingContext2D): void {
-    const px = uPlot.pxRatio;
-    const { top, height } = this.chart.bbox;
-    ctx.fillStyle = this.context.palette().limit;
-    for (const check of this.context.motions[0]?.verdict.checks ?? []) {
-      if (check.state !== 'violation' || check.time_s === null || !this.quantity.matches(check)) continue;
-      const x = this.chart.valToPos(check.time_s, 'x', true);
-      ctx.globalAlpha = 0.5;
-      ctx.fillRect(x - 0.5 * px, top, px, height);
-      ctx.globalAlpha = 1;
-      ctx.beginPath();
-      ctx.moveTo(x - 6 * px, top);
-      ctx.lineTo(x + 6 * px, top);
-      ctx.lineTo(x, top + 9 * px);
-      ctx.fill();
-    }
-  }
-
-  // Each line bears its joint's number, so that colour isn't all that tells it apart.
-  private drawNumbers(ctx: CanvasRenderingContext2D): void {
-    const motion = this.context.motions[0];
-    if (!motion) return;
-    const px = uPlot.pxRatio;
-    const source = this.quantity.source(motion);
-    const [begin, end] = this.context.display.span.get();
-    ctx.font = `700 ${9 * px}px system-ui, sans-serif`;
-    ctx.textAlign = 'center';
-    ctx.textBaseline = 'middle';
-    for (let line = 0; line < this.lines; line++) {
-      if (!this.visible(line, 0)) continue;
-      const i = nearestSample(source.time_s, begin + (end - begin) * (line + 0.5) / this.lines);
-      const value = (source.values[i * source.width + line] as number) * this.factor;
-      if (!Number.isFinite(value)) continue;
-      const x = this.chart.valToPos(source.time_s[i] as number, 'x', true);
-      const y = this.chart.valToPos(value, 'y', true);
-      ctx.beginPath();
-      ctx.arc(x, y, 6.5 * px, 0, 2 * Math.PI);
-      ctx.fillStyle = this.color(line);
-      ctx.fill();
-      ctx.strokeStyle = this.context.palette().surface;
-      ctx.lineWidth = 1.5 * px;
-      ctx.stroke();
-      ctx.fillStyle = this.context.palette().surface;
-      ctx.fillText(String(line + 1), x, y + 0.5 * px);
-    }
   }
 
   private describe(unit: string): void {
