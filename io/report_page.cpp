@@ -3,8 +3,14 @@
 namespace qal::io {
 
 std::string_view ReportPage() {
-  return "<!doctype html>\n<meta charset=\"utf-8\">\n<title>qal report</title>\n"
-         "<script type=\"application/json\" id=\"report-data\">@QAL_REPORT_DATA@</script>\n";
+#ifdef QAL_HAS_REPORT_PAGE
+  static constexpr char kPage[] =
+#include "report_page_text.inc"
+      ;
+  return {kPage, sizeof kPage - 1};
+#else
+  return {};
+#endif
 }
 
 }  // namespace qal::io

@@ -1,0 +1,44 @@
+// One arm in the scene: seven links, each moved by its own matrix.
+
+import { Group, Material, Matrix4, Mesh, MeshStandardMaterial, Vector3 } from 'three';
+import type { BufferGeometry } from 'three';
+import type { Arm } from './data';
+import { newPlacements, placeLinks, toolAtZero } from './kinematics';
+
+export function solidMaterial(): Material {
+  return new MeshStandardMaterial({ vertexColors: true, roughness: 0.55, metalness: 0.08 });
+}
+
+/** Where a ghost coincides with the arm, the arm is seen. */
+export function ghostMaterial(color: string): MeshStandardMaterial {
+  return new MeshStandardMaterial({ color, transparent: true, opacity: 0.32, depthWrite: false, roughness: 0.9,
+                                    polygonOffset: true, polygonOffsetFactor: 2, polygonOffsetUnits: 2 });
+}
+
+export class ArmView {
+  readonly group = new Group();
+  private readonly placements = newPlacements();
+  private readonly tool: Matrix4;
+
+  constructor(private readonly arm: Arm, geometries: readonly BufferGeometry[], material: Material, shadow: boolean) {
+    this.tool = toolAtZero(arm);
+    geometries.forEach((geometry, i) => {
+      const mesh = new Mesh(geometry, material);
+      mesh.matrixAutoUpdate = false;
+      mesh.matrix = this.placements[i] as Matrix4;
+      mesh.castShadow = shadow;
+      mesh.frustumCulled = false;
+      this.group.add(mesh);
+    });
+  }
+
+  setJoints(joints: ArrayLike<number>): void {
+    placeLinks(this.arm.axes, joints, this.placements);
+    for (const mesh of this.group.children) mesh.matrixWorldNeedsUpdate = true;
+  }
+
+  /** Where the description's tool is, by the joints. */
+  toolPosition(): Vector3 {
+    return new Vector3().setFromMatrixPosition(this.tool).applyMatrix4(this.placements[6] as Matrix4);
+  }
+}

@@ -1,0 +1,34 @@
+// On paper: light, the scene and the plots as pictures, every check unfolded.
+
+import { byId, el } from './dom';
+import type { Plots } from './plots';
+import type { RobotScene } from './robot_scene';
+import type { Themes } from './theme';
+
+function picture(source: string, text: string): HTMLImageElement {
+  return el('img', { class: 'printed', src: source, alt: text });
+}
+
+export function printing(themes: Themes, plots: Plots | null, scene: RobotScene | null): void {
+  let folded: HTMLDetailsElement[] = [];
+  let under_way = false;
+  const before = (): void => {
+    if (under_way) return;
+    under_way = true;
+    themes.print(true);
+    if (scene) byId('scene').append(picture(scene.stage.image(), 'The arm at the moment that is shown'));
+    for (const plot of plots?.plots ?? []) plot.figure.append(picture(plot.image(), plot.figure.innerText));
+    folded = [...document.querySelectorAll<HTMLDetailsElement>('#verdict details:not([open])')];
+    for (const details of folded) details.open = true;
+  };
+  const after = (): void => {
+    if (!under_way) return;
+    under_way = false;
+    document.querySelectorAll('img.printed').forEach((image) => image.remove());
+    for (const details of folded) details.open = false;
+    themes.print(false);
+  };
+  window.addEventListener('beforeprint', before);
+  window.addEventListener('afterprint', after);
+  window.matchMedia('print').addEventListener('change', (query) => (query.matches ? before() : after()));
+}
