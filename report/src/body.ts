@@ -34,11 +34,11 @@ function between(geometry: BufferGeometry, a: Vector3, b: Vector3): BufferGeomet
 
 function tube(a: Vector3, b: Vector3, from: number, to: number, color: Color): BufferGeometry[] {
   if (a.distanceTo(b) < 1e-6) return [];
-  return [painted(between(new CylinderGeometry(to, from, a.distanceTo(b), 28, 1), a, b), color)];
+  return [painted(between(new CylinderGeometry(to, from, a.distanceTo(b), 24, 1), a, b), color)];
 }
 
 function ball(at: Vector3, radius: number, color: Color): BufferGeometry {
-  return painted(new SphereGeometry(radius, 28, 16).translate(at.x, at.y, at.z), color);
+  return painted(new SphereGeometry(radius, 20, 12).translate(at.x, at.y, at.z), color);
 }
 
 /** A drum about a joint's axis with a ring of the joint's colour at either end. */

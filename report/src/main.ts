@@ -128,9 +128,12 @@ function show(report: Report): void {
     toggleTheme: () => chosen.toggle(),
     zoomPlots: (factor) => (factor === Infinity ? plots?.zoom(-Infinity, Infinity) : plots?.zoomBy(factor)),
   });
+  let frames = 0;
   const frame = (now_ms: number): void => {
     playback.frame(now_ms);
-    scene?.stage.draw(playback.playing.get());
+    scene?.stage.draw(now_ms);
+    // The frame after the first that was drawn: for how long it takes to open.
+    if (++frames === 2) performance.mark('qal-first-picture');
     requestAnimationFrame(frame);
   };
   requestAnimationFrame(frame);

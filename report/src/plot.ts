@@ -36,7 +36,6 @@ export class Plot {
   readonly figure: HTMLElement;
   private readonly caption = el('figcaption');
   private readonly host = el('div', { class: 'plot-host' });
-  private readonly playhead = el('div', { class: 'playhead' });
   private readonly tip = el('div', { class: 'plot-tip', hidden: '' });
   private readonly chart: uPlot;
   private readonly lines: number;
@@ -48,7 +47,7 @@ export class Plot {
     this.lines = quantity.per_joint ? 6 : 1;
     this.figure = el('figure', { class: 'plot', 'data-plot': quantity.key }, this.caption, this.host);
     this.chart = new uPlot(this.options(), [[0, 1]] as unknown as uPlot.AlignedData, this.host);
-    this.chart.over.append(this.playhead, this.tip);
+    this.chart.over.append(this.tip);
     new ResizeObserver(() => this.resize()).observe(this.host);
   }
 
@@ -68,7 +67,9 @@ export class Plot {
         { ...axis, size: 58, gap: 6, values: (_, ticks) => ticks.map(tickText) },
       ],
       series: [{}, ...context.motions.flatMap((_, motion) => this.seriesOf(motion))],
-      cursor: { sync: { key: kSync.key }, y: false, points: { show: false },
+      // The line under the pointer is one for all plots; what is pressed is the plot's own.
+      cursor: { sync: { key: kSync.key, filters: { pub: (type) => type === 'mousemove' || type === 'mouseleave' } },
+                y: false, points: { show: false },
                 drag: { x: true, y: false, setScale: false, dist: 6 } },
       hooks: {
         draw: [() => this.drawOver()],
@@ -118,7 +119,6 @@ export class Plot {
       this.chart.setScale('x', { min: begin, max: end });
     });
     this.describe(unit.label);
-    this.setTime(this.now);
   }
 
   private table(motion: Motion, m: number, begin: number, end: number, columns: number): uPlot.AlignedData {
@@ -154,14 +154,11 @@ export class Plot {
     [this.low, this.high] = [low - (this.quantity.from === low ? 0 : room), high + room];
   }
 
-  private now = 0;
-
-  setTime(t: number): void {
-    this.now = t;
+  /** Where the time `t` is, from the left of the plot [px]; null: out of the picture. */
+  placeOf(t: number): number | null {
     const x = this.chart.valToPos(t, 'x');
-    const width = this.chart.over.clientWidth;
-    this.playhead.style.transform = `translateX(${x}px)`;
-    this.playhead.style.visibility = x >= -0.5 && x <= width + 0.5 ? 'visible' : 'hidden';
+    const { offsetLeft, clientWidth } = this.chart.over;
+    return x >= -0.5 && x <= clientWidth + 0.5 ? offsetLeft + x : null;
   }
 
   private resize(): void {
@@ -174,8 +171,9 @@ export class Plot {
   private clicks(u: uPlot): void {
     let from = 0;
     u.over.addEventListener('pointerdown', (event) => { from = event.clientX; });
-    u.over.addEventListener('click', (event) => {
-      if (Math.abs(event.clientX - from) > 5) return;
+    // Not "click": the chart keeps those after a drag to itself.
+    u.over.addEventListener('pointerup', (event) => {
+      if (event.button !== 0 || Math.abs(event.clientX - from) > 5) return;
       this.context.seek(u.posToVal(event.clientX - u.over.getBoundingClientRect().left, 'x'));
     });
     u.over.addEventListener('dblclick', () => this.context.zoom(-Infinity, Infinity));

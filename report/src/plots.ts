@@ -3,7 +3,7 @@
 import { kPalettes } from './colors';
 import type { Theme } from './colors';
 import type { Report } from './data';
-import { byId } from './dom';
+import { byId, el } from './dom';
 import { Plot } from './plot';
 import { quantitiesOf } from './quantities';
 import type { Playback } from './playback';
@@ -12,6 +12,8 @@ import type { Value } from './state';
 
 export class Plots {
   readonly plots: readonly Plot[];
+  // One line through all plots: eight would have the browser compose all of them for each moment.
+  private readonly playhead = el('div', { id: 'playhead' });
   private readonly whole: readonly [number, number];
 
   constructor(report: Report, private readonly display: Display, private readonly playback: Playback,
@@ -26,7 +28,8 @@ export class Plots {
       zoom: (begin: number, end: number) => this.zoom(begin, end),
     };
     this.plots = quantitiesOf(report.arm).map((quantity) => new Plot(quantity, context));
-    byId('plots').append(...this.plots.map((plot) => plot.figure));
+    byId('plots').append(...this.plots.map((plot) => plot.figure), this.playhead);
+    new ResizeObserver(() => this.place()).observe(byId('plots'));
     for (const value of [display.units, display.hidden, display.ghost, display.span, theme]) {
       value.on(() => this.update());
     }
@@ -39,6 +42,7 @@ export class Plots {
 
   update(): void {
     for (const plot of this.plots) plot.update();
+    this.place();
   }
 
   /** Shows the times from `begin` to `end`, as far as there are any. */
@@ -68,6 +72,12 @@ export class Plots {
       const from = Math.min(Math.max(t - 0.1 * length, this.whole[0]), this.whole[1] - length);
       this.zoom(from, from + length);
     }
-    for (const plot of this.plots) plot.setTime(t);
+    this.place();
+  }
+
+  private place(): void {
+    const x = this.plots[0]?.placeOf(this.playback.time) ?? null;
+    this.playhead.style.visibility = x === null ? 'hidden' : 'visible';
+    if (x !== null) this.playhead.style.transform = `translateX(${x}px)`;
   }
 }

@@ -10,7 +10,7 @@ function picture(source: string, text: string): HTMLImageElement {
 }
 
 export function printing(themes: Themes, plots: Plots | null, scene: RobotScene | null): void {
-  let folded: HTMLDetailsElement[] = [];
+  let folded: { details: HTMLDetailsElement; place: Comment; open: boolean }[] = [];
   let under_way = false;
   const before = (): void => {
     if (under_way) return;
@@ -18,14 +18,24 @@ export function printing(themes: Themes, plots: Plots | null, scene: RobotScene 
     themes.print(true);
     if (scene) byId('scene').append(picture(scene.stage.image(), 'The arm at the moment that is shown'));
     for (const plot of plots?.plots ?? []) plot.figure.append(picture(plot.image(), plot.figure.innerText));
-    folded = [...document.querySelectorAll<HTMLDetailsElement>('#verdict details:not([open])')];
-    for (const details of folded) details.open = true;
+    // The long tables come last.
+    folded = [...document.querySelectorAll<HTMLDetailsElement>('#verdict details')].map((details) => {
+      const place = document.createComment('');
+      const open = details.open;
+      details.replaceWith(place);
+      details.open = true;
+      byId('notes').after(details);
+      return { details, place, open };
+    });
   };
   const after = (): void => {
     if (!under_way) return;
     under_way = false;
     document.querySelectorAll('img.printed').forEach((image) => image.remove());
-    for (const details of folded) details.open = false;
+    for (const { details, place, open } of folded) {
+      place.replaceWith(details);
+      details.open = open;
+    }
     themes.print(false);
   };
   window.addEventListener('beforeprint', before);

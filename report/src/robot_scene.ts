@@ -14,13 +14,15 @@ import { momentAt, newMoment } from './sampling';
 import { skeletonOf } from './skeleton';
 import type { Skeleton } from './skeleton';
 import { Stage } from './stage';
-import { addToBox, pathLine, plainLine, positionsOf } from './tool_path';
+import { addToBox, PathLine, plainLine, positionsOf } from './tool_path';
 
 const kGhost = '#7f8b99';
 const kRefused = '#d2503f';
 const kPossible = '#1f9e7a';
 /** A tool further from the flange than this, as a share of the arm's length, is drawn as a rod. */
 const kToolShare = 0.002;
+/** Points of a way that are closer than this, as a share of the arm's length, are drawn as one. */
+const kPathShare = 0.002;
 
 export class RobotScene {
   readonly stage: Stage;
@@ -61,12 +63,13 @@ export class RobotScene {
       this.ghost = new ArmView(report.arm, this.geometries, ghostMaterial(kGhost), false);
       this.ghost_parts.add(this.ghost.group);
       this.ghost_tip = this.marks.add('ghost-tool', new Vector3());
-      this.addLine(plainLine(positionsOf(second, 1e-3 * size), kGhost, 2, 0.012 * size), this.ghost_parts);
+      this.addLine(plainLine(positionsOf(second, kPathShare * size), kGhost, 2, 0.012 * size), this.ghost_parts);
     }
     const first = report.motions[0];
     if (first) {
-      const line = pathLine(first, 7e-4 * size, 3.5);
-      if (line) scene.add(line);
+      const line = new PathLine(first, kPathShare * size, 3.5);
+      this.stage.onCoarse = (coarse) => line.setThin(coarse);
+      scene.add(line.group);
       this.addMarks(first);
     }
     this.addExplanation(size);
@@ -183,10 +186,11 @@ export class RobotScene {
     this.stage.request();
   }
 
-  // Nothing moves: the arm stands in the first solution there is, the tool frame where it was asked for.
+  // Nothing moves: the arm stands in an admissible solution, if there is one, the tool frame where it
+  // was asked for.
   private standStill(): void {
     const explanation = this.report.explanation;
-    const solution = explanation?.solutions.find((s) => s.refused === null) ?? explanation?.solutions[0];
+    const solution = explanation?.solutions.find((s) => s.refused === null);
     this.arm.group.visible = solution !== undefined;
     this.arm.setJoints(solution?.joints_rad ?? [0, 0, 0, 0, 0, 0]);
     const point = explanation?.point;

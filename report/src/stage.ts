@@ -16,9 +16,11 @@ const kViews: Readonly<Record<View, Vector3>> = {
 };
 
 const kFovDeg = 32;
-/** A frame that takes longer than this [ms], again and again, makes the picture coarser. */
-const kSlowFrameMs = 30;
-const kSlowFrames = 6;
+/** Frames further apart than this [ms], some in a row, are drawn coarser until things stand still. */
+const kSlowFrameMs = 40;
+const kSlowFrames = 4;
+const kStillMs = 250;
+const kCoarseRatio = 0.6;
 
 export class Stage {
   readonly scene = new Scene();
@@ -29,11 +31,14 @@ export class Stage {
   private readonly sphere = new Sphere(new Vector3(), 1);
   private wanted = true;
   private slow = 0;
-  private ratio = Math.min(window.devicePixelRatio, 2);
+  private coarse = false;
+  private drawn_ms = 0;
+  private readonly ratio = Math.min(window.devicePixelRatio, 2);
   onResize: (height: number, fov_rad: number) => void = () => undefined;
+  onCoarse: (coarse: boolean) => void = () => undefined;
 
   constructor(private readonly host: HTMLElement) {
-    this.renderer = new WebGLRenderer({ antialias: true, preserveDrawingBuffer: false });
+    this.renderer = new WebGLRenderer({ antialias: true, powerPreference: 'high-performance' });
     this.renderer.setPixelRatio(this.ratio);
     this.renderer.shadowMap.enabled = true;
     this.renderer.shadowMap.type = PCFShadowMap;
@@ -114,32 +119,34 @@ export class Stage {
   }
 
   /** Called before each frame of the screen; draws where something has changed. */
-  draw(busy: boolean): void {
-    if (!this.wanted) return;
+  draw(now_ms: number): void {
+    if (!this.wanted) {
+      if (this.coarse && now_ms - this.drawn_ms > kStillMs) this.setCoarse(false);
+      return;
+    }
     this.wanted = false;
-    const begin = performance.now();
+    const interval = now_ms - this.drawn_ms;
+    this.drawn_ms = now_ms;
+    this.slow = interval > kSlowFrameMs && interval < kStillMs ? this.slow + 1 : 0;
+    if (!this.coarse && this.slow >= kSlowFrames) this.setCoarse(true);
     this.renderer.render(this.scene, this.camera);
-    this.keepPace(busy ? performance.now() - begin : 0);
+  }
+
+  // A machine that can't keep up while things move has fewer pixels to draw, thin lines and no shadow.
+  private setCoarse(coarse: boolean): void {
+    this.coarse = coarse;
+    this.slow = 0;
+    this.sun.castShadow = !coarse;
+    this.onCoarse(coarse);
+    this.renderer.setPixelRatio(coarse ? kCoarseRatio : this.ratio);
+    this.request();
   }
 
   /** The picture, drawn now. */
   image(): string {
+    if (this.coarse) this.setCoarse(false);
     this.renderer.render(this.scene, this.camera);
     return this.renderer.domElement.toDataURL('image/png');
-  }
-
-  private keepPace(took_ms: number): void {
-    this.slow = took_ms > kSlowFrameMs ? this.slow + 1 : 0;
-    if (this.slow < kSlowFrames) return;
-    this.slow = 0;
-    if (this.renderer.shadowMap.enabled) {
-      this.renderer.shadowMap.enabled = false;
-      this.sun.castShadow = false;
-    } else if (this.ratio > 1) {
-      this.ratio = 1;
-      this.renderer.setPixelRatio(1);
-    }
-    this.request();
   }
 
   private resize(): void {

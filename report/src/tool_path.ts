@@ -1,6 +1,7 @@
 // The way of the tool as a line coloured by its speed.
 
-import { Box3, Vector3 } from 'three';
+import { Box3, BufferGeometry, Color, Float32BufferAttribute, Group, Line, LineBasicMaterial, SRGBColorSpace,
+         Vector3 } from 'three';
 import { Line2 } from 'three/examples/jsm/lines/Line2.js';
 import { LineGeometry } from 'three/examples/jsm/lines/LineGeometry.js';
 import { LineMaterial } from 'three/examples/jsm/lines/LineMaterial.js';
@@ -8,7 +9,7 @@ import type { Motion, Triple } from './data';
 import { speedColor } from './colors';
 
 /** Points beyond which a line would cost more than it shows. */
-const kMaxPoints = 8000;
+const kMaxPoints = 4000;
 
 /** Samples that are drawn: far enough apart to be seen, with the first and the last. */
 export function drawnSamples(positions: Float32Array, samples: number, spacing: number): number[] {
@@ -33,19 +34,35 @@ export function highestSpeed(motion: Motion): number {
   return highest;
 }
 
-export function pathLine(motion: Motion, spacing: number, width_px: number): Line2 | null {
-  const drawn = drawnSamples(motion.positions_m, motion.samples, spacing);
-  if (drawn.length < 2) return null;
-  const highest = highestSpeed(motion) || 1;
-  const positions: number[] = [];
-  const colors: number[] = [];
-  for (const i of drawn) {
-    positions.push(...motion.positions_m.subarray(3 * i, 3 * i + 3));
-    colors.push(...speedColor((motion.tool_speed_m_s[i] as number) / highest));
+/** A line of so many pixels' width, and a thin one that costs little. */
+export class PathLine {
+  readonly group = new Group();
+
+  constructor(motion: Motion, spacing: number, width_px: number) {
+    const drawn = drawnSamples(motion.positions_m, motion.samples, spacing);
+    if (drawn.length < 2) return;
+    const highest = highestSpeed(motion) || 1;
+    const positions: number[] = [];
+    const colors: number[] = [];
+    const color = new Color();
+    for (const i of drawn) {
+      positions.push(...motion.positions_m.subarray(3 * i, 3 * i + 3));
+      const [r, g, b] = speedColor((motion.tool_speed_m_s[i] as number) / highest);
+      colors.push(...color.setRGB(r, g, b, SRGBColorSpace).toArray());
+    }
+    const wide = new LineGeometry().setPositions(positions);
+    wide.setColors(colors);
+    const thin = new BufferGeometry();
+    thin.setAttribute('position', new Float32BufferAttribute(positions, 3));
+    thin.setAttribute('color', new Float32BufferAttribute(colors, 3));
+    this.group.add(new Line2(wide, new LineMaterial({ vertexColors: true, linewidth: width_px, toneMapped: false })),
+                   new Line(thin, new LineBasicMaterial({ vertexColors: true, toneMapped: false })));
+    this.setThin(false);
   }
-  const geometry = new LineGeometry().setPositions(positions);
-  geometry.setColors(colors);
-  return new Line2(geometry, new LineMaterial({ vertexColors: true, linewidth: width_px, toneMapped: false }));
+
+  setThin(thin: boolean): void {
+    this.group.children.forEach((line, i) => { line.visible = thin === (i === 1); });
+  }
 }
 
 /** A line of one colour: the way that was asked for, or that of the second motion. */

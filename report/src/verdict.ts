@@ -85,13 +85,15 @@ function row(check: Check, display: Display, go: Go): HTMLTableRowElement {
             el('td', {}, kOrigins[check.origin ?? ''] ?? ''), el('td', { class: 'number' }, place));
 }
 
-function everyCheck(motion: Motion, display: Display, go: Go): HTMLElement {
+function everyCheck(motion: Motion, several: boolean, display: Display, go: Go): HTMLElement {
   const names = ['Check', 'Joint', 'Worst value', 'Limit', 'Unit', 'Used', 'Limit is', 'At'];
   const numeric = new Set(['Worst value', 'Limit', 'Used', 'At']);
   const head = names.map((name) => el('th', { scope: 'col', class: numeric.has(name) ? 'number' : '' }, name));
   const table = el('table', { class: 'every' }, el('thead', {}, el('tr', {}, ...head)),
                    el('tbody', {}, ...motion.verdict.checks.map((check) => row(check, display, go))));
-  return el('details', { class: 'folded' }, el('summary', {}, `Every check and measure, joint by joint (${motion.verdict.checks.length})`),
+  const name = several ? ` of ${motion.name}` : '';
+  return el('details', { class: 'folded' },
+            el('summary', {}, `Every check and measure${name}, joint by joint (${motion.verdict.checks.length})`),
             el('div', { class: 'scrolled', tabindex: '0', role: 'region', 'aria-label': 'Every check' }, table));
 }
 
@@ -115,6 +117,6 @@ export function showVerdict(report: Report, display: Display, playback: Playback
     const judged = grouped(motion.verdict.checks).filter((group) => group.worst.state !== 'measured');
     // A motion that comes second has its checks in the table alone.
     if (m === 0 && judged.length > 0) host.append(el('ul', { class: 'checks' }, ...judged.map((group) => card(group, display, go))));
-    if (motion.verdict.checks.length > 0) host.append(everyCheck(motion, display, go));
+    if (motion.verdict.checks.length > 0) host.append(everyCheck(motion, motions.length > 1, display, go));
   });
 }
