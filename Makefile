@@ -3,8 +3,10 @@
 
 BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libtinyxml2-dev \
               libtomlplusplus-dev libyaml-dev nlohmann-json3-dev
+# What the report's page is built by; a machine's own node and npm do as well.
+NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
-TEST_DEPS := libgtest-dev pkg-config clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
+TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
              python3-yaml $(BENCH_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.
@@ -18,13 +20,17 @@ demo: build-deps
 	@packaging/quietly "Configuring build/release" cmake --preset release
 	@packaging/quietly "Building, for some minutes" cmake --build --preset release
 	@mkdir -p out
-	@build/release/bin/qal plan examples/welding_seam.toml -o out/welding_seam.csv
+	@rm -f out/report.html
+	@build/release/bin/qal plan examples/welding_seam.toml -o out/welding_seam.csv \
+	  $$([ ! -f build/release/report/page.html ] || echo --report out/report.html)
 	@echo
 	@build/release/bin/qal verify out/welding_seam.csv --strict
 	@echo
 	@echo "Made: the libraries in build/release/lib, the tools in build/release/bin, and"
 	@echo "out/welding_seam.csv, a joint move, lines, an arc and the zones between them by the reference"
 	@echo "arm: examples/welding_seam.toml, within every limit."
+	@[ ! -f out/report.html ] || echo "out/report.html plays it, with its curves and its verdict: open it in a browser."
+	@[ -f out/report.html ] || echo "No out/report.html: built without its page; cmake --preset release says why."
 	@echo "Three things to try next:"
 	@echo "  build/release/bin/qal ik --all --pose 0.35 0 0.7 0 0 1 0 --near 0 0 0 0 0 0"
 	@echo "  build/release/bin/qal plan examples/palletising.toml -o out/palletising.csv"
@@ -119,14 +125,14 @@ valgrind: test-deps
 	done
 
 build-deps:
-	@packaging/install-deps $(BUILD_DEPS)
+	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS)
 
 test-deps:
-	@packaging/install-deps $(BUILD_DEPS) $(TEST_DEPS)
+	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS) $(TEST_DEPS)
 	@packaging/install-deps libclang-rt-$$(clang -dumpversion | cut -d. -f1)-dev
 
 bench-deps:
-	@packaging/install-deps $(BUILD_DEPS) $(BENCH_DEPS)
+	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS) $(BENCH_DEPS)
 
 clean:
 	rm -rf build out

@@ -40,6 +40,11 @@ export function grouped(checks: readonly Check[]): CheckGroup[] {
   return groups.sort((a, b) => rankOf(b) - rankOf(a));
 }
 
+/** Whether there is a place to go to: where nothing was found there is none. */
+export function hasPlace(check: Check): boolean {
+  return check.time_s !== null && !(check.state === 'ok' && check.value === 0);
+}
+
 /** Value and limit; with as many digits as tell them apart where the value is beyond. */
 export function valueAndLimit(check: Check, units: UnitSystem): { value: string; limit: string; unit: string } {
   const unit = shown(check.unit, units);

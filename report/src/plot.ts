@@ -22,6 +22,7 @@ export interface PlotContext {
 
 const kHeight = 158;
 const kNarrowest = 220;
+const kPaper = { width: 500, height: 190 };
 /** A limit is in the picture once the values come as near as this share of it. */
 const kNearLimit = 0.45;
 const kSync = uPlot.sync('time');
@@ -109,8 +110,7 @@ export class Plot {
     this.caption.replaceChildren(this.quantity.title, unit.label ? el('span', { class: 'unit' }, unit.label) : '',
                                  el('span', { class: 'limits' }, limits));
     const [begin, end] = display.span.get();
-    const width = Math.max(this.host.clientWidth, kNarrowest);
-    const columns = Math.max(Math.floor(width - 68), 50);
+    const columns = Math.max(Math.floor(this.chart.width - 68), 50);
     const tables = motions.map((motion, m) => this.table(motion, m, begin, end, columns));
     const data = tables.length > 1 ? uPlot.join(tables) : tables[0];
     this.fitHeight(tables.flatMap((table) => table.slice(1) as Column[]));
@@ -162,9 +162,14 @@ export class Plot {
   }
 
   private resize(): void {
-    const width = Math.max(this.host.clientWidth, kNarrowest);
-    if (width === this.chart.width) return;
-    this.chart.setSize({ width, height: kHeight });
+    // Not shown, as on paper.
+    if (this.host.clientWidth === 0) return;
+    this.setSize(Math.max(this.host.clientWidth, kNarrowest), kHeight);
+  }
+
+  private setSize(width: number, height: number): void {
+    if (width === this.chart.width && height === this.chart.height) return;
+    this.chart.setSize({ width, height });
     this.update();
   }
 
@@ -305,8 +310,12 @@ export class Plot {
     this.host.setAttribute('aria-label', text);
   }
 
-  /** The plot as a picture, for paper. */
+  /** The plot as a picture, of a size for paper. */
   image(): string {
-    return this.chart.ctx.canvas.toDataURL('image/png');
+    const { width, height } = this.chart;
+    this.setSize(kPaper.width, kPaper.height);
+    const picture = this.chart.ctx.canvas.toDataURL('image/png');
+    this.setSize(width, height);
+    return picture;
   }
 }

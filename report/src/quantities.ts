@@ -86,9 +86,9 @@ export function quantitiesOf(arm: Arm): Quantity[] {
                     source: motor_source, matches: about(/^motor/) }] : []),
     { ...one, key: 'tool', title: 'Tool speed', unit: 'm/s', bounds: [], source: field('tool_speed_m_s', 1),
       matches: about(/^tool_speed/) },
-    { ...one, key: 'margin', title: 'Distance of the nearest joint to a limit of its range', unit: 'rad',
+    { ...one, key: 'margin', title: 'Margin to the nearest joint limit', unit: 'rad',
       bounds: [{ value: 0, joint: null, assumed: false }], source: field('limit_margin_rad', 1), matches: () => false },
-    { ...one, key: 'singular', title: 'Distance to singularities: smallest singular value', unit: '',
+    { ...one, key: 'singular', title: 'Margin to singularities (smallest singular value)', unit: '',
       bounds: [{ value: 0, joint: null, assumed: false }], source: field('singular_value', 1),
       matches: () => false },
   ];

@@ -16,11 +16,14 @@ const kViews: Readonly<Record<View, Vector3>> = {
 };
 
 const kFovDeg = 32;
-/** Frames further apart than this [ms], some in a row, are drawn coarser until things stand still. */
+/** Frames further apart than this [ms], some in a row, are drawn coarser until things stand still; a
+ * pause is no slow frame. */
 const kSlowFrameMs = 40;
-const kSlowFrames = 4;
+const kSlowFrames = 2;
 const kStillMs = 250;
-const kCoarseRatio = 0.6;
+const kPauseMs = 1000;
+const kCoarseRatio = 0.55;
+const kPaper = { width: 1300, height: 720 };
 
 export class Stage {
   readonly scene = new Scene();
@@ -127,7 +130,7 @@ export class Stage {
     this.wanted = false;
     const interval = now_ms - this.drawn_ms;
     this.drawn_ms = now_ms;
-    this.slow = interval > kSlowFrameMs && interval < kStillMs ? this.slow + 1 : 0;
+    this.slow = interval > kSlowFrameMs && interval < kPauseMs ? this.slow + 1 : 0;
     if (!this.coarse && this.slow >= kSlowFrames) this.setCoarse(true);
     this.renderer.render(this.scene, this.camera);
   }
@@ -142,16 +145,21 @@ export class Stage {
     this.request();
   }
 
-  /** The picture, drawn now. */
+  /** The picture, of a size for paper. */
   image(): string {
     if (this.coarse) this.setCoarse(false);
+    this.setSize(kPaper.width, kPaper.height);
     this.renderer.render(this.scene, this.camera);
-    return this.renderer.domElement.toDataURL('image/png');
+    const picture = this.renderer.domElement.toDataURL('image/png');
+    this.resize();
+    return picture;
   }
 
   private resize(): void {
-    const width = Math.max(this.host.clientWidth, 1);
-    const height = Math.max(this.host.clientHeight, 1);
+    this.setSize(Math.max(this.host.clientWidth, 1), Math.max(this.host.clientHeight, 1));
+  }
+
+  private setSize(width: number, height: number): void {
     this.renderer.setSize(width, height);
     this.camera.aspect = width / height;
     this.camera.updateProjectionMatrix();

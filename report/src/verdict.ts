@@ -1,6 +1,6 @@
 // What was checked: the worst value of each check, its limit, and where. A click goes there.
 
-import { grouped, share, valueAndLimit } from './checks';
+import { grouped, hasPlace, share, valueAndLimit } from './checks';
 import type { CheckGroup } from './checks';
 import type { Check, CheckState, Motion, Report } from './data';
 import { byId, el, icon, kIcons } from './dom';
@@ -23,14 +23,14 @@ function sentence(text: string): string {
 }
 
 function placeText(check: Check): string {
+  if (!hasPlace(check)) return '';
   const where = check.joint === null ? [] : [`joint ${check.joint}`];
-  if (check.time_s !== null) where.push(seconds(check.time_s));
-  return where.join(' at ');
+  return [...where, seconds(check.time_s ?? 0)].join(' at ');
 }
 
 function spoken(check: Check, display: Display): string {
   const { value, limit, unit } = valueAndLimit(check, display.units.get());
-  return `${check.title} ${value}${limit ? ` of ${limit}` : ''} ${unit}, ${placeText(check)}, ${kStateWord[check.state]}`;
+  return `${check.title} ${value}${limit ? ` of ${limit}` : ''} ${unit}, ${placeText(check) || 'nowhere'}, ${kStateWord[check.state]}`;
 }
 
 /** Keeps `fill` done in the units that the reader has chosen. */
@@ -57,20 +57,20 @@ function card(group: CheckGroup, display: Display, go: Go): HTMLLIElement {
   const value = el('span', { class: 'value' });
   const button = el('button', { type: 'button', class: 'check', 'data-state': check.state, 'data-check': check.key },
                     el('span', { class: 'title' }, icon(kIcons[check.state]), sentence(check.title)), value, meters(group),
-                    el('span', { class: 'place' }, placeText(check) + (check.origin === 'assumed' ? ' · assumed limit' : '')));
+                    el('span', { class: 'place' }, placeText(check), check.origin === 'assumed' ? el('span', {}, 'assumed limit') : null));
   inUnits(display, () => {
     const { value: number, limit, unit } = valueAndLimit(check, display.units.get());
     value.replaceChildren(el('strong', {}, number), `${limit ? ` of ${limit}` : ''} ${unit}`);
     button.setAttribute('aria-label', spoken(check, display));
   });
-  button.disabled = check.time_s === null;
+  button.disabled = !hasPlace(check);
   button.addEventListener('click', () => go(check));
   return el('li', {}, button);
 }
 
 function row(check: Check, display: Display, go: Go): HTMLTableRowElement {
-  const place = el('button', { type: 'button', class: 'plain' }, check.time_s === null ? '–' : seconds(check.time_s));
-  place.disabled = check.time_s === null;
+  const place = el('button', { type: 'button', class: 'plain' }, hasPlace(check) ? seconds(check.time_s ?? 0) : '–');
+  place.disabled = !hasPlace(check);
   place.addEventListener('click', () => go(check));
   const cells = ['value', 'limit', 'unit'].map((name) => el('td', { class: name === 'unit' ? '' : 'number' }));
   inUnits(display, () => {

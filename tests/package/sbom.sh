@@ -17,4 +17,6 @@ standard = {f"SPDXRef-deb-{name}" for name in ("libc6", "libgcc-s1", "libstdc--6
 for library in ("libQAL-kinematics.so", "libqal.so", "libik.so"):
     assert links[f"SPDXRef-lib-{library}"] <= standard, links[f"SPDXRef-lib-{library}"]
 assert {"SPDXRef-deb-nlohmann-json3-dev", "SPDXRef-deb-libcli11-dev"} <= links["SPDXRef-bin-qal"], links
+if (pathlib.Path(sys.argv[1]) / "report/page.html").exists():
+    assert {"SPDXRef-npm-three", "SPDXRef-npm-uplot"} <= links["SPDXRef-bin-qal"], links
 PYTHON
