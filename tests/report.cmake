@@ -4,6 +4,10 @@ if(NOT QAL_BUILD_REPORT OR CMAKE_CXX_FLAGS MATCHES "-fsanitize|--coverage")
   return()
 endif()
 
+add_test(NAME Report.PageIsLeftOutWithoutNode
+         COMMAND ${CMAKE_COMMAND} -DSOURCE=${PROJECT_SOURCE_DIR} -DCOMPILER=${CMAKE_CXX_COMPILER}
+                 -DBINARY=${CMAKE_CURRENT_BINARY_DIR}/report/without_node
+                 -P ${CMAKE_CURRENT_SOURCE_DIR}/report/without_node.cmake)
 add_test(NAME Report.PageIsTheSameInAnotherFolder
          COMMAND ${CMAKE_COMMAND} -DNODE=${QAL_NODE} -DSTAGE=${QAL_REPORT_DIR}/stage
                  -DPAGE=${QAL_REPORT_DIR}/page.html -DELSEWHERE=${CMAKE_CURRENT_BINARY_DIR}/report/elsewhere

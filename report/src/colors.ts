@@ -34,7 +34,7 @@ export const kPalettes: Readonly<Record<Theme, Palette>> = {
 
 // Dark blue over grey to yellow: even in lightness, so that it reads the same without colours.
 const kSpeedStops: readonly (readonly [number, number, number])[] = [
-  [0.10, 0.27, 0.66], [0.24, 0.38, 0.65], [0.44, 0.50, 0.60], [0.64, 0.62, 0.48], [0.84, 0.75, 0.32], [0.98, 0.85, 0.16],
+  [0.20, 0.40, 0.86], [0.33, 0.49, 0.78], [0.50, 0.57, 0.64], [0.64, 0.62, 0.48], [0.84, 0.75, 0.32], [0.98, 0.85, 0.16],
 ];
 
 /** The colour of a share, 0 to 1, of the highest speed; each channel 0 to 1. */

@@ -1,9 +1,9 @@
 // Why a request fails: the point, each solution there and why it is refused, and what would help.
 
-import type { Branch, Explanation, Remedy, Solution } from './data';
+import type { Branch, Explanation, FailingPoint, Remedy, Solution } from './data';
 import { byId, el, icon, kIcons } from './dom';
 import type { Display } from './state';
-import { fixed, quantity, shown } from './units';
+import { fixed, quantity, seconds, shown } from './units';
 
 function anglesText(joints: readonly number[], display: Display): string {
   const unit = shown('rad', display.units.get());
@@ -38,6 +38,28 @@ function solutionRow(solution: Solution, i: number, display: Display): HTMLTable
                solution.refused ?? 'admissible'));
 }
 
+// Where it fails, and how far that is.
+function placeOf(point: FailingPoint, display: Display, go: (t: number) => void): HTMLElement {
+  const list = el('dl', { class: 'facts' });
+  const fill = (): void => {
+    const units = display.units.get();
+    const facts: [string, string][] = [
+      ['Failing point', `${point.position_m.map((v) => quantity(v, 'm', units)).join(', ')}`],
+      ...(point.along === null ? [] : [['Along the way', `${(100 * point.along).toFixed(1)} %`] as [string, string]]),
+      ...(point.distance_m === null ? [] : [['From the start', quantity(point.distance_m, 'm', units)] as [string, string]]),
+    ];
+    list.replaceChildren(...facts.flatMap(([name, value]) => [el('dt', {}, name), el('dd', {}, value)]));
+    const time_s = point.time_s;
+    if (time_s === null) return;
+    const button = el('button', { type: 'button', class: 'plain' }, seconds(time_s));
+    button.addEventListener('click', () => go(time_s));
+    list.append(el('dt', {}, 'At'), el('dd', {}, button));
+  };
+  fill();
+  display.units.on(fill);
+  return list;
+}
+
 function heading(...names: string[]): HTMLTableSectionElement {
   return el('thead', {}, el('tr', {}, ...names.map((name) => el('th', { scope: 'col' }, name))));
 }
@@ -54,7 +76,7 @@ function solutionsOf(explanation: Explanation, display: Display): HTMLElement[] 
   none.addEventListener('click', () => display.solutions.set(new Set()));
   const table = el('table', {}, heading('', 'Branch', 'Joints 1 to 6', 'Distance', 'Why'),
                    el('tbody', {}, ...explanation.solutions.map((s, i) => solutionRow(s, i, display))));
-  return [el('h3', {}, 'Solutions at the failing point', el('span', { class: 'buttons' }, all, none)),
+  return [el('h3', {}, explanation.ok ? 'Solutions' : 'Solutions at the failing point', el('span', { class: 'buttons' }, all, none)),
           scrolled(table, 'Solutions at the failing point')];
 }
 
@@ -74,7 +96,7 @@ function branchRow(branch: Branch, display: Display): HTMLTableRowElement {
             el('td', { class: 'number' }, quantity(branch.singular_value, '', 'si')));
 }
 
-export function showExplanation(explanation: Explanation, display: Display): void {
+export function showExplanation(explanation: Explanation, display: Display, go: (t: number) => void): void {
   const host = byId('explanation');
   host.hidden = false;
   // The admissible solutions and the nearest of the others: where a reader looks first.
@@ -83,6 +105,7 @@ export function showExplanation(explanation: Explanation, display: Display): voi
   if (explanation.text.length > 0) {
     host.append(el('div', { class: 'prose' }, ...explanation.text.map((line) => el('p', {}, line))));
   }
+  if (explanation.point && !explanation.ok) host.append(placeOf(explanation.point, display, go));
   host.append(...solutionsOf(explanation, display));
   if (explanation.remedies.length > 0) {
     host.append(el('h3', {}, 'What would help'), el('ul', { class: 'remedies' }, ...explanation.remedies.map(remedyOf)));

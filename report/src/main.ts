@@ -102,7 +102,7 @@ function show(report: Report): void {
   const times = report.motions[0]?.time_s ?? new Float64Array([0]);
   const playback = new Playback(times, Math.max(0, ...report.motions.map(duration)));
   showVerdict(report, display, playback);
-  if (report.explanation) showExplanation(report.explanation, display);
+  if (report.explanation) showExplanation(report.explanation, display, (t) => { playback.playing.set(false); playback.seek(t); });
   controls(display, chosen, report);
   legend(report, display);
   notes(report);

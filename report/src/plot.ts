@@ -25,6 +25,8 @@ const kNarrowest = 220;
 const kPaper = { width: 500, height: 190 };
 /** A limit is in the picture once the values come as near as this share of it. */
 const kNearLimit = 0.45;
+/** Steps beyond which their lines hide what they are to divide. */
+const kMostSteps = 40;
 const kSync = uPlot.sync('time');
 
 function tickText(value: number): string {
@@ -234,7 +236,9 @@ export class Plot {
     const { top, height } = this.chart.bbox;
     ctx.fillStyle = this.context.palette().muted;
     ctx.globalAlpha = 0.3;
-    for (const step of this.context.motions[0]?.steps ?? []) {
+    const [begin, end] = this.context.display.span.get();
+    const steps = (this.context.motions[0]?.steps ?? []).filter((s) => s.begin_s >= begin && s.begin_s <= end);
+    for (const step of steps.length <= kMostSteps ? steps : []) {
       ctx.fillRect(this.chart.valToPos(step.begin_s, 'x', true), top, uPlot.pxRatio, height);
     }
     ctx.globalAlpha = 1;

@@ -94,11 +94,16 @@ export class RobotScene {
   private addMarks(motion: Motion): void {
     const zone = new MeshBasicMaterial({ color: 0x5b7fa6, transparent: true, opacity: 0.16, depthWrite: false });
     const ball = new SphereGeometry(1, 24, 16);
-    for (const corner of motion.corners) {
-      this.marks.add('corner', new Vector3(...corner.position_m), corner.begin_s);
+    // A program that repeats has the same corners again and again: one is drawn.
+    const seen = new Set<string>();
+    for (const { position_m, radius_m, begin_s } of motion.corners) {
+      const key = [...position_m, radius_m].map((value) => value.toFixed(5)).join(' ');
+      if (seen.has(key)) continue;
+      seen.add(key);
+      this.marks.add('corner', new Vector3(...position_m), begin_s);
       const zone_ball = new Mesh(ball, zone);
-      zone_ball.position.set(...corner.position_m);
-      zone_ball.scale.setScalar(Math.max(corner.radius_m, 1e-6));
+      zone_ball.position.set(...position_m);
+      zone_ball.scale.setScalar(Math.max(radius_m, 1e-6));
       this.stage.scene.add(zone_ball);
     }
     for (const check of motion.verdict.checks) {

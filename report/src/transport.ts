@@ -9,6 +9,7 @@ import { fixed } from './units';
 
 /** The slider is in steps of this share of the motion. */
 const kSteps = 10000;
+const kMostTicks = 100;
 
 function setIcon(button: HTMLElement, path: string, label: string): void {
   button.replaceChildren(icon(path));
@@ -55,7 +56,7 @@ function ticks(report: Report, playback: Playback): void {
     tick.style.left = `${(100 * (t - playback.begin)) / length}%`;
     host.append(tick);
   };
-  for (const step of motion.steps) put('step', step.begin_s);
+  if (motion.steps.length <= kMostTicks) for (const step of motion.steps) put('step', step.begin_s);
   for (const check of motion.verdict.checks) {
     if (check.time_s !== null && (check.state === 'violation' || check.state === 'note')) put(check.state, check.time_s);
   }

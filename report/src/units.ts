@@ -28,7 +28,7 @@ export function number(value: number | null, digits = 4): string {
   if (value === null || !Number.isFinite(value)) return '–';
   const size = Math.abs(value);
   if (size === 0) return '0';
-  if (size < 1e-4 || size >= 1e7) return value.toExponential(Math.max(0, digits - 2)).replace('-', '−');
+  if (size < 1e-4 || size >= 1e7) return value.toExponential(Math.max(0, digits - 2)).replace('e+', 'e').replaceAll('-', '−');
   const places = Math.max(0, digits - 1 - Math.floor(Math.log10(size)));
   return value.toFixed(Math.min(places, 6)).replace('-', '−');
 }

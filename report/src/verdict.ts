@@ -52,10 +52,20 @@ function meters(group: CheckGroup): HTMLElement {
   return host;
 }
 
+// What nobody chose as a limit, and is kept: in a line of its own.
+function plain(group: CheckGroup): boolean {
+  return group.worst.state === 'ok' && group.worst.origin === 'always';
+}
+
+function list(groups: readonly CheckGroup[], name: string, display: Display, go: Go): HTMLElement[] {
+  if (groups.length === 0) return [];
+  return [el('ul', { class: name }, ...groups.map((group) => card(group, display, go)))];
+}
+
 function card(group: CheckGroup, display: Display, go: Go): HTMLLIElement {
   const check = group.worst;
   const value = el('span', { class: 'value' });
-  const button = el('button', { type: 'button', class: 'check', 'data-state': check.state, 'data-check': check.key },
+  const button = el('button', { type: 'button', class: plain(group) ? 'check chip' : 'check', 'data-state': check.state, 'data-check': check.key },
                     el('span', { class: 'title' }, icon(kIcons[check.state]), sentence(check.title)), value, meters(group),
                     el('span', { class: 'place' }, placeText(check), check.origin === 'assumed' ? el('span', {}, 'assumed limit') : null));
   inUnits(display, () => {
@@ -116,7 +126,10 @@ export function showVerdict(report: Report, display: Display, playback: Playback
     host.append(headline(motion.verdict.ok, motion.verdict.headline, name));
     const judged = grouped(motion.verdict.checks).filter((group) => group.worst.state !== 'measured');
     // A motion that comes second has its checks in the table alone.
-    if (m === 0 && judged.length > 0) host.append(el('ul', { class: 'checks' }, ...judged.map((group) => card(group, display, go))));
+    if (m === 0) {
+      host.append(...list(judged.filter((group) => !plain(group)), 'checks', display, go),
+                  ...list(judged.filter(plain), 'chips', display, go));
+    }
     if (motion.verdict.checks.length > 0) host.append(everyCheck(motion, motions.length > 1, display, go));
   });
 }

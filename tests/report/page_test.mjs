@@ -59,6 +59,36 @@ for (const [arm] of kArms) {
   }
 }
 
+test('draws a picture for the documents', async () => {
+  await withPage(made.seam, { viewport: { width: 1400, height: 1040 } }, async (page) => {
+    await scrubTo(page, 0.63);
+    await page.waitForTimeout(400);
+    await screenshot(page, 'report');
+    assert.ok((await pixels(page, '#scene', [255, 255, 255])).count > 200, 'no corners are seen');
+  });
+});
+
+test('can be read in both themes', async () => {
+  for (const colorScheme of ['light', 'dark']) {
+    await withPage(made.steps, { colorScheme }, async (page) => {
+      const low = await page.evaluate(() => {
+        const probe = document.body.appendChild(document.createElement('i'));
+        const light = (name) => {
+          probe.style.color = `var(--${name})`;
+          const [r, g, b] = getComputedStyle(probe).color.match(/[\d.]+/g).map((c) => c / 255)
+            .map((c) => (c <= 0.03928 ? c / 12.92 : ((c + 0.055) / 1.055) ** 2.4));
+          return 0.2126 * r + 0.7152 * g + 0.0722 * b;
+        };
+        const contrast = (a, b) => (Math.max(light(a), light(b)) + 0.05) / (Math.min(light(a), light(b)) + 0.05);
+        const pairs = ['text', 'muted', 'ok', 'bad', 'note', 'accent'].flatMap((text) => [[text, 'surface'], [text, 'page']]);
+        pairs.push(['ok', 'ok-soft'], ['bad', 'bad-soft'], ['muted', 'bad-soft'], ['accent-text', 'accent'], ['text', 'accent-soft']);
+        return pairs.filter(([a, b]) => contrast(a, b) < 4.5).map(([a, b]) => `${a} on ${b}: ${contrast(a, b).toFixed(2)}`);
+      });
+      assert.deepEqual(low, []);
+    });
+  }
+});
+
 test('draws the tool where the CSV says, by kinematics and to a pixel', async () => {
   for (const [arm, html] of [...moves, ['seam', made.seam]]) {
     const csv = rows(work(`${arm}.csv`));
