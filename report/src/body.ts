@@ -2,7 +2,7 @@
 // graphics card and a ghost takes the same shapes in another material.
 
 import { BufferGeometry, Color, CylinderGeometry, Float32BufferAttribute, Quaternion, SphereGeometry,
-         Vector3 } from 'three';
+         SRGBColorSpace, Vector3 } from 'three';
 import { mergeGeometries, toCreasedNormals } from 'three/examples/jsm/utils/BufferGeometryUtils.js';
 import { BufferAttribute, Matrix4 } from 'three';
 import type { Arm, Body } from './data';
@@ -112,17 +112,22 @@ function meshOf(body: Body): BufferGeometry {
   geometry.applyMatrix4(new Matrix4().set(at(0), at(1), at(2), at(3), at(4), at(5), at(6), at(7),
                                           at(8), at(9), at(10), at(11), 0, 0, 0, 1));
   if (body.indices.length / 3 <= kMaxCreased) {
-    geometry = toCreasedNormals(geometry, kCreaseRad);
+    // Points within a hundredth count as one there: of a millimetre, not of a metre.
+    geometry = toCreasedNormals(geometry.scale(1000, 1000, 1000), kCreaseRad).scale(1e-3, 1e-3, 1e-3);
   } else {
     geometry = geometry.toNonIndexed();
     geometry.computeVertexNormals();
   }
-  return painted(geometry, body.color ? new Color(...body.color) : kMesh);
+  return painted(geometry, body.color ? new Color().setRGB(...body.color, SRGBColorSpace) : kMesh);
 }
 
-/** The geometry of links 0 to 6, with all joints at zero: the description's meshes, or the page's own links. */
+/**
+ * The geometry of links 0 to 6, with all joints at zero: the description's meshes; of a link without any, the
+ * page's own.
+ */
 export function linkGeometries(arm: Arm, skeleton: Skeleton): BufferGeometry[] {
-  if (arm.bodies.length === 0) return Array.from({ length: 7 }, (_, i) => drawnLink(skeleton, i));
-  return Array.from({ length: 7 }, (_, i) =>
-    merged(arm.bodies.filter((body) => body.link === i).map(meshOf)));
+  return Array.from({ length: 7 }, (_, i) => {
+    const bodies = arm.bodies.filter((body) => body.link === i);
+    return bodies.length > 0 ? merged(bodies.map(meshOf)) : drawnLink(skeleton, i);
+  });
 }

@@ -113,6 +113,21 @@ test('draws the tool where the CSV says, by kinematics and to a pixel', async ()
   }
 });
 
+test('draws the shapes and STL meshes of a URDF', async () => {
+  const corner = [[0, 0, 0.4], [0.3, 0, 0], [0, 0.3, 0], [0, 0, 0]];
+  const triangles = [[0, 1, 2], [1, 0, 3], [2, 1, 3], [0, 2, 3]].flatMap((face) =>
+    ['facet normal 0 0 0', 'outer loop', ...face.map((i) => `vertex ${corner[i].join(' ')}`), 'endloop', 'endfacet']);
+  writeFileSync(work('wedge.stl'), ['solid wedge', ...triangles, 'endsolid wedge', ''].join('\n'));
+  const visual = '<link name="link_2"><visual><geometry><mesh filename="wedge.stl"/></geometry>' +
+                 '<material name="m"><color rgba="0.9 0 0.9 1"/></material></visual></link>';
+  writeFileSync(work('wedge.urdf'), readFileSync(source('arms/reference.urdf'), 'utf8').replace('<link name="link_2"/>', visual));
+  await withPage(planned('wedge', 'joint', '--arm', work('wedge.urdf'), ...kArms[0][1]), {}, async (page) => {
+    const seen = await pixels(page, '#scene', [190, 0, 190], undefined, 65);
+    assert.ok(seen.count > 1000, `${seen.count} pixels of the mesh`);
+    await screenshot(page, 'mesh');
+  });
+});
+
 test('plays and is run by the keyboard alone', async () => {
   await withPage(made.seam, {}, async (page) => {
     await page.keyboard.press(' ');

@@ -110,12 +110,15 @@ export async function projected(page, [x, y, z]) {
   return [(0.5 + at[0] / at[3] / 2) * width, (0.5 - at[1] / at[3] / 2) * height];
 }
 
-/** Middle and number of the pixels of one colour, [r, g, b], in a part of the page; within `near` [x, y, radius]. */
-export async function pixels(page, selector, color, near = [0, 0, 1e9]) {
+/**
+ * Middle and number of the pixels of one colour, [r, g, b] to `within`, in a part of the page; near
+ * [x, y, radius].
+ */
+export async function pixels(page, selector, color, near = [0, 0, 1e9], within = 10) {
   // Where the machine can't keep up, what stands still is drawn finely a moment later.
   await page.waitForTimeout(400);
   const png = await page.locator(selector).screenshot();
-  return page.evaluate(async ({ data, color, near }) => {
+  return page.evaluate(async ({ data, color, near, within }) => {
     const image = new Image();
     image.src = `data:image/png;base64,${data}`;
     await image.decode();
@@ -128,11 +131,11 @@ export async function pixels(page, selector, color, near = [0, 0, 1e9]) {
     for (let i = 0; i < rgba.length; i += 4) {
       const at = [(i / 4) % image.width, Math.floor(i / 4 / image.width)];
       if (Math.hypot(at[0] - near[0], at[1] - near[1]) > near[2]) continue;
-      if (color.some((c, k) => Math.abs(rgba[i + k] - c) > 10)) continue;
+      if (color.some((c, k) => Math.abs(rgba[i + k] - c) > within)) continue;
       count++;
       x += at[0] + 0.5;
       y += at[1] + 0.5;
     }
     return { count, x: x / count, y: y / count };
-  }, { data: png.toString('base64'), color, near });
+  }, { data: png.toString('base64'), color, near, within });
 }
