@@ -12,6 +12,7 @@
 #include "output.h"
 #include "point_file.h"
 #include "pose_option.h"
+#include "solution_table.h"
 
 namespace qal::tools {
 
@@ -52,50 +53,38 @@ std::string WhyUnsolved(const Error& error, const Units& units) {
          ErrorText(error, units.text());
 }
 
-std::string VerdictOn(const Candidate& candidate, bool chosen, const Units& units) {
-  if (candidate.refusal) return ErrorText(*candidate.refusal, units.text());
+std::string VerdictOn(const ExplainedSolution& solution, bool chosen) {
+  if (solution.refusal) return ErrorText(*solution.refusal);
   return chosen ? "chosen" : "admissible";
 }
 
-std::string SolutionTable(const std::vector<Candidate>& candidates, size_t chosen,
-                          const Units& units) {
-  std::string table = "solution";
-  for (int j = 1; j <= 6; ++j) {
-    table += fmt::format(" {:>11}", fmt::format("q{} [{}]", j, units.angle()));
-  }
-  table += fmt::format(" {:>15}  verdict\n", fmt::format("distance [{}]", units.angle()));
-  for (size_t i = 0; i < candidates.size(); ++i) {
-    const auto& [joints, distance_rad, refusal] = candidates[i];
-    table += fmt::format("{:>8}", i + 1);
-    for (const double joint : joints)
-      table += fmt::format(" {:>11}", Decimal(units.Angle(joint), 6));
-    table += fmt::format(" {:>15}  {}{}\n", Decimal(units.Angle(distance_rad), 6),
-                         refusal ? "refused: " : "", VerdictOn(candidates[i], i == chosen, units));
-  }
-  return table;
-}
-
-std::string SolutionJson(const std::vector<Candidate>& candidates, size_t chosen,
+std::string SolutionJson(const std::vector<ExplainedSolution>& solutions, size_t chosen,
                          const LoadedArm& loaded) {
   Json list = Json::array();
-  for (size_t i = 0; i < candidates.size(); ++i) {
-    const auto& [joints, distance_rad, refusal] = candidates[i];
+  for (size_t i = 0; i < solutions.size(); ++i) {
+    const auto& [joints, branch, distance_rad, refusal] = solutions[i];
     list.push_back({{"joints_rad", joints},
+                    {"branch", branch ? Json(BranchName(*branch)) : Json(nullptr)},
                     {"distance_rad", distance_rad},
                     {"admissible", !refusal},
                     {"chosen", i == chosen},
-                    {"verdict", VerdictOn(candidates[i], i == chosen, Units())}});
+                    {"verdict", VerdictOn(solutions[i], i == chosen)}});
   }
   return Json{{"arm", ArmJson(loaded)}, {"solutions", list}}.dump(2) + '\n';
 }
 
 void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& pose,
             const Request& request) {
-  const auto& [arm_option, units, output] = arguments.common;
+  const Units& units = arguments.common.units;
+  const Output& output = arguments.common.output;
   const auto candidates = Inverse(loaded.arm, pose, request.near, request.options);
   if (!candidates) {
     throw Failure(fmt::format("no solution at {}: {}", PoseText(pose, units),
                               ErrorText(candidates.error(), units.text())));
+  }
+  std::vector<ExplainedSolution> solutions;
+  for (const auto& [joints, distance_rad, refusal] : *candidates) {
+    solutions.push_back({joints, BranchOf(loaded.arm, joints), distance_rad, refusal});
   }
   // The first one that has the joints: a solver may give the same ones several times.
   const Result<State> nearest = Nearest(loaded.arm, pose, request.near, request.options);
@@ -105,8 +94,11 @@ void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& p
     ++chosen;
   }
   if (!nearest) chosen = candidates->size();
-  output.Write(output.json() ? SolutionJson(*candidates, chosen, loaded)
-                             : ArmRow(loaded) + SolutionTable(*candidates, chosen, units),
+  const auto table = [&] {
+    return SolutionTable(solutions, units,
+                         [chosen](size_t i) { return i == chosen ? "chosen" : "admissible"; });
+  };
+  output.Write(output.json() ? SolutionJson(solutions, chosen, loaded) : ArmRow(loaded) + table(),
                [] { return std::string(); });
   if (!nearest) {
     throw Failure(fmt::format("none of the {} solutions is admissible", candidates->size()));
@@ -177,7 +169,7 @@ void AddIk(CLI::App& app, const SharedArm& arm) {
                               "(default: any)");
   arguments->common.AddTo(*ik, arm, false);
   ik->add_flag("--all", arguments->all,
-               "list every solution, its distance from --near, and why it was refused")
+               "list every solution, its distance from --near, its branch, and why it was refused")
       ->excludes(ik->get_option("--csv"));
   ik->footer(
       "Exit status: 0 done, 1 when the pose, or a row of the file, has no admissible solution.\n"
