@@ -14,28 +14,27 @@ namespace qal::tools {
 
 using namespace io;
 
-namespace {
-
-LineLimits ReadLimits(const LineArguments& a) {
+LineLimits ReadLineLimits(const LineArguments& a) {
   const Units& units = a.plan.common.units;
   LineLimits limits;
-  const auto read = [](const NumberOption& option, double unit, double& limit) {
-    if (option.given()) limit = option.ReadWithin(kLeastLimit / unit, kMostLimit / unit) * unit;
+  const auto length = [&units](const NumberOption& option, double& limit) {
+    if (!option.given()) return;
+    limit = units.Metres(option.ReadWithin(units.Length(kLeastLimit), units.Length(kMostLimit)));
   };
-  const double metres = units.Metres(1);
-  const double radians = units.Radians(1);
-  read(a.speed, metres, limits.speed_m_s);
-  read(a.acc, metres, limits.acceleration_m_s2);
-  read(a.jerk, metres, limits.jerk_m_s3);
-  read(a.turn_speed, radians, limits.turn_speed_rad_s);
-  read(a.turn_acc, radians, limits.turn_acceleration_rad_s2);
-  read(a.turn_jerk, radians, limits.turn_jerk_rad_s3);
+  const auto angle = [&units](const NumberOption& option, double least, double most,
+                              double& limit) {
+    if (!option.given()) return;
+    limit = units.Radians(option.ReadWithin(units.Angle(least), units.Angle(most)));
+  };
+  length(a.speed, limits.speed_m_s);
+  length(a.acc, limits.acceleration_m_s2);
+  length(a.jerk, limits.jerk_m_s3);
+  angle(a.turn_speed, kLeastLimit, kMostLimit, limits.turn_speed_rad_s);
+  angle(a.turn_acc, kLeastLimit, kMostLimit, limits.turn_acceleration_rad_s2);
+  angle(a.turn_jerk, kLeastLimit, kMostLimit, limits.turn_jerk_rad_s3);
   limits.scale = ReadScale(a.scale);
-  if (a.max_orientation_error.given()) {
-    constexpr double kMostErrorRad = 0.5;
-    limits.max_orientation_error_rad =
-        a.max_orientation_error.ReadWithin(0, kMostErrorRad / radians) * radians;
-  }
+  constexpr double kMostErrorRad = 0.5;
+  angle(a.max_orientation_error, 0, kMostErrorRad, limits.max_orientation_error_rad);
   constexpr double kFastMS = 10;  // beyond any arm of six axes
   if (!units.text().millimetres && limits.speed_m_s > kFastMS) {
     Note(fmt::format("--speed: {:.9g} m/s is fast; are these millimetres? --mm reads them",
@@ -43,6 +42,8 @@ LineLimits ReadLimits(const LineArguments& a) {
   }
   return limits;
 }
+
+namespace {
 
 // A line keeps the configuration that it begins in.
 void ExpectEnd(const LineMotion& motion, const classic::Ends& ends, const Units& units) {
@@ -71,23 +72,28 @@ std::string PathRows(const LineMotion& motion, const Units& units) {
 
 }  // namespace
 
-void RunLimitedLine(const LineArguments& a) {
+LimitedLine PlanLimitedLine(const LineArguments& a, const Arm& arm) {
   const Units& units = a.plan.common.units;
-  const LineLimits limits = ReadLimits(a);
-  const LoadedArm loaded = a.plan.common.arm->Load();
-  const classic::Ends ends = a.ends.Read(units, loaded.arm);
-  const auto motion = PlanLine(loaded.arm, ends.start, ends.end, limits);
+  const LineLimits limits = ReadLineLimits(a);
+  const classic::Ends ends = a.ends.Read(units, arm);
+  auto motion = PlanLine(arm, ends.start, ends.end, limits);
   if (!motion) throw Failure(PlanFailureText(motion.error(), "line", units.text()));
   ExpectEnd(*motion, ends, units);
-  auto trajectory = Sampled(loaded.arm, *motion);
-  if (!trajectory) throw Failure(PlanFailureText(trajectory.error(), "line", units.text()));
+  auto samples = Sampled(arm, *motion);
+  if (!samples) throw Failure(PlanFailureText(samples.error(), "line", units.text()));
+  return {*std::move(motion), *std::move(samples)};
+}
+
+void RunLimitedLine(const LineArguments& a) {
+  const LoadedArm loaded = a.plan.common.arm->Load();
+  const auto [motion, samples] = PlanLimitedLine(a, loaded.arm);
   WriteLimited(a.plan, loaded,
-               {*std::move(trajectory), motion->bindings(),
-                [&motion](double time_s) { return motion->AlongAt(time_s); }},
-               PathRows(*motion, units),
-               {{"length_m", motion->length_m()},
-                {"angle_rad", motion->angle_rad()},
-                {"orientation_error_rad", motion->orientation_error_rad()}});
+               {samples, motion.bindings(),
+                [&motion = motion](double time_s) { return motion.AlongAt(time_s); }},
+               PathRows(motion, a.plan.common.units),
+               {{"length_m", motion.length_m()},
+                {"angle_rad", motion.angle_rad()},
+                {"orientation_error_rad", motion.orientation_error_rad()}});
 }
 
 }  // namespace qal::tools

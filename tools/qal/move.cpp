@@ -104,6 +104,12 @@ std::string FailureText(const classic::Failure& failure, const classic::Ends& en
   }
 }
 
+void ExpectWithin(const PlanOptions& options, const Verdict& verdict) {
+  if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
+    throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
+  }
+}
+
 }  // namespace
 
 double LengthOf(const FileTrajectory& plan) {
@@ -147,20 +153,25 @@ void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTr
       output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
       plan, arm);
   NoteExceeded(verdict, units);
-  if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
-    throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
-  }
+  ExpectWithin(options, verdict);
+}
+
+void ExpectWithinLimits(const PlanOptions& options, const FileTrajectory& plan, const Arm& arm) {
+  if (options.strict) ExpectWithin(options, Judge(plan, arm));
+}
+
+FileTrajectory PlanClassic(const EndOptions& ends, const PlanOptions& options,
+                           const Planner& planner, const Arm& arm) {
+  const classic::Ends read = ends.Read(options.common.units, arm);
+  const classic::Plan plan = planner(arm, read, options.Listener());
+  if (!plan) throw Failure(FailureText(plan.error(), read, options.common.units));
+  return FromStates(*plan, arm.cycle_s().value);
 }
 
 void RunClassic(const EndOptions& ends, const PlanOptions& options, const Planner& planner) {
-  const Units& units = options.common.units;
   const LoadedArm loaded = options.common.arm->Load();
-  const classic::Ends read = ends.Read(units, loaded.arm);
-  const classic::Plan plan = planner(loaded.arm, read, options.Listener());
-  if (!plan) throw Failure(FailureText(plan.error(), read, units));
-  const FileTrajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
-  WritePlan(options, loaded, trajectory, Summary(trajectory, loaded.arm, units),
-            ToJson(trajectory));
+  const FileTrajectory plan = PlanClassic(ends, options, planner, loaded.arm);
+  WritePlan(options, loaded, plan, Summary(plan, loaded.arm, options.common.units), ToJson(plan));
 }
 
 }  // namespace qal::tools

@@ -72,6 +72,14 @@ std::string Summary(const io::FileTrajectory& plan, const Arm& arm, const Units&
 using Planner =
     std::function<classic::Plan(const Arm&, const classic::Ends&, const classic::Listener&)>;
 
+/// @throw Failure with --strict, when a limit of the arm is exceeded
+void ExpectWithinLimits(const PlanOptions& options, const io::FileTrajectory& plan, const Arm& arm);
+
+/// Reads the ends and plans by a classic operation.
+/// @throw Failure when there is no plan: where, and why
+io::FileTrajectory PlanClassic(const EndOptions& ends, const PlanOptions& options,
+                               const Planner& planner, const Arm& arm);
+
 /// Reads the ends, plans by a classic operation, judges and writes.
 /// @throw Failure when there is no plan: where, and why
 void RunClassic(const EndOptions& ends, const PlanOptions& options, const Planner& planner);
