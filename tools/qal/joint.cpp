@@ -19,7 +19,7 @@ LimitedMove PlanLimitedMove(const JointArguments& a, const Arm& arm) {
   const State end = EndOf(arm, ends, units);
   const auto or_fail = [&units](auto planned) {
     if (planned) return *std::move(planned);
-    throw Failure(PlanFailureText(planned.error(), "move", units.text()));
+    throw Failure(RefusalText(planned.error(), "move", "joint", units));
   };
   const JointMotion motion =
       or_fail(PlanJoint(arm, {ends.start.joints}, {end.joints}, {ReadScale(a.scale)}));

@@ -43,22 +43,19 @@ LineLimits ReadLineLimits(const LineArguments& a) {
   return limits;
 }
 
-namespace {
-
-// A line keeps the configuration that it begins in.
-void ExpectEnd(const LineMotion& motion, const classic::Ends& ends, const Units& units) {
-  if (!ends.end_joints) return;
+std::optional<Error> ArrivesElsewhere(const LineMotion& motion, const classic::Ends& ends) {
+  if (!ends.end_joints) return std::nullopt;
   constexpr double kSameRad = 1e-6;
   const Joints arrived = motion.At(motion.duration_s()).joints;
   for (size_t j = 0; j < arrived.size(); ++j) {
-    const double wanted = (*ends.end_joints)[j];
-    if (std::fabs(arrived[j] - wanted) <= kSameRad) continue;
-    throw Failure(fmt::format(
-        "the line arrives with other joints than --to has: joint {} at {:.6g} {}, not {:.6g}; a "
-        "joint move gets there, or --to-pose takes the joints as they come",
-        j + 1, units.Angle(arrived[j]), units.angle(), units.Angle(wanted)));
+    const double off = (*ends.end_joints)[j] - arrived[j];
+    if (std::fabs(off) <= kSameRad) continue;
+    return Error{Reason::kConfiguration, static_cast<int>(j), off, kSameRad};
   }
+  return std::nullopt;
 }
+
+namespace {
 
 std::string PathRows(const LineMotion& motion, const Units& units) {
   std::string rows = ValueRow(fmt::format("turn of the tool [{}]", units.angle()),
@@ -77,8 +74,14 @@ LimitedLine PlanLimitedLine(const LineArguments& a, const Arm& arm) {
   const LineLimits limits = ReadLineLimits(a);
   const classic::Ends ends = a.ends.Read(units, arm);
   auto motion = PlanLine(arm, ends.start, ends.end, limits);
-  if (!motion) throw Failure(PlanFailureText(motion.error(), "line", units.text()));
-  ExpectEnd(*motion, ends, units);
+  if (!motion) throw Failure(RefusalText(motion.error(), "line", "line", units));
+  if (const auto error = ArrivesElsewhere(*motion, ends)) {
+    const double wanted = (*ends.end_joints)[static_cast<size_t>(error->joint)];
+    throw Failure(fmt::format(
+        "the line arrives with other joints than --to has: joint {} at {:.6g} {}, not {:.6g}; a "
+        "joint move gets there, or --to-pose takes the joints as they come",
+        error->joint + 1, units.Angle(wanted - error->value), units.angle(), units.Angle(wanted)));
+  }
   auto samples = Sampled(arm, *motion);
   if (!samples) throw Failure(PlanFailureText(samples.error(), "line", units.text()));
   return {*std::move(motion), *std::move(samples)};

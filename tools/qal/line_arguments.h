@@ -3,6 +3,7 @@
 
 #include <qal/plan/line.h>
 
+#include <optional>
 #include <string>
 
 #include "commands.h"
@@ -40,6 +41,10 @@ constexpr double kMostLimit = 1e6;
 // ---- Within every limit of tool and joints ----
 
 LineLimits ReadLineLimits(const LineArguments& a);
+
+/// kConfiguration where a line arrives with other joints than --to has: it keeps the configuration
+/// that it begins in.
+std::optional<Error> ArrivesElsewhere(const LineMotion& motion, const classic::Ends& ends);
 
 struct LimitedLine {
   LineMotion motion;

@@ -29,13 +29,22 @@ void EndOptions::AddTo(CLI::App& command) {
 }
 
 classic::Ends EndOptions::Read(const Units& units, const Arm& arm) const {
+  return Read(units, arm,
+              [&](const NumberOption& joints) { return ReadArmJoints(joints, units, arm); });
+}
+
+classic::Ends EndOptions::ReadAny(const Units& units, const Arm& arm) const {
+  return Read(units, arm, [&](const NumberOption& joints) { return ReadJoints(joints, units); });
+}
+
+classic::Ends EndOptions::Read(const Units& units, const Arm& arm, const JointsReader& read) const {
   if (to_.given() + to_pose_.given() + by_.given() != 1) {
     throw UsageError("one of --to, --to-pose and --by is expected, for the end");
   }
   if (rpy_.given() && !to_pose_.given()) throw UsageError("--rpy goes with --to-pose");
-  const State start = StateAt(arm, ReadArmJoints(from_, units, arm));
+  const State start = StateAt(arm, read(from_));
   if (to_.given()) {
-    const State end = StateAt(arm, ReadArmJoints(to_, units, arm));
+    const State end = StateAt(arm, read(to_));
     return {start, end.pose, end.joints};
   }
   const Quat& kept = start.pose.orientation;

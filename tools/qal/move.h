@@ -20,9 +20,15 @@ class EndOptions {
  public:
   /// Adds --from, --to, --to-pose, --rpy and --by.
   void AddTo(CLI::App& command);
+  /// @throw UsageError for joints outside of the arm's range
   classic::Ends Read(const Units& units, const Arm& arm) const;
+  /// The same with any joints, to tell what becomes of them.
+  classic::Ends ReadAny(const Units& units, const Arm& arm) const;
 
  private:
+  using JointsReader = std::function<Joints(const NumberOption& joints)>;
+  classic::Ends Read(const Units& units, const Arm& arm, const JointsReader& read) const;
+
   NumberOption from_;
   NumberOption to_;
   NumberOption to_pose_;
