@@ -24,10 +24,7 @@ class Words {
   std::string OfMove() const;
 
  private:
-  std::string Angle(double rad) const {
-    return fmt::format("{:.6g} {}", units_.degrees ? rad * 180 / closed_form::kPi : rad,
-                       units_.degrees ? "deg" : "rad");
-  }
+  std::string Angle(double rad) const { return AngleText(rad, units_); }
   std::string Length(double metres) const {
     return fmt::format("{:.9g} {}", units_.millimetres ? metres * 1000 : metres, LengthUnit());
   }
@@ -210,6 +207,11 @@ std::string Words::OfMove() const {
 }
 
 }  // namespace
+
+std::string AngleText(double rad, const TextUnits& units) {
+  return fmt::format("{:.6g} {}", units.degrees ? rad * 180 / closed_form::kPi : rad,
+                     units.degrees ? "deg" : "rad");
+}
 
 std::string ErrorText(const Error& error, const TextUnits& units) {
   const Words words(error, units);

@@ -2,11 +2,15 @@
 
 #include <cctype>
 #include <cstdio>
+#include <set>
 #include <string_view>
 
 namespace qal::io {
 
-void Note(const std::string& text) { SayOnError("note", text); }
+void Note(const std::string& text) {
+  static std::set<std::string> said;
+  if (said.insert(text).second) SayOnError("note", text);
+}
 
 std::string OneLine(std::string text) {
   constexpr size_t kBeginning = 1500;

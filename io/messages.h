@@ -6,7 +6,7 @@
 
 namespace qal::io {
 
-/// Writes "note: TEXT" as one line to standard error.
+/// Writes "note: TEXT" as one line to standard error, the first time that it is said.
 void Note(const std::string& text);
 
 /// The text as one line to show: control characters, line ends among them, become blanks. Of a long

@@ -83,10 +83,11 @@ class StepReader {
     if (!file_.Has("step")) file_.Refuse("", "there is no [[step]]; a program has at least one");
     for (size_t i = 0; i < file_.Entries("step"); ++i) {
       const Fields step = file_.Entry("step", i);
+      const std::string pointer = fmt::format("/step/{}", i);
       if (KindOf(step) == "repeat") {
-        ReadBlock(step);
+        ReadBlock(step, pointer);
       } else {
-        ReadStep(step, std::nullopt);
+        ReadStep(step, pointer, std::nullopt);
       }
     }
   }
@@ -99,7 +100,7 @@ class StepReader {
     file_.Refuse("start", "a pose; a point of joints is expected, as a pose may have several");
   }
 
-  void ReadBlock(const Fields& block) {
+  void ReadBlock(const Fields& block, const std::string& pointer) {
     block.Expect({"repeat", "steps"});
     const double count = block.Number("repeat", std::nullopt);
     if (count < 1 || count != std::floor(count) || count > static_cast<double>(kMostSteps)) {
@@ -111,12 +112,12 @@ class StepReader {
       for (size_t i = 0; i < block.Entries("steps"); ++i) {
         const Fields step = block.Entry("steps", i, fmt::format("{}.{}", block.label(), i + 1));
         if (step.Has("repeat")) step.Refuse("repeat", "a block within a block; there is but one");
-        ReadStep(step, repetition);
+        ReadStep(step, fmt::format("{}/steps/{}", pointer, i), repetition);
       }
     }
   }
 
-  void ReadStep(const Fields& step, std::optional<size_t> repetition) {
+  void ReadStep(const Fields& step, const std::string& pointer, std::optional<size_t> repetition) {
     if (into_.places.size() == kMostSteps) {
       step.Refuse("", fmt::format("more than {} steps, repetitions counted", kMostSteps));
     }
@@ -124,7 +125,7 @@ class StepReader {
     into_.program.steps.push_back(StepOf(step, kind, repetition));
     std::string label = step.label();
     if (repetition) label += fmt::format(", repetition {}", *repetition + 1);
-    into_.places.push_back({step.line(), std::move(label), WhatOf(step, kind)});
+    into_.places.push_back({step.line(), std::move(label), WhatOf(step, kind), pointer});
   }
 
   ProgramStep StepOf(const Fields& step, const std::string& kind,
@@ -199,7 +200,9 @@ class StepReader {
   ProgramFile& into_;
 };
 
-Document ReadDocument(const std::string& path) {
+}  // namespace
+
+Document ReadProgramDocument(const std::string& path) {
   const std::string name = NameOf(path);
   const std::string text = ReadFile(path, kLargestDescription);
   constexpr char kExpected[] = "a program in TOML or JSON";
@@ -212,8 +215,6 @@ Document ReadDocument(const std::string& path) {
       throw UsageError(fmt::format("{}: {} is expected", name, kExpected));
   }
 }
-
-}  // namespace
 
 std::string ProgramFile::StepText(size_t step) const {
   return fmt::format("{} ({})", places[step].label, places[step].what);
@@ -235,7 +236,7 @@ ProgramFile ReadProgram(const Document& document, const Arm& arm) {
 }
 
 ProgramFile ReadProgram(const std::string& path, const Arm& arm) {
-  return ReadProgram(ReadDocument(path), arm);
+  return ReadProgram(ReadProgramDocument(path), arm);
 }
 
 }  // namespace qal::io

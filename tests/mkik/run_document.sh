@@ -3,7 +3,8 @@
 # compares what they print with what the document shows; "..." stands for any text.
 # usage: run_document.sh DOCUMENT ARM TOOLS COUNT [TOML]
 # ARM is what the document calls arm.urdf, its toml block is TOML, my_arm.toml unless said; TOOLS is
-# the folder of the tools; COUNT is the least number of commands.
+# the folder of the tools; COUNT is the least number of commands. A command that is to fail ends in
+# "# exit status N".
 set -eu
 document=$1
 folder=$(mktemp -d)
@@ -21,9 +22,12 @@ awk '/^```/ { inside = ($0 == "```toml"); next } inside' "$document" > "${5:-my_
 n=1
 while [ -e "$n.command" ]; do
   echo "\$ $(cat "$n.command")"
-  if ! sh -e "./$n.command" > "$n.printed" 2>&1; then
+  expected=$(sed -n 's/.*# exit status \([0-9]*\)$/\1/p' "$n.command")
+  status=0
+  sh -e "./$n.command" > "$n.printed" 2>&1 || status=$?
+  if [ "$status" != "${expected:-0}" ]; then
     cat "$n.printed"
-    echo "failed"
+    echo "exit status $status, ${expected:-0} is expected"
     exit 1
   fi
   # Each shown line is a pattern: its own text, with ".*" for "...".

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 #include "qal_run.h"
 
@@ -67,6 +68,9 @@ TEST_F(Ik, ListsEverySolutionWithItsVerdict) {
                          [](const Json& solution) { return solution["chosen"].get<bool>(); });
   };
   EXPECT_EQ(1, chosen(all));
+  std::set<std::string> branches;
+  for (const Json& solution : all) branches.insert(solution["branch"]);
+  EXPECT_EQ(8, branches.size());
   const std::string table = Qal(ask).out;
   EXPECT_NE(std::string::npos, table.find("refused: joint 3 at -3.06458 rad, 0.097517 rad outside "
                                           "its limit of -2.96706 rad\n"))

@@ -42,6 +42,11 @@ void ExpectRefused(int status, const Row (&rows)[kCount]) {
 TEST_F(Refusal, OfBadUsageIsOneLine) {
   constexpr Row kRows[] = {
       {"", "", "a command is expected; qal --help lists them"},
+      {"explain", "", "a command is expected; qal explain --help lists them"},
+      {"explain", "lin", "'lin' is no command; qal explain --help lists them"},
+      {"explain line", FROM "--by 0 0 .1 --profile ramp --speed 5 --branches", "--branches goes with --profile limited"},
+      {"explain poses", "good.csv", "good.csv: line 1: no column 'x_m'..."},
+      {"explain program", "good.csv", "good.csv, line 1: not well-formed TOML..."},
       {"", "fkk", "'fkk' is no command; qal --help lists them"},
       {"fk", "1 2", "'1' was not expected; qal fk --help lists the options"},
       // Numbers: how many, and each of them.

@@ -33,24 +33,26 @@ std::string ShieldNumber(const std::string& argument) {
                                                                              : ' ' + argument;
 }
 
-// "TOOL", or "TOOL COMMAND" once a command has been read.
+// "TOOL", or "TOOL COMMAND" once a command has been read, and of one that has others the other.
 std::string WhoOf(const CLI::App& app) {
-  std::string who = app.get_name();
-  for (const CLI::App* command : app.get_subcommands()) who += ' ' + command->get_name();
-  return who;
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  return commands.empty() ? app.get_name() : app.get_name() + ' ' + WhoOf(*commands.front());
+}
+
+// The command of `app` that has others, and none of them was read; null: there is no such.
+const CLI::App* Unfinished(const CLI::App& app) {
+  const std::vector<CLI::App*> commands = app.get_subcommands();
+  if (!commands.empty()) return Unfinished(*commands.front());
+  return app.get_subcommands([](const CLI::App*) { return true; }).empty() ? nullptr : &app;
 }
 
 void Parse(CLI::App& app, const std::vector<std::string>& arguments) {
-  const bool has_commands = !app.get_subcommands([](const CLI::App*) { return true; }).empty();
-  std::vector<std::string> reversed(arguments.size());  // as the parser wants them
-  std::transform(arguments.rbegin(), arguments.rend(), reversed.begin(), ShieldNumber);
   try {
-    app.parse(reversed);
+    app.parse(ForParser(arguments));
   } catch (const CLI::ExtrasError&) {
     const std::string extra = app.remaining(true).front();
-    if (has_commands && app.get_subcommands().empty()) {
-      throw UsageError(
-          fmt::format("'{}' is no command; {} --help lists them", extra, app.get_name()));
+    if (Unfinished(app) != nullptr) {
+      throw UsageError(fmt::format("'{}' is no command; {} --help lists them", extra, WhoOf(app)));
     }
     throw UsageError(
         fmt::format("'{}' was not expected; {} --help lists the options", extra, WhoOf(app)));
@@ -62,12 +64,18 @@ void Parse(CLI::App& app, const std::vector<std::string>& arguments) {
     WriteStandardOutput(text.str());
     return;
   }
-  if (has_commands && app.get_subcommands().empty()) {
-    throw UsageError(fmt::format("a command is expected; {} --help lists them", app.get_name()));
+  if (Unfinished(app) != nullptr) {
+    throw UsageError(fmt::format("a command is expected; {} --help lists them", WhoOf(app)));
   }
 }
 
 }  // namespace
+
+std::vector<std::string> ForParser(const std::vector<std::string>& arguments) {
+  std::vector<std::string> reversed(arguments.size());
+  std::transform(arguments.rbegin(), arguments.rend(), reversed.begin(), ShieldNumber);
+  return reversed;
+}
 
 int RunTool(const std::string& name, const std::vector<std::string>& arguments,
             const std::function<void(CLI::App&)>& describe) {

@@ -13,6 +13,10 @@ inline std::vector<std::string> ArgumentsOf(int argc, const char* const* argv) {
   return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 
+/// Arguments as the parser wants them: the last first, and a number with a sign but no digit in
+/// front ("-.5") told apart from an option.
+std::vector<std::string> ForParser(const std::vector<std::string>& arguments);
+
 /// What main() of a tool is: reads the command line, and does what it asks for. Whatever goes wrong
 /// becomes one line on standard error, "TOOL COMMAND: TEXT", and an exit status of io/error.h: a
 /// UsageError and what the parser refuses 2, a Failure and everything else 1.

@@ -1,6 +1,9 @@
 #include <fmt/format.h>
 #include <qal/model/rotations.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "../../io/error.h"
 #include "../../io/messages.h"
 #include "line_arguments.h"
@@ -11,7 +14,7 @@ using namespace io;
 
 namespace {
 
-// Well inside a float.
+// What the number of a limit may be: far around any arm's, and well inside a float.
 float ReadLimit(const NumberOption& option, const Units& units) {
   const double limit =
       units.Metres(option.ReadWithin(units.Length(kLeastLimit), units.Length(kMostLimit)));
@@ -32,38 +35,61 @@ void NoteSCurve(const classic::Ends& ends, const std::vector<State>& plan, const
       100.0 * along_m / length_m));
 }
 
-Planner PlannerOf(const LineArguments& a) {
+}  // namespace
+
+ClassicLine ClassicLine::Slower(double part) const {
+  const auto fewer = [part](int whole) {
+    return std::max(1, static_cast<int>(std::floor(part * whole)));
+  };
+  const auto less = [part](float limit) { return static_cast<float>(part * limit); };
+  return {fewer(speed),
+          precision * part,
+          {less(s_curve.acceleration_m_s2), less(s_curve.jerk_m_s3), s_curve.motor_speed_rpm}};
+}
+
+ClassicLine ReadClassicLine(const LineArguments& a) {
   const Units& units = a.plan.common.units;
+  ClassicLine line;
   if (a.profile == "s-curve") {
-    const classic::SCurveLimits limits{ReadLimit(a.acc, units), ReadLimit(a.jerk, units),
-                                       a.motor_rpm.ReadWhole(1, kMostSetting)};
-    return [limits, &units](const Arm& arm, const classic::Ends& ends,
-                            const classic::Listener& listener) {
-      classic::Plan plan = classic::SCurveLine(arm, ends, limits, listener);
-      if (plan) NoteSCurve(ends, *plan, units);
-      return plan;
-    };
+    line.s_curve = {ReadLimit(a.acc, units), ReadLimit(a.jerk, units),
+                    a.motor_rpm.ReadWhole(1, kMostSetting)};
+  } else if (a.precision.given()) {
+    line.precision = a.precision.ReadWithin(kLeastLimit, kMostLimit);
+  } else {
+    line.speed = a.speed.ReadWhole(1, kMostSetting);
+  }
+  return line;
+}
+
+Planner ClassicPlanner(const LineArguments& a, const ClassicLine& line) {
+  if (a.profile == "s-curve") {
+    return
+        [limits = line.s_curve](const Arm& arm, const classic::Ends& ends, const auto& listener) {
+          return classic::SCurveLine(arm, ends, limits, listener);
+        };
   }
   if (a.precision.given()) {
-    const double precision = a.precision.ReadWithin(1e-6, 1e6);
-    return [precision](const Arm& arm, const classic::Ends& ends, const auto& listener) {
+    return [precision = line.precision](const Arm& arm, const classic::Ends& ends,
+                                        const auto& listener) {
       return classic::FineLine(arm, ends, precision, listener);
     };
   }
-  const int speed = a.speed.ReadWhole(1, kMostSetting);
   const auto plan = a.profile == "ramp" ? classic::RampedLine : classic::FixedLine;
-  return [plan, speed](const Arm& arm, const classic::Ends& ends, const auto& listener) {
-    return plan(arm, ends, speed, listener);
-  };
+  return
+      [plan, speed = line.speed](const Arm& arm, const classic::Ends& ends, const auto& listener) {
+        return plan(arm, ends, speed, listener);
+      };
 }
 
-}  // namespace
-
 void RunClassicLine(const LineArguments& a) {
-  if (a.profile == "fixed" && a.speed.given() == a.precision.given()) {
-    throw UsageError("--profile fixed: one of --speed and --precision is expected");
-  }
-  RunClassic(a.ends, a.plan, PlannerOf(a));
+  const Planner planner = ClassicPlanner(a, ReadClassicLine(a));
+  if (a.profile != "s-curve") return RunClassic(a.ends, a.plan, planner);
+  const Units& units = a.plan.common.units;
+  RunClassic(a.ends, a.plan, [&](const Arm& arm, const classic::Ends& ends, const auto& listener) {
+    classic::Plan plan = planner(arm, ends, listener);
+    if (plan) NoteSCurve(ends, *plan, units);
+    return plan;
+  });
 }
 
 }  // namespace qal::tools

@@ -21,6 +21,7 @@ void AddJog(CLI::App& app, const SharedArm& arm);
 void AddLine(CLI::App& app, const SharedArm& arm);
 void AddJoint(CLI::App& app, const SharedArm& arm);
 void AddPlan(CLI::App& app, const SharedArm& arm);
+void AddExplain(CLI::App& app, const SharedArm& arm);
 void AddConvert(CLI::App& app, const SharedArm& arm);
 void AddVerify(CLI::App& app, const SharedArm& arm);
 void AddPlot(CLI::App& app, const SharedArm& arm);

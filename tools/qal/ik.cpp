@@ -1,6 +1,5 @@
 #include <fmt/format.h>
 #include <qal/model/rotations.h>
-#include <qal/solve/kinematics.h>
 
 #include <CLI/CLI.hpp>
 #include <cmath>
@@ -8,42 +7,16 @@
 
 #include "../../io/error.h"
 #include "../../io/trajectory_csv.h"
-#include "commands.h"
-#include "output.h"
+#include "ik_arguments.h"
 #include "point_file.h"
 #include "pose_option.h"
+#include "solution_table.h"
 
 namespace qal::tools {
 
 using namespace io;
 
 namespace {
-
-struct IkArguments {
-  NumberOption pose;
-  NumberOption rpy;
-  NumberOption near;
-  NumberOption step_bound;
-  std::string file;
-  bool all = false;
-  CommonOptions common;
-};
-
-// What is asked for, beside the pose.
-struct Request {
-  Joints near;
-  InverseOptions options;
-};
-
-Request ReadRequest(const IkArguments& arguments) {
-  const Units& units = arguments.common.units;
-  Request request = {};
-  if (arguments.near.given()) request.near = ReadJoints(arguments.near, units);
-  if (arguments.step_bound.given()) {
-    request.options.step_bound_rad = units.Radians(arguments.step_bound.ReadWithin(0.0, 1000.0));
-  }
-  return request;
-}
 
 // Why a pose is without a solution, or without an admissible one.
 std::string WhyUnsolved(const Error& error, const Units& units) {
@@ -52,50 +25,38 @@ std::string WhyUnsolved(const Error& error, const Units& units) {
          ErrorText(error, units.text());
 }
 
-std::string VerdictOn(const Candidate& candidate, bool chosen, const Units& units) {
-  if (candidate.refusal) return ErrorText(*candidate.refusal, units.text());
+std::string VerdictOn(const ExplainedSolution& solution, bool chosen) {
+  if (solution.refusal) return ErrorText(*solution.refusal);
   return chosen ? "chosen" : "admissible";
 }
 
-std::string SolutionTable(const std::vector<Candidate>& candidates, size_t chosen,
-                          const Units& units) {
-  std::string table = "solution";
-  for (int j = 1; j <= 6; ++j) {
-    table += fmt::format(" {:>11}", fmt::format("q{} [{}]", j, units.angle()));
-  }
-  table += fmt::format(" {:>15}  verdict\n", fmt::format("distance [{}]", units.angle()));
-  for (size_t i = 0; i < candidates.size(); ++i) {
-    const auto& [joints, distance_rad, refusal] = candidates[i];
-    table += fmt::format("{:>8}", i + 1);
-    for (const double joint : joints)
-      table += fmt::format(" {:>11}", Decimal(units.Angle(joint), 6));
-    table += fmt::format(" {:>15}  {}{}\n", Decimal(units.Angle(distance_rad), 6),
-                         refusal ? "refused: " : "", VerdictOn(candidates[i], i == chosen, units));
-  }
-  return table;
-}
-
-std::string SolutionJson(const std::vector<Candidate>& candidates, size_t chosen,
+std::string SolutionJson(const std::vector<ExplainedSolution>& solutions, size_t chosen,
                          const LoadedArm& loaded) {
   Json list = Json::array();
-  for (size_t i = 0; i < candidates.size(); ++i) {
-    const auto& [joints, distance_rad, refusal] = candidates[i];
+  for (size_t i = 0; i < solutions.size(); ++i) {
+    const auto& [joints, branch, distance_rad, refusal] = solutions[i];
     list.push_back({{"joints_rad", joints},
+                    {"branch", branch ? Json(BranchName(*branch)) : Json(nullptr)},
                     {"distance_rad", distance_rad},
                     {"admissible", !refusal},
                     {"chosen", i == chosen},
-                    {"verdict", VerdictOn(candidates[i], i == chosen, Units())}});
+                    {"verdict", VerdictOn(solutions[i], i == chosen)}});
   }
   return Json{{"arm", ArmJson(loaded)}, {"solutions", list}}.dump(2) + '\n';
 }
 
 void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& pose,
-            const Request& request) {
-  const auto& [arm_option, units, output] = arguments.common;
+            const IkRequest& request) {
+  const Units& units = arguments.common.units;
+  const Output& output = arguments.common.output;
   const auto candidates = Inverse(loaded.arm, pose, request.near, request.options);
   if (!candidates) {
     throw Failure(fmt::format("no solution at {}: {}", PoseText(pose, units),
                               ErrorText(candidates.error(), units.text())));
+  }
+  std::vector<ExplainedSolution> solutions;
+  for (const auto& [joints, distance_rad, refusal] : *candidates) {
+    solutions.push_back({joints, BranchOf(loaded.arm, joints), distance_rad, refusal});
   }
   // The first one that has the joints: a solver may give the same ones several times.
   const Result<State> nearest = Nearest(loaded.arm, pose, request.near, request.options);
@@ -105,8 +66,11 @@ void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& p
     ++chosen;
   }
   if (!nearest) chosen = candidates->size();
-  output.Write(output.json() ? SolutionJson(*candidates, chosen, loaded)
-                             : ArmRow(loaded) + SolutionTable(*candidates, chosen, units),
+  const auto table = [&] {
+    return SolutionTable(solutions, units,
+                         [chosen](size_t i) { return i == chosen ? "chosen" : "admissible"; });
+  };
+  output.Write(output.json() ? SolutionJson(solutions, chosen, loaded) : ArmRow(loaded) + table(),
                [] { return std::string(); });
   if (!nearest) {
     throw Failure(fmt::format("none of the {} solutions is admissible", candidates->size()));
@@ -114,7 +78,7 @@ void RunAll(const IkArguments& arguments, const LoadedArm& loaded, const Pose& p
 }
 
 void RunOne(const IkArguments& arguments, const LoadedArm& loaded, const Pose& pose,
-            const Request& request) {
+            const IkRequest& request) {
   const auto& [arm_option, units, output] = arguments.common;
   const Result<State> solved = Nearest(loaded.arm, pose, request.near, request.options);
   if (!solved) {
@@ -136,13 +100,10 @@ void RunOne(const IkArguments& arguments, const LoadedArm& loaded, const Pose& p
 }
 
 void RunIk(const IkArguments& arguments) {
-  const bool file = !arguments.file.empty();
-  if (file && (arguments.pose.given() || arguments.rpy.given() || arguments.all)) {
-    throw UsageError("--pose, --rpy and --all do not go with --file");
-  }
+  arguments.Check();
   const LoadedArm loaded = arguments.common.arm->Load();
-  Request request = ReadRequest(arguments);
-  if (file) {
+  IkRequest request = arguments.ReadRequest();
+  if (!arguments.file.empty()) {
     return SolveFile(arguments.file, PointKind::kPoses, loaded, arguments.common,
                      [&](const FileSample& row) {
                        auto solved = Nearest(loaded.arm, *row.pose, request.near, request.options);
@@ -157,28 +118,52 @@ void RunIk(const IkArguments& arguments) {
 
 }  // namespace
 
-void AddIk(CLI::App& app, const SharedArm& arm) {
-  const auto arguments = std::make_shared<IkArguments>();
-  CLI::App* ik = app.add_subcommand(
-      "ik", "Inverse kinematics: the joint angles of a pose, within the arm's limits");
-  arguments->pose.AddTo(*ik, "--pose", kPoseShape, kPoseHelp);
-  arguments->rpy.AddTo(*ik, "--rpy", kRpyShape, kRpyHelp);
-  ik->add_option(
-        "--file", arguments->file,
+void IkArguments::AddTo(CLI::App& ik, const SharedArm& arm) {
+  pose.AddTo(ik, "--pose", kPoseShape, kPoseHelp);
+  rpy.AddTo(ik, "--rpy", kRpyShape, kRpyHelp);
+  ik.add_option(
+        "--file", file,
         "a CSV file of poses in place of --pose, with the columns x_m,y_m,z_m,qw,qx,qy,qz;\n"
         "each row is solved near the solution of the row before, the first near --near;\n"
         "-: standard input")
       ->type_name("FILE");
-  arguments->near.AddTo(*ik, "--near", kJointsShape,
-                        "reference joints [rad; --deg: deg]: the nearest solution is chosen, by\n"
-                        "the sum of the joint differences (default: all 0)");
-  arguments->step_bound.AddTo(*ik, "--step-bound", "N",
-                              "largest move of each joint from the reference [rad; --deg: deg]\n"
-                              "(default: any)");
-  arguments->common.AddTo(*ik, arm, false);
-  ik->add_flag("--all", arguments->all,
-               "list every solution, its distance from --near, and why it was refused")
-      ->excludes(ik->get_option("--csv"));
+  AddRequestTo(ik);
+  common.AddTo(ik, arm, false);
+  ik.add_flag("--all", all,
+              "list every solution, its distance from --near, its branch, and why it was refused")
+      ->excludes(ik.get_option("--csv"));
+}
+
+void IkArguments::AddRequestTo(CLI::App& ik) {
+  near.AddTo(ik, "--near", kJointsShape,
+             "reference joints [rad; --deg: deg]: the nearest solution is chosen, by\n"
+             "the sum of the joint differences (default: all 0)");
+  step_bound.AddTo(ik, "--step-bound", "N",
+                   "largest move of each joint from the reference [rad; --deg: deg]\n"
+                   "(default: any)");
+}
+
+void IkArguments::Check() const {
+  if (!file.empty() && (pose.given() || rpy.given() || all)) {
+    throw UsageError("--pose, --rpy and --all do not go with --file");
+  }
+}
+
+IkRequest IkArguments::ReadRequest() const {
+  const Units& units = common.units;
+  IkRequest request = {};
+  if (near.given()) request.near = ReadJoints(near, units);
+  if (step_bound.given()) {
+    request.options.step_bound_rad = units.Radians(step_bound.ReadWithin(0.0, 1000.0));
+  }
+  return request;
+}
+
+void AddIk(CLI::App& app, const SharedArm& arm) {
+  const auto arguments = std::make_shared<IkArguments>();
+  CLI::App* ik = app.add_subcommand(
+      "ik", "Inverse kinematics: the joint angles of a pose, within the arm's limits");
+  arguments->AddTo(*ik, arm);
   ik->footer(
       "Exit status: 0 done, 1 when the pose, or a row of the file, has no admissible solution.\n"
       "Example: qal ik --pose 0.45 0.1 0.5 --rpy 0 3.14159 0 --near 0 0.3 0.2 0 1 0");

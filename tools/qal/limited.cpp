@@ -23,12 +23,25 @@ LimitScale ReadScale(const NumberOption& scale) {
   return {part, part, part};
 }
 
+std::string RefusalText(const PlanFailure& failure, const std::string& path,
+                        const std::string& command, const Units& units) {
+  const std::string text = PlanFailureText(failure, path, units.text());
+  switch (failure.error.reason) {
+    case Reason::kOutOfReach:
+    case Reason::kJointRange:
+    case Reason::kSingularity:
+      return fmt::format("{}; qal explain {} says more", text, command);
+    default:
+      return text;
+  }
+}
+
 State EndOf(const Arm& arm, const classic::Ends& ends, const Units& units) {
   if (ends.end_joints) return {*ends.end_joints, ends.end};
   const Result<State> solved = Nearest(arm, ends.end, ends.start.joints);
   if (solved) return *solved;
-  throw Failure(fmt::format("no solution at the end, {}: {}", PoseText(ends.end, units),
-                            ErrorText(solved.error(), units.text())));
+  throw Failure(fmt::format("no solution at the end, {}: {}; qal explain joint says more",
+                            PoseText(ends.end, units), ErrorText(solved.error(), units.text())));
 }
 
 namespace {

@@ -20,6 +20,11 @@ void AddScale(NumberOption& scale, CLI::App& command);
 /// The part of the arm's limits that --scale says, or all of them.
 LimitScale ReadScale(const NumberOption& scale);
 
+/// A failure to plan in words, with the command that says more about one on the way.
+/// @param path as for `PlanFailureText`
+std::string RefusalText(const PlanFailure& failure, const std::string& path,
+                        const std::string& command, const Units& units);
+
 /// The end of a move; of a pose, the joints nearest the start's.
 /// @throw Failure when there are none
 State EndOf(const Arm& arm, const classic::Ends& ends, const Units& units);

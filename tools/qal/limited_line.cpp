@@ -14,28 +14,27 @@ namespace qal::tools {
 
 using namespace io;
 
-namespace {
-
-LineLimits ReadLimits(const LineArguments& a) {
+LineLimits ReadLineLimits(const LineArguments& a) {
   const Units& units = a.plan.common.units;
   LineLimits limits;
-  const auto read = [](const NumberOption& option, double unit, double& limit) {
-    if (option.given()) limit = option.ReadWithin(kLeastLimit / unit, kMostLimit / unit) * unit;
+  const auto length = [&units](const NumberOption& option, double& limit) {
+    if (!option.given()) return;
+    limit = units.Metres(option.ReadWithin(units.Length(kLeastLimit), units.Length(kMostLimit)));
   };
-  const double metres = units.Metres(1);
-  const double radians = units.Radians(1);
-  read(a.speed, metres, limits.speed_m_s);
-  read(a.acc, metres, limits.acceleration_m_s2);
-  read(a.jerk, metres, limits.jerk_m_s3);
-  read(a.turn_speed, radians, limits.turn_speed_rad_s);
-  read(a.turn_acc, radians, limits.turn_acceleration_rad_s2);
-  read(a.turn_jerk, radians, limits.turn_jerk_rad_s3);
+  const auto angle = [&units](const NumberOption& option, double least, double most,
+                              double& limit) {
+    if (!option.given()) return;
+    limit = units.Radians(option.ReadWithin(units.Angle(least), units.Angle(most)));
+  };
+  length(a.speed, limits.speed_m_s);
+  length(a.acc, limits.acceleration_m_s2);
+  length(a.jerk, limits.jerk_m_s3);
+  angle(a.turn_speed, kLeastLimit, kMostLimit, limits.turn_speed_rad_s);
+  angle(a.turn_acc, kLeastLimit, kMostLimit, limits.turn_acceleration_rad_s2);
+  angle(a.turn_jerk, kLeastLimit, kMostLimit, limits.turn_jerk_rad_s3);
   limits.scale = ReadScale(a.scale);
-  if (a.max_orientation_error.given()) {
-    constexpr double kMostErrorRad = 0.5;
-    limits.max_orientation_error_rad =
-        a.max_orientation_error.ReadWithin(0, kMostErrorRad / radians) * radians;
-  }
+  constexpr double kMostErrorRad = 0.5;
+  angle(a.max_orientation_error, 0, kMostErrorRad, limits.max_orientation_error_rad);
   constexpr double kFastMS = 10;  // beyond any arm of six axes
   if (!units.text().millimetres && limits.speed_m_s > kFastMS) {
     Note(fmt::format("--speed: {:.9g} m/s is fast; are these millimetres? --mm reads them",
@@ -44,20 +43,19 @@ LineLimits ReadLimits(const LineArguments& a) {
   return limits;
 }
 
-// A line keeps the configuration that it begins in.
-void ExpectEnd(const LineMotion& motion, const classic::Ends& ends, const Units& units) {
-  if (!ends.end_joints) return;
+std::optional<Error> ArrivesElsewhere(const LineMotion& motion, const classic::Ends& ends) {
+  if (!ends.end_joints) return std::nullopt;
   constexpr double kSameRad = 1e-6;
   const Joints arrived = motion.At(motion.duration_s()).joints;
   for (size_t j = 0; j < arrived.size(); ++j) {
-    const double wanted = (*ends.end_joints)[j];
-    if (std::fabs(arrived[j] - wanted) <= kSameRad) continue;
-    throw Failure(fmt::format(
-        "the line arrives with other joints than --to has: joint {} at {:.6g} {}, not {:.6g}; a "
-        "joint move gets there, or --to-pose takes the joints as they come",
-        j + 1, units.Angle(arrived[j]), units.angle(), units.Angle(wanted)));
+    const double off = (*ends.end_joints)[j] - arrived[j];
+    if (std::fabs(off) <= kSameRad) continue;
+    return Error{Reason::kConfiguration, static_cast<int>(j), off, kSameRad};
   }
+  return std::nullopt;
 }
+
+namespace {
 
 std::string PathRows(const LineMotion& motion, const Units& units) {
   std::string rows = ValueRow(fmt::format("turn of the tool [{}]", units.angle()),
@@ -71,23 +69,34 @@ std::string PathRows(const LineMotion& motion, const Units& units) {
 
 }  // namespace
 
-void RunLimitedLine(const LineArguments& a) {
+LimitedLine PlanLimitedLine(const LineArguments& a, const Arm& arm) {
   const Units& units = a.plan.common.units;
-  const LineLimits limits = ReadLimits(a);
+  const LineLimits limits = ReadLineLimits(a);
+  const classic::Ends ends = a.ends.Read(units, arm);
+  auto motion = PlanLine(arm, ends.start, ends.end, limits);
+  if (!motion) throw Failure(RefusalText(motion.error(), "line", "line", units));
+  if (const auto error = ArrivesElsewhere(*motion, ends)) {
+    const double wanted = (*ends.end_joints)[static_cast<size_t>(error->joint)];
+    throw Failure(fmt::format(
+        "the line arrives with other joints than --to has: joint {} at {:.6g} {}, not {:.6g}; a "
+        "joint move gets there, or --to-pose takes the joints as they come",
+        error->joint + 1, units.Angle(wanted - error->value), units.angle(), units.Angle(wanted)));
+  }
+  auto samples = Sampled(arm, *motion);
+  if (!samples) throw Failure(PlanFailureText(samples.error(), "line", units.text()));
+  return {*std::move(motion), *std::move(samples)};
+}
+
+void RunLimitedLine(const LineArguments& a) {
   const LoadedArm loaded = a.plan.common.arm->Load();
-  const classic::Ends ends = a.ends.Read(units, loaded.arm);
-  const auto motion = PlanLine(loaded.arm, ends.start, ends.end, limits);
-  if (!motion) throw Failure(PlanFailureText(motion.error(), "line", units.text()));
-  ExpectEnd(*motion, ends, units);
-  auto trajectory = Sampled(loaded.arm, *motion);
-  if (!trajectory) throw Failure(PlanFailureText(trajectory.error(), "line", units.text()));
+  const auto [motion, samples] = PlanLimitedLine(a, loaded.arm);
   WriteLimited(a.plan, loaded,
-               {*std::move(trajectory), motion->bindings(),
-                [&motion](double time_s) { return motion->AlongAt(time_s); }},
-               PathRows(*motion, units),
-               {{"length_m", motion->length_m()},
-                {"angle_rad", motion->angle_rad()},
-                {"orientation_error_rad", motion->orientation_error_rad()}});
+               {samples, motion.bindings(),
+                [&motion = motion](double time_s) { return motion.AlongAt(time_s); }},
+               PathRows(motion, a.plan.common.units),
+               {{"length_m", motion.length_m()},
+                {"angle_rad", motion.angle_rad()},
+                {"orientation_error_rad", motion.orientation_error_rad()}});
 }
 
 }  // namespace qal::tools

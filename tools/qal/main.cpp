@@ -2,6 +2,8 @@
 
 #include <CLI/CLI.hpp>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "../../io/error.h"
 #include "../../io/files.h"
@@ -17,22 +19,25 @@ using namespace qal::io;
 
 // The text of a help option, for those who look for a command.
 void AddHelp(CLI::App& app) {
-  const auto about = std::make_shared<std::string>();
+  const auto about = std::make_shared<std::vector<std::string>>();
   CLI::App* help = app.add_subcommand("help", "Describe a command, with an example");
-  help->add_option("COMMAND", *about, "the command; without it, all are listed");
+  help->add_option("COMMAND", *about, "the command; without it, all are listed")->type_name("");
   help->footer("Example: qal help line");
   help->callback([&app, about] {
-    // Not app.help(), which is the help of the command that was given: of this one.
-    const auto text = [&app](const CLI::App& command, const std::string& prefix) {
-      return app.get_formatter()->make_help(&command, prefix, CLI::AppFormatMode::Normal);
-    };
-    if (about->empty()) return WriteStandardOutput(text(app, app.get_name()));
-    try {
-      const CLI::App& command = *app.get_subcommand(*about);
-      WriteStandardOutput(text(command, app.get_name() + ' ' + command.get_name()));
-    } catch (const CLI::OptionNotFound&) {
-      throw UsageError(fmt::format("'{}' is no command; qal help lists them", *about));
+    const CLI::App* command = &app;
+    std::string prefix = app.get_name();
+    for (const std::string& name : *about) {
+      try {
+        command = command->get_subcommand(name);
+      } catch (const CLI::OptionNotFound&) {
+        throw UsageError(fmt::format("'{}' is no command; {} lists them", name,
+                                     command == &app ? "qal help" : "qal help explain"));
+      }
+      prefix += ' ' + command->get_name();
     }
+    // Not app.help(), which is the help of the command that was given: of this one.
+    WriteStandardOutput(
+        app.get_formatter()->make_help(command, prefix, CLI::AppFormatMode::Normal));
   });
 }
 
@@ -48,8 +53,8 @@ void Describe(CLI::App& app) {
       "--version", [arm] { return arm->Version("qal"); },
       "the version, and the arm that would be used");
   app.require_subcommand(0, 1);
-  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddPlan, AddConvert, AddVerify,
-                    AddReport, AddPlot})
+  for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddPlan, AddExplain, AddConvert,
+                    AddVerify, AddReport, AddPlot})
     add(app, arm);
   AddHelp(app);
 }

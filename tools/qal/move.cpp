@@ -29,13 +29,22 @@ void EndOptions::AddTo(CLI::App& command) {
 }
 
 classic::Ends EndOptions::Read(const Units& units, const Arm& arm) const {
+  return Read(units, arm,
+              [&](const NumberOption& joints) { return ReadArmJoints(joints, units, arm); });
+}
+
+classic::Ends EndOptions::ReadAny(const Units& units, const Arm& arm) const {
+  return Read(units, arm, [&](const NumberOption& joints) { return ReadJoints(joints, units); });
+}
+
+classic::Ends EndOptions::Read(const Units& units, const Arm& arm, const JointsReader& read) const {
   if (to_.given() + to_pose_.given() + by_.given() != 1) {
     throw UsageError("one of --to, --to-pose and --by is expected, for the end");
   }
   if (rpy_.given() && !to_pose_.given()) throw UsageError("--rpy goes with --to-pose");
-  const State start = StateAt(arm, ReadArmJoints(from_, units, arm));
+  const State start = StateAt(arm, read(from_));
   if (to_.given()) {
-    const State end = StateAt(arm, ReadArmJoints(to_, units, arm));
+    const State end = StateAt(arm, read(to_));
     return {start, end.pose, end.joints};
   }
   const Quat& kept = start.pose.orientation;
@@ -105,6 +114,12 @@ std::string FailureText(const classic::Failure& failure, const classic::Ends& en
   }
 }
 
+void ExpectWithin(const PlanOptions& options, const Verdict& verdict) {
+  if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
+    throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
+  }
+}
+
 }  // namespace
 
 double LengthOf(const FileTrajectory& plan) {
@@ -154,20 +169,25 @@ void WritePlan(const PlanOptions& options, const LoadedArm& loaded, const FileTr
       output.json() ? all.dump() + '\n' : ArmRow(loaded) + answer + VerdictRows(verdict, units),
       plan, arm);
   NoteExceeded(verdict, units);
-  if (const int exceeded = verdict.Exceeded(); options.strict && exceeded > 0) {
-    throw Failure(fmt::format("{} of the arm's limits exceeded", exceeded));
-  }
+  ExpectWithin(options, verdict);
+}
+
+void ExpectWithinLimits(const PlanOptions& options, const FileTrajectory& plan, const Arm& arm) {
+  if (options.strict) ExpectWithin(options, Judge(plan, arm));
+}
+
+FileTrajectory PlanClassic(const EndOptions& ends, const PlanOptions& options,
+                           const Planner& planner, const Arm& arm) {
+  const classic::Ends read = ends.Read(options.common.units, arm);
+  const classic::Plan plan = planner(arm, read, options.Listener());
+  if (!plan) throw Failure(FailureText(plan.error(), read, options.common.units));
+  return FromStates(*plan, arm.cycle_s().value);
 }
 
 void RunClassic(const EndOptions& ends, const PlanOptions& options, const Planner& planner) {
-  const Units& units = options.common.units;
   const LoadedArm loaded = options.common.arm->Load();
-  const classic::Ends read = ends.Read(units, loaded.arm);
-  const classic::Plan plan = planner(loaded.arm, read, options.Listener());
-  if (!plan) throw Failure(FailureText(plan.error(), read, units));
-  const FileTrajectory trajectory = FromStates(*plan, loaded.arm.cycle_s().value);
-  WritePlan(options, loaded, trajectory, Summary(trajectory, loaded.arm, units),
-            ToJson(trajectory));
+  const FileTrajectory plan = PlanClassic(ends, options, planner, loaded.arm);
+  WritePlan(options, loaded, plan, Summary(plan, loaded.arm, options.common.units), ToJson(plan));
 }
 
 }  // namespace qal::tools

@@ -21,9 +21,15 @@ class EndOptions {
  public:
   /// Adds --from, --to, --to-pose, --rpy and --by.
   void AddTo(CLI::App& command);
+  /// @throw UsageError for joints outside of the arm's range
   classic::Ends Read(const Units& units, const Arm& arm) const;
+  /// The same with any joints, to tell what becomes of them.
+  classic::Ends ReadAny(const Units& units, const Arm& arm) const;
 
  private:
+  using JointsReader = std::function<Joints(const NumberOption& joints)>;
+  classic::Ends Read(const Units& units, const Arm& arm, const JointsReader& read) const;
+
   NumberOption from_;
   NumberOption to_;
   NumberOption to_pose_;
@@ -77,6 +83,14 @@ std::string Summary(const io::FileTrajectory& plan, const Arm& arm, const Units&
 /// Plans between two ends by a classic operation.
 using Planner =
     std::function<classic::Plan(const Arm&, const classic::Ends&, const classic::Listener&)>;
+
+/// @throw Failure with --strict, when a limit of the arm is exceeded
+void ExpectWithinLimits(const PlanOptions& options, const io::FileTrajectory& plan, const Arm& arm);
+
+/// Reads the ends and plans by a classic operation.
+/// @throw Failure when there is no plan: where, and why
+io::FileTrajectory PlanClassic(const EndOptions& ends, const PlanOptions& options,
+                               const Planner& planner, const Arm& arm);
 
 /// Reads the ends, plans by a classic operation, judges and writes.
 /// @throw Failure when there is no plan: where, and why

@@ -12,8 +12,8 @@
 #include "../../io/program_file.h"
 #include "../../io/trajectory_json.h"
 #include "../common/progress.h"
-#include "commands.h"
 #include "limited.h"
+#include "plan_arguments.h"
 #include "plan_report.h"
 #include "plan_summary.h"
 
@@ -21,18 +21,12 @@ namespace qal::tools {
 
 using namespace io;
 
-namespace {
-
-struct PlanArguments {
-  std::string program;
-  PlanOptions plan;
-};
-
-// What a step's way is called.
 const char* WayOf(const ProgramStep& step) {
   if (std::holds_alternative<LineStep>(step)) return "line";
   return std::holds_alternative<ArcStep>(step) ? "arc" : "move";
 }
+
+namespace {
 
 PlannedProgram Planned(const std::string& path, const Arm& arm, const Units& units) {
   ProgramFile file = ReadProgram(path, arm);
@@ -44,7 +38,7 @@ PlannedProgram Planned(const std::string& path, const Arm& arm, const Units& uni
   const auto& [failure, step] = motion.error();
   throw Failure(
       fmt::format("{}: {}", file.Place(step),
-                  PlanFailureText(failure, WayOf(file.program.steps[step]), units.text())));
+                  RefusalText(failure, WayOf(file.program.steps[step]), "program", units)));
 }
 
 // The length of the tool's way. Another tool is elsewhere at once, which is no way: what lies about
@@ -92,20 +86,23 @@ void RunPlan(const PlanArguments& a) {
 
 }  // namespace
 
+void PlanArguments::AddTo(CLI::App& plan_command, const SharedArm& arm) {
+  plan_command.add_option("PROGRAM", program, "program in TOML or JSON; -: standard input")
+      ->required();
+  plan.common.arm = arm;
+  arm->AddTo(plan_command);
+  plan.common.units.AddTo(plan_command);
+  plan.common.output.AddTrajectoryTo(plan_command);
+  plan.AddJudgingTo(plan_command);
+}
+
 void AddPlan(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<PlanArguments>();
   CLI::App* plan = app.add_subcommand(
       "plan",
       "A whole program: joint moves, lines and arcs, corners passed without a stop, within every "
       "limit");
-  plan->add_option("PROGRAM", arguments->program, "program in TOML or JSON; -: standard input")
-      ->required();
-  PlanOptions& options = arguments->plan;
-  options.common.arm = arm;
-  arm->AddTo(*plan);
-  options.common.units.AddTo(*plan);
-  options.common.output.AddTrajectoryTo(*plan);
-  options.AddJudgingTo(*plan);
+  arguments->AddTo(*plan, arm);
   plan->footer(
       "docs/programs.md describes the file's keys: points, limits, zones and steps.\n"
       "Numbers of the program are in the units that its keys name; --deg and --mm are for the\n"

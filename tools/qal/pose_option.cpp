@@ -36,6 +36,10 @@ Quat Normalised(const double* q, const std::string& where) {
     Note(fmt::format("{}: the quaternion has the length {:.6g} and is normalised", where,
                      largest * norm));
   }
+  // One of length 1 but for rounding stays to the bit, so that what is printed reads back as it
+  // was.
+  constexpr double kRounding = 1e-15;
+  if (std::fabs(largest * norm - 1.0) <= kRounding) return {q[0], q[1], q[2], q[3]};
   return {w / norm, x / norm, y / norm, z / norm};
 }
 

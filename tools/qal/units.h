@@ -11,6 +11,8 @@ namespace qal::tools {
 /// Units of the numbers on the command line and in tables. Files and JSON keep radians and metres.
 class Units {
  public:
+  explicit Units(const io::TextUnits& text = {}) : text_(text) {}
+
   /// Adds --deg and --mm.
   void AddTo(CLI::App& command);
 
