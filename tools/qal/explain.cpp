@@ -94,7 +94,8 @@ void WriteExplained(const CommonOptions& common, const ReportOption& report,
     Report page = {"", "qal explain " + request.what, {}, explanation};
     if (!answer.motion.empty()) {
       // The motion as far as it gets has other times.
-      if (!request.why.works()) page.explanation["point"]["time_s"] = nullptr;
+      Json& point = page.explanation["point"];
+      if (!request.why.works() && point.is_object()) point["time_s"] = nullptr;
       page.motions.push_back(
           {request.why.works() ? request.what : "as far as it gets",
            FindingsOf(loaded, {answer.motion, {}}, LimitsOf(loaded.arm), false)});
