@@ -9,7 +9,6 @@
 #include "../plan/joint_limits.h"
 #include "../plan/joint_path.h"
 #include "../plan/tool_path.h"
-#include "smallest_vector.h"
 
 namespace qal {
 
@@ -74,13 +73,18 @@ std::vector<ExplainedSolution> SolutionsOf(const Arm& arm, const Pose& pose, con
   return solutions;
 }
 
-double ScaleOf(const Arm& arm, const Pose& pose) {
+VectorSearch ShiftSearch(const Arm& arm, const Pose& pose, double shortest_m) {
   const auto zero = Forward(arm, {});
   const Vector3 base = ToVector(arm.base().position);
   const double to_zero = zero ? Length(ToVector(zero->position) - base) : 0;
-  const double scale = std::max(to_zero, Length(ToVector(pose.position) - base));
-  return scale > 0 ? scale : 1;
+  const double size = to_zero > 0 ? to_zero : 1;
+  const Vector3 home = base - ToVector(pose.position);
+  // To the other side of the arm, from anywhere but where nobody would put a pose.
+  const double longest = std::min(Length(home), 20 * size) + size;
+  return {shortest_m, longest, size / 4, 1e5, {home}};
 }
+
+VectorSearch TurnSearch() { return {0.005, kPi, kPi / 4, 1e4}; }
 
 Pose TurnedBy(const Pose& pose, const Vector3& rotation) {
   const double angle = Length(rotation);
@@ -103,9 +107,7 @@ Vector3 ToolMoveOf(const Vector3& shift, const Pose& pose) {
 }
 
 std::optional<Vec3> WayBack(const Arm& arm, const Pose& pose, const Joints& near) {
-  const Vector3 home = ToVector(arm.base().position) - ToVector(pose.position);
-  const VectorSearch search = {1e-5, 4 * ScaleOf(arm, pose), 1e5, {home}};
-  const auto shift = SmallestVector(search, [&](const Vector3& by) {
+  const auto shift = SmallestVector(ShiftSearch(arm, pose, 1e-5), [&](const Vector3& by) {
     return Nearest(arm, ShiftedBy(pose, by), near).has_value();
   });
   if (!shift) return std::nullopt;

@@ -8,6 +8,7 @@
 #include "../model/frames.h"
 #include "../solve/kinematics.h"
 #include "explanation.h"
+#include "smallest_vector.h"
 
 // Internal: what the failures have in common.
 namespace qal {
@@ -32,8 +33,11 @@ std::vector<ExplainedSolution> SolutionsOf(const Arm& arm, const Pose& pose, con
 /// The shortest shift after which a pose has a solution within the joints' range.
 std::optional<Vec3> WayBack(const Arm& arm, const Pose& pose, const Joints& near);
 
-/// How far an arm's poses are from its base, about [m]: the scale of searches.
-double ScaleOf(const Arm& arm, const Pose& pose);
+/// How to look for a shift of a pose [m, base frame], towards the arm first.
+VectorSearch ShiftSearch(const Arm& arm, const Pose& pose, double shortest_m = 1e-4);
+
+/// How to look for a turn, as a rotation vector [rad].
+VectorSearch TurnSearch();
 
 /// The pose of a turned tool: by a rotation vector [rad, base frame].
 Pose TurnedBy(const Pose& pose, const Vector3& rotation);

@@ -9,7 +9,6 @@
 #include "../plan/joint_path.h"
 #include "../plan/line_path.h"
 #include "causes.h"
-#include "smallest_vector.h"
 
 namespace qal {
 
@@ -32,8 +31,7 @@ class LineChanger {
         along_(along),
         solves_slowly_(trial.slows_down() &&
                        asked.arm.solver().family() == FamilyName(Family::kGeneral)),
-        line_(asked.from.pose, asked.to, 1),
-        scale_m_(std::max(ScaleOf(asked.arm, asked.from.pose), line_.length_m())) {}
+        line_(asked.from.pose, asked.to, 1) {}
 
   std::optional<Change> Start() const;
   std::optional<Change> End() const;
@@ -93,7 +91,6 @@ class LineChanger {
   double along_;        // where it fails
   bool solves_slowly_;  // a pose takes longer than a line takes to be followed
   LinePath line_;
-  double scale_m_;
 };
 
 std::optional<Change> LineChanger::Start() const {
@@ -134,8 +131,8 @@ std::optional<Change> LineChanger::Orientation() const {
     return request;
   };
   const Matrix3 tool = Transposed(line_.FrameAt(1).rotation);  // its rows are the tool's axes
-  const VectorSearch search = {
-      0.005, kPi, 1e4, {tool[0], tool[1], tool[2], -1.0 * tool[0], -1.0 * tool[1], -1.0 * tool[2]}};
+  VectorSearch search = TurnSearch();
+  search.hints = {tool[0], tool[1], tool[2], -1.0 * tool[0], -1.0 * tool[1], -1.0 * tool[2]};
   const auto turn = SmallestVector(search, [&](const Vector3& by) { return Follows(with(by)); });
   if (!turn) return std::nullopt;
   Change change = {Change::Kind::kOrientation, Length(*turn) / kPi, {}, with(*turn).to};
@@ -144,8 +141,7 @@ std::optional<Change> LineChanger::Orientation() const {
 }
 
 std::optional<Change> LineChanger::Shift() const {
-  const Vector3 home = ToVector(asked_.arm.base().position) - ToVector(asked_.to.position);
-  const VectorSearch search = {1e-4, scale_m_, 1e5, {home}};
+  const VectorSearch search = ShiftSearch(asked_.arm, asked_.to);
   const auto shift =
       SmallestVector(search, [&](const Vector3& by) { return Follows(ShiftedRequest(by)); });
   if (!shift) return std::nullopt;
@@ -170,7 +166,9 @@ std::optional<Change> LineChanger::Tool(const std::optional<Change>& shift) cons
     if (!shift) return std::nullopt;
     return ToolBy(ToolMoveOf(ToVector(shift->vector), asked_.from.pose));
   }
-  const VectorSearch search = {1e-4, scale_m_ / 2, 1e5};
+  VectorSearch search = ShiftSearch(asked_.arm, asked_.from.pose);
+  search.longest = 2 * search.widest;  // as long as tools are
+  search.hints.clear();
   const auto by =
       SmallestVector(search, [&](const Vector3& tried) { return Follows(ToolRequest(tried)); });
   if (!by) return std::nullopt;

@@ -5,7 +5,6 @@
 #include "../plan/joint_path.h"
 #include "causes.h"
 #include "explain.h"
-#include "smallest_vector.h"
 
 namespace qal {
 
@@ -36,9 +35,7 @@ class PoseChanger {
 };
 
 std::optional<Change> PoseChanger::Shift() const {
-  const double scale = ScaleOf(arm_, pose_);
-  const Vector3 home = ToVector(arm_.base().position) - ToVector(pose_.position);
-  const auto shift = SmallestVector({1e-4, 4 * scale, 1e5, {home}}, [&](const Vector3& by) {
+  const auto shift = SmallestVector(ShiftSearch(arm_, pose_), [&](const Vector3& by) {
     return Solved(ShiftedBy(pose_, by)).has_value();
   });
   if (!shift) return std::nullopt;
@@ -59,7 +56,7 @@ std::optional<Change> PoseChanger::Tool(const Vector3& shift) const {
 
 std::optional<Change> PoseChanger::Turn() const {
   const auto turn = SmallestVector(
-      {1e-3, kPi, 1e4}, [&](const Vector3& by) { return Solved(TurnedBy(pose_, by)).has_value(); });
+      TurnSearch(), [&](const Vector3& by) { return Solved(TurnedBy(pose_, by)).has_value(); });
   if (!turn) return std::nullopt;
   const Pose turned = TurnedBy(pose_, *turn);
   const double angle = Length(*turn);

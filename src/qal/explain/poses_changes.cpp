@@ -4,8 +4,6 @@
 #include <cmath>
 #include <limits>
 
-#include "smallest_vector.h"
-
 namespace qal {
 
 StepBounds BoundsTo(const std::vector<TimedPose>& poses, size_t i, const PosesRequest& request) {
@@ -137,8 +135,7 @@ std::optional<Change> PosesChanger::StepBound() const {
 
 std::optional<Change> PosesChanger::Shift() const {
   const Pose& pose = poses_[failing_].pose;
-  const Vector3 home = ToVector(asked_.arm.base().position) - ToVector(pose.position);
-  const VectorSearch search = {1e-4, ScaleOf(asked_.arm, pose), 1e5, {home}};
+  const VectorSearch search = ShiftSearch(asked_.arm, pose);
   const auto by =
       SmallestVector(search, [this](const Vector3& tried) { return Passes(Shifted(tried)); });
   if (!by) return std::nullopt;
@@ -146,8 +143,8 @@ std::optional<Change> PosesChanger::Shift() const {
 }
 
 std::optional<Change> PosesChanger::Turn() const {
-  const auto by = SmallestVector({0.005, kPi, 1e4},
-                                 [this](const Vector3& tried) { return Passes(Turned(tried)); });
+  const auto by =
+      SmallestVector(TurnSearch(), [this](const Vector3& tried) { return Passes(Turned(tried)); });
   if (!by) return std::nullopt;
   return Told({Change::Kind::kOrientation, Length(*by) / kPi}, Turned(*by), *by);
 }

@@ -42,7 +42,8 @@ class Searcher {
     double before = 0;
     while (before < search_.longest) {
       const double tried =
-          before == 0 ? search_.shortest : std::min(kFarther * before, search_.longest);
+          before == 0 ? search_.shortest
+                      : std::min({kFarther * before, before + search_.widest, search_.longest});
       std::optional<Reached> best;
       for (const Vector3& direction : directions) {
         if (!works_((best ? best->length : tried) * direction)) continue;
