@@ -47,6 +47,9 @@ qal_test_program(
 # It defines the solver's functions itself, and the solvers' own classes, for all to see.
 set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
 
+# Many at once, by several threads; under the thread sanitizer as well.
+qal_test_program(qal_batch_test SOURCES qal/batch_test.cpp LIBRARIES qal_static)
+
 # The classic operations by value, vs Ikfunc's in one program.
 qal_test_program(
   qal_classic_test

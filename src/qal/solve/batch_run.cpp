@@ -1,0 +1,92 @@
+#include "batch_run.h"
+
+#include <algorithm>
+#include <atomic>
+#include <exception>
+#include <system_error>
+#include <thread>
+
+namespace qal {
+
+namespace {
+
+class BatchRun {
+ public:
+  BatchRun(size_t count, const std::function<void(size_t, size_t)>& work)
+      : count_(count), work_(work) {}
+
+  // Takes one chunk after the other. Throws nothing: what is thrown in a helper's thread would end
+  // the process.
+  // @param progress of the calling thread
+  void Work(const std::function<bool(size_t)>& progress) {
+    try {
+      while (!stopped_.load(std::memory_order_relaxed)) {
+        const size_t begin = next_.fetch_add(kBatchChunk, std::memory_order_relaxed);
+        if (begin >= count_) return;
+        const size_t end = std::min(count_, begin + kBatchChunk);
+        work_(begin, end);
+        const size_t done = done_.fetch_add(end - begin, std::memory_order_relaxed) + end - begin;
+        if (progress && !progress(done)) stopped_.store(true, std::memory_order_relaxed);
+      }
+    } catch (...) {
+      stopped_.store(true, std::memory_order_relaxed);
+      if (!failed_.test_and_set()) thrown_ = std::current_exception();
+    }
+  }
+
+  // When all threads have ended.
+  size_t Done() const {
+    if (thrown_) std::rethrow_exception(thrown_);
+    return done_.load(std::memory_order_relaxed);
+  }
+
+ private:
+  size_t count_;
+  const std::function<void(size_t, size_t)>& work_;
+  std::atomic<size_t> next_{0};
+  std::atomic<size_t> done_{0};
+  std::atomic<bool> stopped_{false};
+  std::atomic_flag failed_ = ATOMIC_FLAG_INIT;
+  std::exception_ptr thrown_;
+};
+
+size_t ThreadsFor(size_t count, unsigned wanted) {
+  const size_t most = wanted > 0 ? wanted : std::max(1U, std::thread::hardware_concurrency());
+  return std::min(most, (count + kBatchChunk - 1) / kBatchChunk);
+}
+
+// Threads that work with the calling one; fewer where the system gives no more.
+class Helpers {
+ public:
+  Helpers(BatchRun& run, size_t count) {
+    threads_.reserve(count);
+    try {
+      for (size_t i = 0; i < count; ++i) threads_.emplace_back([&run] { run.Work({}); });
+    } catch (const std::system_error&) {  // those that run do it all
+    }
+  }
+  Helpers(const Helpers&) = delete;
+  Helpers& operator=(const Helpers&) = delete;
+  ~Helpers() {
+    for (std::thread& thread : threads_) thread.join();
+  }
+
+ private:
+  std::vector<std::thread> threads_;
+};
+
+}  // namespace
+
+size_t RunBatch(size_t count, const BatchOptions& options,
+                const std::function<void(size_t begin, size_t end)>& work) {
+  BatchRun run(count, work);
+  if (const size_t threads = ThreadsFor(count, options.threads); threads > 1) {
+    const Helpers helpers(run, threads - 1);
+    run.Work(options.progress);
+  } else {
+    run.Work(options.progress);
+  }
+  return run.Done();
+}
+
+}  // namespace qal
