@@ -45,6 +45,19 @@ FileFormat FormatOf(std::string_view text) {
                                                                   : FileFormat::kRos;
 }
 
+std::string TrajectoryText(const FileTrajectory& trajectory, const Arm& arm, FileFormat format,
+                           const TrajectoryExtras& extras) {
+  switch (format) {
+    case FileFormat::kCsv:
+      return extras.full ? ToFullCsv(trajectory, arm) : ToCsv(trajectory);
+    case FileFormat::kJson:
+      return ToJson(trajectory).dump() + '\n';
+    case FileFormat::kRos:
+      break;
+  }
+  return ToRosYaml(trajectory, extras.names, extras.ros);
+}
+
 namespace {
 
 LocatedTrajectory ParseTrajectory(std::string_view text, FileFormat format, const RosNames& names) {

@@ -26,6 +26,18 @@ std::optional<FileFormat> FormatNamed(const std::string& name);
 FileFormat FormatToWrite(const std::string& name, const std::string& path,
                          const std::string& option);
 
+/// What a written trajectory has beside its samples.
+struct TrajectoryExtras {
+  bool full = false;  ///< CSV: rates and motor speeds as well
+  RosInterface ros = RosInterface::kMessage;
+  JointNames names = {};  ///< of the joints, for ROS
+};
+
+/// A trajectory as the text of a file.
+/// @throw UsageError when the format can't hold the times
+std::string TrajectoryText(const FileTrajectory& trajectory, const Arm& arm, FileFormat format,
+                           const TrajectoryExtras& extras);
+
 /// The format of a text, told from how it begins.
 FileFormat FormatOf(std::string_view text);
 

@@ -4,8 +4,6 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
-#include "../../io/trajectory_csv.h"
-#include "../../io/trajectory_json.h"
 
 namespace qal::tools {
 
@@ -36,24 +34,11 @@ void TrajectoryOutput::Check() const {
   }
 }
 
-std::string TrajectoryOutput::Text(const FileTrajectory& trajectory, const Arm& arm,
-                                   const JointNames& names) const {
-  switch (Format()) {
-    case FileFormat::kCsv:
-      return full_ ? ToFullCsv(trajectory, arm) : ToCsv(trajectory);
-    case FileFormat::kJson:
-      return ToJson(trajectory).dump() + '\n';
-    case FileFormat::kRos:
-      break;
-  }
-  return ToRosYaml(trajectory, names,
-                   ros_ == "goal" ? RosInterface::kGoal : RosInterface::kMessage);
-}
-
 void TrajectoryOutput::Write(const FileTrajectory& trajectory, const Arm& arm,
                              const JointNames& names) const {
   Check();
-  const std::string text = Text(trajectory, arm, names);
+  const RosInterface ros = ros_ == "goal" ? RosInterface::kGoal : RosInterface::kMessage;
+  const std::string text = TrajectoryText(trajectory, arm, Format(), {full_, ros, names});
   if (path_ == "-") {
     WriteStandardOutput(text);
   } else {

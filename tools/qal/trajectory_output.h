@@ -28,8 +28,6 @@ class TrajectoryOutput {
              const io::JointNames& names) const;
 
  private:
-  std::string Text(const io::FileTrajectory& trajectory, const Arm& arm,
-                   const io::JointNames& names) const;
   io::FileFormat Format() const { return io::FormatToWrite(to_, path_, "--to"); }
 
   std::string path_;
