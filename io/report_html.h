@@ -16,6 +16,7 @@ namespace qal::io {
 constexpr size_t kMostReportSamples = 1000000;
 
 /// What a report shows.
+// NOLINTNEXTLINE(bugprone-exception-escape): moving it moves JSON, which doesn't throw
 struct Report {
   std::string tool;                         ///< who writes it, and in which version
   std::string title;                        ///< what it is about
