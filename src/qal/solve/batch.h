@@ -20,10 +20,12 @@ struct Span {
   Span() = default;
   Span(T* first, size_t count) : data(first), size(count) {}
   /// Of a vector, which has to outlive it.
+  // cppcheck-suppress noExplicitConstructor
   Span(std::vector<std::remove_const_t<T>>& vector)  // NOLINT(*-explicit-*)
       : data(vector.data()), size(vector.size()) {}
   /// Of a vector whose elements are read alone.
   template <class U = T, class = std::enable_if_t<std::is_const_v<U>>>
+  // cppcheck-suppress noExplicitConstructor
   Span(const std::vector<std::remove_const_t<T>>& vector)  // NOLINT(*-explicit-*)
       : data(vector.data()), size(vector.size()) {}
 
