@@ -2,12 +2,13 @@
 # that are missing (as root, or through sudo).
 
 BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libtinyxml2-dev \
-              libtomlplusplus-dev libyaml-dev nlohmann-json3-dev
+              libtomlplusplus-dev libyaml-dev nlohmann-json3-dev pybind11-dev python3-dev python3-numpy
 # What the report's page is built by; a machine's own node and npm do as well.
 NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
 TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
-             python3-yaml $(BENCH_DEPS)
+             mypy python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
+             python3-venv python3-wheel python3-yaml $(BENCH_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60

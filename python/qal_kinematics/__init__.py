@@ -1,0 +1,43 @@
+"""Kinematics and motion planning of six-axis arms.
+
+>>> from qal_kinematics import Arm
+>>> arm = Arm.reference()
+>>> pose = arm.forward([0, 0.3, 0.2, 0, 1, 0])
+
+Lengths are in m, angles in rad, times in s. Poses are those of the tool in the base frame.
+"""
+
+from ._core import REASONS, Arm, Motion, Nearest, Pose, Solutions, Trajectory, __version__
+from .errors import (
+    ArmError,
+    FileError,
+    JointRangeError,
+    LimitError,
+    OutOfReachError,
+    QalError,
+    RequestError,
+    SingularityError,
+    SolverError,
+    StepBoundError,
+)
+
+__all__ = [
+    "REASONS",
+    "Arm",
+    "ArmError",
+    "FileError",
+    "JointRangeError",
+    "LimitError",
+    "Motion",
+    "Nearest",
+    "OutOfReachError",
+    "Pose",
+    "QalError",
+    "RequestError",
+    "SingularityError",
+    "Solutions",
+    "SolverError",
+    "StepBoundError",
+    "Trajectory",
+    "__version__",
+]
