@@ -20,7 +20,6 @@ from .errors import (
     SolverError,
     StepBoundError,
 )
-
 __all__ = [
     "REASONS",
     "Arm",

@@ -10,22 +10,37 @@ value, bound : float
     What would be needed, and what is allowed; in rad, m and s.
 detail : str
     A name, or what another program says; mostly empty.
+along : float or None
+    Of a plan: how much of its way works, from 0 to 1.
+before_joints, before_pose : array, Pose, or None
+    Of a plan: where it still gets.
 """
+
+
+from __future__ import annotations
+
+from typing import TYPE_CHECKING, Any
+
+if TYPE_CHECKING:
+    import numpy as np
+    import numpy.typing as npt
+
+    from . import _core
 
 
 class QalError(Exception):
     """Any failure of this package."""
 
-    reason = "none"
-    joint = None
-    value = 0.0
-    bound = 0.0
-    detail = ""
-    along = None
-    before_joints = None
-    before_pose = None
+    reason: str = "none"
+    joint: int | None = None
+    value: float = 0.0
+    bound: float = 0.0
+    detail: str = ""
+    along: float | None = None
+    before_joints: npt.NDArray[np.float64] | None = None
+    before_pose: _core.Pose | None = None
 
-    def __reduce__(self):
+    def __reduce__(self) -> tuple[Any, ...]:
         return (type(self), self.args, self.__dict__)
 
 

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "arrays.h"
+#include "class.h"
 #include "errors.h"
 
 namespace qal::python {
@@ -80,8 +81,8 @@ std::string Absolute(const std::filesystem::path& path) {
 }
 
 py::class_<PyArm> AddArm(py::module_& module) {
-  py::class_<PyArm> arm(module, "Arm", py::is_final(),
-                        R"(A six-axis arm: its solver, its limits, its tool.
+  py::class_<PyArm> arm =
+      NewClass<PyArm>(module, "Arm", R"(A six-axis arm: its solver, its limits, its tool.
 
 Immutable, and cheap to copy. Made by `Arm.from_file`, `Arm.from_solver` or `Arm.reference`.
 Lengths are in m, angles in rad, times in s; poses are those of the tool in the base frame.)");

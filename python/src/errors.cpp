@@ -1,5 +1,7 @@
 #include "errors.h"
 
+#include <fmt/format.h>
+
 #include "../../io/error.h"
 #include "../../io/error_text.h"
 #include "../../io/plan_text.h"
@@ -84,6 +86,16 @@ void Raise(const PlanFailure& failure, const std::string& path, const std::strin
   exception.attr("before_joints") = ToArray(failure.before.joints);
   exception.attr("before_pose") = Poses(failure.before.pose);
   RaiseObject(exception);
+}
+
+void RaiseUnsolved(const Pose& pose, const Error& error) {
+  const auto& [p, q] = pose;
+  const bool refused = error.reason == Reason::kJointRange || error.reason == Reason::kStepBound;
+  Raise(error,
+        fmt::format("no solution at {:.6g} {:.6g} {:.6g} m (orientation {:.6g} {:.6g} {:.6g} "
+                    "{:.6g}): {}",
+                    p.x, p.y, p.z, q.w, q.x, q.y, q.z,
+                    refused ? "none of its solutions is admissible; the nearest: " : ""));
 }
 
 void AddErrors(py::module_& module) {

@@ -23,6 +23,9 @@ const char* ReasonName(Reason reason);
 [[noreturn]] void Raise(const PlanFailure& failure, const std::string& path,
                         const std::string& before = "");
 
+/// The same of a pose without solution, as `qal ik` says it.
+[[noreturn]] void RaiseUnsolved(const Pose& pose, const Error& error);
+
 /// The value, or the exception.
 template <class T>
 T OrRaise(Result<T> result) {

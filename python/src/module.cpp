@@ -14,8 +14,4 @@ PYBIND11_MODULE(_core, module) {
   AddSolving(module, arm);
   AddTrajectory(module);
   AddMotion(module, arm);
-  // As users import them, for help() and pickles.
-  for (const char* const name : {"Arm", "Motion", "Nearest", "Pose", "Solutions", "Trajectory"}) {
-    module.attr(name).attr("__module__") = "qal_kinematics";
-  }
 }

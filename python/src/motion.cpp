@@ -12,6 +12,7 @@
 
 #include "../../io/plan_text.h"
 #include "../../io/program_file.h"
+#include "class.h"
 #include "errors.h"
 #include "poses.h"
 #include "trajectory.h"
@@ -222,9 +223,9 @@ PyTrajectory OverrideOf(const PyMotion& self, const py::function& factor) {
 }  // namespace
 
 void AddMotion(py::module_& module, py::class_<PyArm>& arm) {
-  py::class_<PyMotion>(module, "Motion", py::is_final(),
-                       "A planned motion: of a joint move, a line, or a program. Immutable. A "
-                       "pickle holds the request, which is planned again, to the same bits.")
+  NewClass<PyMotion>(module, "Motion",
+                     "A planned motion: of a joint move, a line, or a program. Immutable. A "
+                     "pickle holds the request, which is planned again, to the same bits.")
       .def_property_readonly("duration", &PyMotion::duration_s, "How long it takes [s].")
       .def_property_readonly("kind", &KindOf, "'joint move', 'line' or 'program'.")
       .def("at", &StatesAt, py::arg("time"),

@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+#include "class.h"
+
 namespace qal::python {
 
 namespace {
@@ -229,8 +231,7 @@ Pose* Writable(Poses& poses) {
 }
 
 void AddPose(py::module_& module) {
-  py::class_<Poses>(module, "Pose", py::is_final(),
-                    R"(One pose of the tool in the base frame, or many.
+  NewClass<Poses>(module, "Pose", R"(One pose of the tool in the base frame, or many.
 
 Orientations turn the tool frame to the base frame, and are given and taken by name, so that the
 order of a quaternion is never open. They need not be of length 1.

@@ -6,6 +6,7 @@
 #include "../../io/error_text.h"
 #include "arm.h"
 #include "batches.h"
+#include "class.h"
 #include "errors.h"
 #include "poses.h"
 
@@ -118,9 +119,9 @@ py::object NearestOf(const PyArm& self, const py::object& pose, const py::object
   const Rows rows = ReadRows(near, 6, "near");
   ExpectAsMany(rows, poses);
   if (poses.single()) {
-    const State state =
-        OrRaise(Nearest(self.arm(), poses.One("pose"), JointsOf(rows)[0], OptionsOf(step_bound)));
-    return ToArray(state.joints);
+    const auto state = Nearest(self.arm(), *poses.data(), JointsOf(rows)[0], OptionsOf(step_bound));
+    if (!state) RaiseUnsolved(*poses.data(), state.error());
+    return ToArray(state->joints);
   }
   Nearests found = {MakeRows(poses.count(), 6, false), NewReasons(poses.count())};
   const auto out = SpanOf<Joints>(found.joints, poses.count());
@@ -152,7 +153,9 @@ py::array_t<Out> Copied(const std::vector<In>& values) {
 }
 
 Solutions OneInverse(const PyArm& self, const Pose& pose, const Joints& near, double step_bound) {
-  const auto candidates = OrRaise(Inverse(self.arm(), pose, near, OptionsOf(step_bound)));
+  const auto found = Inverse(self.arm(), pose, near, OptionsOf(step_bound));
+  if (!found) RaiseUnsolved(pose, found.error());
+  const std::vector<Candidate>& candidates = *found;
   std::vector<Joints> joints;
   std::vector<double> distances;
   std::vector<Reason> refusals;
@@ -210,8 +213,8 @@ py::array Accepted(const py::array_t<int>& reasons) {
 }
 
 void AddResults(py::module_& module) {
-  py::class_<Nearests>(module, "Nearest", py::is_final(),
-                       "The nearest admissible solutions of many poses: `Arm.nearest`.")
+  NewClass<Nearests>(module, "Nearest",
+                     "The nearest admissible solutions of many poses: `Arm.nearest`.")
       .def_readonly("joints", &Nearests::joints, "(n, 6) array [rad]; NaN where there are none.")
       .def_readonly("reasons", &Nearests::reasons,
                     "(n,) array: 0, or why there is none, as an index of `REASONS`.")
@@ -228,8 +231,7 @@ void AddResults(py::module_& module) {
           [](const py::tuple& held) {
             return Nearests{held[0].cast<py::array_t<double>>(), held[1].cast<py::array_t<int>>()};
           }));
-  py::class_<Solutions>(module, "Solutions", py::is_final(),
-                        "Every solution of a pose, or of many: `Arm.inverse`.")
+  NewClass<Solutions>(module, "Solutions", "Every solution of a pose, or of many: `Arm.inverse`.")
       .def_readonly("joints", &Solutions::joints, "(k, 6) array [rad].")
       .def_readonly("distances", &Solutions::distances,
                     "(k,) array: sum of the absolute differences to the reference [rad].")

@@ -6,6 +6,7 @@
 #include "../../io/findings.h"
 #include "../../io/report_html.h"
 #include "../../io/trajectory_file.h"
+#include "class.h"
 #include "poses.h"
 
 namespace qal::python {
@@ -121,8 +122,7 @@ void Report(const PyTrajectory& self, const std::filesystem::path& path, const P
 }  // namespace
 
 void AddTrajectory(py::module_& module) {
-  py::class_<PyTrajectory>(module, "Trajectory", py::is_final(),
-                           R"(Samples of a motion, in the order of time.
+  NewClass<PyTrajectory>(module, "Trajectory", R"(Samples of a motion, in the order of time.
 
 Parameters
 ----------
