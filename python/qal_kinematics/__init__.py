@@ -7,6 +7,7 @@
 Lengths are in m, angles in rad, times in s. Poses are those of the tool in the base frame.
 """
 
+from . import _plot
 from ._core import REASONS, Arm, Motion, Nearest, Pose, Solutions, Trajectory, __version__
 from .errors import (
     ArmError,
@@ -20,6 +21,10 @@ from .errors import (
     SolverError,
     StepBoundError,
 )
+# matplotlib is imported when something is drawn.
+setattr(Arm, "plot", _plot.plot_arm)
+setattr(Trajectory, "plot", _plot.plot_trajectory)
+
 __all__ = [
     "REASONS",
     "Arm",
