@@ -214,6 +214,51 @@ class Arm:
     def plan_program(
         self, program: _Path | dict[str, Any], *, progress: _Progress | None = ...
     ) -> Motion: ...
+    def explain_line(
+        self,
+        start: npt.ArrayLike,
+        to: npt.ArrayLike | Pose | None = ...,
+        *,
+        by: npt.ArrayLike | None = ...,
+        speed: float = ...,
+        acceleration: float = ...,
+        jerk: float = ...,
+        turn_speed: float = ...,
+        turn_acceleration: float = ...,
+        turn_jerk: float = ...,
+        scale: npt.ArrayLike = ...,
+        max_orientation_error: float = ...,
+    ) -> dict[str, Any]: ...
+    def branches(
+        self,
+        start: npt.ArrayLike,
+        to: npt.ArrayLike | Pose | None = ...,
+        *,
+        by: npt.ArrayLike | None = ...,
+        speed: float = ...,
+        acceleration: float = ...,
+        jerk: float = ...,
+        turn_speed: float = ...,
+        turn_acceleration: float = ...,
+        turn_jerk: float = ...,
+        scale: npt.ArrayLike = ...,
+        max_orientation_error: float = ...,
+    ) -> list[dict[str, Any]]: ...
+    def explain_pose(
+        self, pose: Pose, near: npt.ArrayLike, *, step_bound: float = ...
+    ) -> dict[str, Any]: ...
+    def explain_poses(
+        self,
+        pose: Pose,
+        near: npt.ArrayLike,
+        *,
+        time: npt.ArrayLike | None = ...,
+        step_bound: float = ...,
+    ) -> dict[str, Any]: ...
+    def explain_joint(
+        self, start: npt.ArrayLike, to: npt.ArrayLike | Pose, *, scale: npt.ArrayLike = ...
+    ) -> dict[str, Any]: ...
+    def explain_program(self, program: _Path | dict[str, Any]) -> dict[str, Any]: ...
     # Of _plot.py: matplotlib's Axes3D, and its Figure below.
     def plot(self, joints: npt.ArrayLike, ax: Any = ...) -> Any: ...
     def __copy__(self) -> Arm: ...

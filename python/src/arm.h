@@ -27,6 +27,8 @@ std::string Absolute(const std::filesystem::path& path);
 py::class_<PyArm> AddArm(py::module_& module);
 /// Its kinematics.
 void AddSolving(py::module_& module, py::class_<PyArm>& arm);
+/// Why something fails.
+void AddExplaining(py::class_<PyArm>& arm);
 
 }  // namespace qal::python
 

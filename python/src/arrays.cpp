@@ -111,4 +111,8 @@ Transform ReadTransform(const py::handle& given, const char* name) {
   return transform;
 }
 
+py::object Loaded(const nlohmann::ordered_json& json) {
+  return py::module_::import("json").attr("loads")(json.dump());
+}
+
 }  // namespace qal::python

@@ -6,7 +6,7 @@
 #include <pybind11/stl.h>
 #include <qal/model/pose.h>
 
-#include <optional>
+#include <nlohmann/json.hpp>
 #include <string>
 
 // numpy's arrays as this library's values, and the other way.
@@ -52,6 +52,9 @@ py::array_t<double> ToArray(const Vec3& vector);
 /// A rotation matrix and a position as a matrix of 4 by 4.
 py::array_t<double> ToArray(const Transform& transform);
 Transform ReadTransform(const py::handle& given, const char* name);
+
+/// Python's values of JSON's.
+py::object Loaded(const nlohmann::ordered_json& json);
 
 }  // namespace qal::python
 

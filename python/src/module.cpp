@@ -12,6 +12,7 @@ PYBIND11_MODULE(_core, module) {
   AddPose(module);
   auto arm = AddArm(module);
   AddSolving(module, arm);
+  AddExplaining(arm);
   AddTrajectory(module);
   AddMotion(module, arm);
 }

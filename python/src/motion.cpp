@@ -15,6 +15,7 @@
 #include "class.h"
 #include "errors.h"
 #include "poses.h"
+#include "requests.h"
 #include "trajectory.h"
 
 namespace qal::python {
@@ -50,13 +51,6 @@ py::tuple AsNumbers(const LimitScale& scale) {
   return py::make_tuple(scale.velocity, scale.acceleration, scale.jerk);
 }
 
-LimitScale ReadScale(const py::object& scale) {
-  const py::array_t<double> numbers = ReadNumbers(scale, "scale");
-  if (numbers.ndim() == 0) return {*numbers.data(), *numbers.data(), *numbers.data()};
-  const Vec3 each = ReadVector(scale, "scale");
-  return {each.x, each.y, each.z};
-}
-
 PyMotion PlanJointMove(const py::object& self, const py::object& start, const py::object& to,
                        const py::object& scale, double duration) {
   const Arm& arm = self.cast<const PyArm&>().arm();
@@ -70,23 +64,6 @@ PyMotion PlanJointMove(const py::object& self, const py::object& start, const py
               self, "plan_joint", py::make_tuple(ToArray(from), ToArray(end)),
               py::dict(py::arg("scale") = AsNumbers(limits.scale), py::arg("duration") = duration)),
           OrRaise(PlanJoint(arm, {from}, {end}, limits), "move")};
-}
-
-// A pose, joints that have it, or a displacement of the start.
-Pose ReadEnd(const Arm& arm, const Joints& from, const py::object& to, const py::object& by) {
-  if (to.is_none() == by.is_none()) {
-    throw py::type_error("one of to and by= is expected, for the end");
-  }
-  if (!by.is_none()) {
-    Pose pose = OrRaise(Forward(arm, from));
-    const Vec3 move = ReadVector(by, "by");
-    pose.position.x += move.x;
-    pose.position.y += move.y;
-    pose.position.z += move.z;
-    return pose;
-  }
-  if (py::isinstance<Poses>(to)) return to.cast<const Poses&>().One("to");
-  return OrRaise(Forward(arm, ReadJoints(to, "to")));
 }
 
 PyMotion PlanStraight(const py::object& self, const Joints& from, const Pose& end,
@@ -104,22 +81,6 @@ PyMotion PlanStraight(const py::object& self, const Joints& from, const Pose& en
   }();
   return {arm, py::make_tuple(self, "plan_line", py::make_tuple(ToArray(from), Poses(end)), named),
           OrRaise(std::move(planned), "line")};
-}
-
-struct PyProgram {
-  io::ProgramFile file;
-  py::object source;  // its file from any folder, or what such a file holds
-};
-
-PyProgram ReadProgramOf(const Arm& arm, const py::object& program) {
-  if (!py::isinstance<py::dict>(program)) {
-    const auto path = program.cast<std::filesystem::path>();
-    return {io::ReadProgram(path, arm), py::str(Absolute(path))};
-  }
-  const py::module_ json = py::module_::import("json");
-  const py::object text = json.attr("dumps")(program);
-  return {io::ReadProgram(io::ParseJson(text.cast<std::string>(), "program"), arm),
-          json.attr("loads")(text)};
 }
 
 PyMotion PlanWhole(const py::object& self, const py::object& program, const py::object& progress) {
@@ -140,7 +101,7 @@ PyMotion PlanWhole(const py::object& self, const py::object& program, const py::
             *std::move(planned)};
   }
   const auto& [failure, step] = planned.error();
-  Raise(failure, "way", file.Place(step) + ": ");
+  Raise(failure, StepName(file.program.steps[step]), file.Place(step) + ": ");
 }
 
 PyMotion PlannedAgain(const py::tuple& source) {
@@ -264,43 +225,7 @@ void AddMotion(py::module_& module, py::class_<PyArm>& arm) {
       .def(py::pickle([](const PyMotion& self) { return self.source.cast<py::tuple>(); },
                       &PlannedAgain));
 
-  const LineLimits d;
-  arm.def("plan_joint", &PlanJointMove, py::arg("start"), py::arg("to"), py::kw_only(),
-          py::arg("scale") = 1.0, py::arg("duration") = 0.0,
-          R"(The quickest joint move from rest to rest within every limit of the joints.
-
-Parameters
-----------
-start : (6,) array_like
-    Joints [rad].
-to : (6,) array_like or Pose
-    Joints [rad], or a pose: the joints nearest the start's.
-scale : float or (3,) array_like
-    How much of the limits to use, above 0 up to 1: of all, or of velocity, acceleration, jerk.
-duration : float
-    It takes at least this long [s].
-
-Returns
--------
-Motion)")
-      .def(
-          "plan_line",
-          [](const py::object& self, const py::object& start, const py::object& to,
-             const py::object& by, double speed, double acceleration, double jerk,
-             double turn_speed, double turn_acceleration, double turn_jerk, const py::object& scale,
-             double max_orientation_error) {
-            const Joints from = ReadJoints(start, "start");
-            const Pose end = ReadEnd(self.cast<const PyArm&>().arm(), from, to, by);
-            return PlanStraight(self, from, end,
-                                {speed, acceleration, jerk, turn_speed, turn_acceleration,
-                                 turn_jerk, ReadScale(scale), max_orientation_error});
-          },
-          py::arg("start"), py::arg("to") = py::none(), py::kw_only(), py::arg("by") = py::none(),
-          py::arg("speed") = d.speed_m_s, py::arg("acceleration") = d.acceleration_m_s2,
-          py::arg("jerk") = d.jerk_m_s3, py::arg("turn_speed") = d.turn_speed_rad_s,
-          py::arg("turn_acceleration") = d.turn_acceleration_rad_s2,
-          py::arg("turn_jerk") = d.turn_jerk_rad_s3, py::arg("scale") = 1.0,
-          py::arg("max_orientation_error") = 0.0,
+  DefLine(arm, "plan_line", &PlanStraight,
           R"(The quickest straight line of the tool, from rest to rest, within every limit.
 
 Parameters
@@ -327,7 +252,26 @@ Motion
 Raises
 ------
 OutOfReachError, JointRangeError, SingularityError
-    With `along`, the part of the way that works, and `before_joints`.)")
+    With `along`, the part of the way that works, and `before_joints`.)");
+  arm.def("plan_joint", &PlanJointMove, py::arg("start"), py::arg("to"), py::kw_only(),
+          py::arg("scale") = 1.0, py::arg("duration") = 0.0,
+          R"(The quickest joint move from rest to rest within every limit of the joints.
+
+Parameters
+----------
+start : (6,) array_like
+    Joints [rad].
+to : (6,) array_like or Pose
+    Joints [rad], or a pose: the joints nearest the start's.
+scale : float or (3,) array_like
+    How much of the limits to use, above 0 up to 1: of all, or of velocity, acceleration, jerk.
+duration : float
+    It takes at least this long [s].
+
+Returns
+-------
+Motion)")
+
       .def("plan_program", &PlanWhole, py::arg("program"), py::kw_only(),
            py::arg("progress") = py::none(),
            R"(The motion of a program: joint moves, lines and arcs, with zones.

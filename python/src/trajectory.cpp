@@ -102,11 +102,6 @@ io::Findings FindingsOf(const PyTrajectory& self, const PyArm& arm, bool strict)
   return io::FindingsOf(arm.loaded, {*self.samples, {}}, io::LimitsOf(arm.arm()), strict);
 }
 
-// Python's values of JSON's.
-py::object Loaded(const nlohmann::ordered_json& json) {
-  return py::module_::import("json").attr("loads")(json.dump());
-}
-
 void Report(const PyTrajectory& self, const std::filesystem::path& path, const PyArm& arm,
             const PyTrajectory* other) {
   io::Report report = {"qal_kinematics", self.name};

@@ -1,6 +1,7 @@
 """Arms and joints that the tests take. ctest says where things are: QAL_ARMS, QAL_TOOL."""
 
 import os
+import re
 import subprocess
 from pathlib import Path
 
@@ -13,11 +14,12 @@ ARMS = Path(os.environ["QAL_ARMS"])
 START = [0, 0.3, 0.2, 0, 1, 0]
 
 
-def tool(*arguments, status=0):
-    """What `qal` prints: its output, or where it fails its message."""
+def tool(*arguments, status=0, output=False):
+    """What `qal` prints: its output, or where it fails its message, without the command that says more."""
     run = subprocess.run([os.environ["QAL_TOOL"], *map(str, arguments)], capture_output=True, text=True)
     assert run.returncode == status, run.stderr
-    return run.stdout if status == 0 else run.stderr.strip().split(": ", 1)[1]
+    message = run.stderr.strip().split(": ", 1)[-1]
+    return run.stdout if status == 0 or output else re.sub(r"; qal explain \w+ says more$", "", message)
 
 
 @pytest.fixture(scope="session")
