@@ -72,6 +72,7 @@ figures: demo
 bench: bench-deps
 	cmake --preset bench
 	cmake --build --preset bench --target bench
+	cmake --build --preset bench --target bench-python
 
 ## Compares instruction counts with the figures kept in bench/instructions.json.
 bench-check: bench-deps

@@ -8,7 +8,7 @@ find_program(QAL_CPPCHECK cppcheck)
 
 if(QAL_RUN_CLANG_TIDY)
   add_test(NAME Lint.ClangTidy COMMAND ${QAL_RUN_CLANG_TIDY} -quiet -j 2 -p ${PROJECT_BINARY_DIR}
-                                       ${PROJECT_SOURCE_DIR}/\(io|solver|tools\)/
+                                       ${PROJECT_SOURCE_DIR}/\(io|python/src|solver|tools\)/
                                        ${PROJECT_BINARY_DIR}/layers/)
   set_tests_properties(Lint.ClangTidy PROPERTIES PROCESSORS 2)
 endif()
@@ -21,7 +21,7 @@ if(QAL_CPPCHECK)
     COMMAND
       ${QAL_CPPCHECK} --project=${PROJECT_BINARY_DIR}/compile_commands.json
       --file-filter=${PROJECT_BINARY_DIR}/layers/* --file-filter=${PROJECT_SOURCE_DIR}/solver/*
-      --file-filter=${PROJECT_SOURCE_DIR}/io/* --file-filter=${PROJECT_SOURCE_DIR}/tools/* --enable=warning,style,performance,portability
+      --file-filter=${PROJECT_SOURCE_DIR}/io/* --file-filter=${PROJECT_SOURCE_DIR}/python/* --file-filter=${PROJECT_SOURCE_DIR}/tools/* --enable=warning,style,performance,portability
       --suppress=constParameter --suppress=passedByValue --suppress=useStlAlgorithm
       --suppress=unusedStructMember --inline-suppr --error-exitcode=1 --quiet)
 endif()

@@ -17,6 +17,9 @@ std::string ShapeText(const py::array& array) {
 }
 
 py::array_t<double> ReadNumbers(const py::handle& given, const char* name) {
+  // Most often, and then at once.
+  using Contiguous = py::array_t<double, py::array::c_style>;
+  if (Contiguous::check_(given)) return py::reinterpret_borrow<Contiguous>(given);
   const py::array array = py::array::ensure(given);
   if (!array) {
     PyErr_Clear();
