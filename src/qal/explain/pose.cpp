@@ -10,6 +10,12 @@ namespace qal {
 
 namespace {
 
+// A pose is tried in no time, and within a step bound there are few that work.
+VectorSearch Closer(VectorSearch search) {
+  search.widest /= 4;
+  return search;
+}
+
 class PoseChanger {
  public:
   PoseChanger(const Arm& arm, const Pose& pose, const Joints& near, const InverseOptions& options)
@@ -35,7 +41,7 @@ class PoseChanger {
 };
 
 std::optional<Change> PoseChanger::Shift() const {
-  const auto shift = SmallestVector(ShiftSearch(arm_, pose_), [&](const Vector3& by) {
+  const auto shift = SmallestVector(Closer(ShiftSearch(arm_, pose_)), [&](const Vector3& by) {
     return Solved(ShiftedBy(pose_, by)).has_value();
   });
   if (!shift) return std::nullopt;
@@ -55,8 +61,9 @@ std::optional<Change> PoseChanger::Tool(const Vector3& shift) const {
 }
 
 std::optional<Change> PoseChanger::Turn() const {
-  const auto turn = SmallestVector(
-      TurnSearch(), [&](const Vector3& by) { return Solved(TurnedBy(pose_, by)).has_value(); });
+  const auto turn = SmallestVector(Closer(TurnSearch()), [&](const Vector3& by) {
+    return Solved(TurnedBy(pose_, by)).has_value();
+  });
   if (!turn) return std::nullopt;
   const Pose turned = TurnedBy(pose_, *turn);
   const double angle = Length(*turn);
