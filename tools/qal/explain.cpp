@@ -1,6 +1,7 @@
 #include "explain.h"
 
 #include <fmt/format.h>
+#include <qal/model/chain.h>
 
 #include <cmath>
 
@@ -127,13 +128,9 @@ void SetEnd(CommandLine& command, const Joints& joints) {
 }
 
 Transform MovedTool(const Arm& arm, const Vec3& by) {
-  Transform tool = arm.tool();
-  const double(&r)[9] = tool.rotation;
-  auto& [x, y, z] = tool.position;
-  x += r[0] * by.x + r[1] * by.y + r[2] * by.z;
-  y += r[3] * by.x + r[4] * by.y + r[5] * by.z;
-  z += r[6] * by.x + r[7] * by.y + r[8] * by.z;
-  return tool;
+  Transform move;
+  move.position = by;
+  return arm.tool() * move;
 }
 
 std::string ToolKeys(const Arm& arm, const Vec3& by) {
