@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+#include "../../src/kinematics/solve/pose_encoding.h"
+#include "../../src/qal/solve/solver_calls.h"
 #include "class.h"
 
 namespace qal::python {
@@ -13,43 +15,13 @@ namespace {
 
 static_assert(sizeof(Pose) == 7 * sizeof(double), "a row of seven numbers is a pose");
 
-// By S. W. Shepperd, "Quaternion from Rotation Matrix", Journal of Guidance and Control 1 (1978),
-// 223: of the four squares the largest.
-Quat QuatOf(const double* m) {
-  const double squares[4] = {1 + m[0] + m[4] + m[8], 1 + m[0] - m[4] - m[8], 1 - m[0] + m[4] - m[8],
-                             1 - m[0] - m[4] + m[8]};
-  const double wx = m[7] - m[5];
-  const double wy = m[2] - m[6];
-  const double wz = m[3] - m[1];
-  const double xy = m[3] + m[1];
-  const double xz = m[2] + m[6];
-  const double yz = m[7] + m[5];
-  const double rows[4][4] = {{squares[0], wx, wy, wz},
-                             {wx, squares[1], xy, xz},
-                             {wy, xy, squares[2], yz},
-                             {wz, xz, yz, squares[3]}};
-  int largest = 0;
-  for (int i = 1; i < 4; ++i) {
-    if (squares[i] > squares[largest]) largest = i;
-  }
-  const auto& q = rows[largest];
-  const double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
-  return {q[0] / length, q[1] / length, q[2] / length, q[3] / length};
-}
+constexpr double kOrigin[3] = {0, 0, 0};
 
-void WriteMatrix(const Quat& quat, double* m, py::ssize_t stride) {
-  const double scale =
-      1 / std::sqrt(quat.w * quat.w + quat.x * quat.x + quat.y * quat.y + quat.z * quat.z);
-  const double w = quat.w * scale;
-  const double x = quat.x * scale;
-  const double y = quat.y * scale;
-  const double z = quat.z * scale;
-  const double rows[3][3] = {{1 - 2 * (y * y + z * z), 2 * (x * y - z * w), 2 * (x * z + y * w)},
-                             {2 * (x * y + z * w), 1 - 2 * (x * x + z * z), 2 * (y * z - x * w)},
-                             {2 * (x * z - y * w), 2 * (y * z + x * w), 1 - 2 * (x * x + y * y)}};
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) m[i * stride + j] = rows[i][j];
-  }
+void WriteMatrix(const Quat& q, double* m, py::ssize_t stride) {
+  double rotation[9];
+  double position[3];
+  EncodePose({0, 0, 0}, {q.w, q.x, q.y, q.z}, rotation, position);
+  for (int i = 0; i < 9; ++i) m[i / 3 * stride + i % 3] = rotation[i];
 }
 
 // Columns of the poses, as a view.
@@ -101,7 +73,7 @@ Rows ReadMatrices(const py::object& given) {
   for (size_t i = 0; i < rows; ++i) {
     const double* const m = matrices.data() + 9 * i;
     ExpectRotation(m, i);
-    const auto [w, x, y, z] = QuatOf(m);
+    const auto [w, x, y, z] = QuaternionOf(ToFrame(kOrigin, m).rotation);
     for (const double number : {w, x, y, z}) *out++ = number;
   }
   return quats;

@@ -21,6 +21,8 @@ bool IsNearRotation(const Matrix3& m) {
          Length(off) <= kTolerance;
 }
 
+}  // namespace
+
 // S. W. Shepperd, "Quaternion from Rotation Matrix", Journal of Guidance and Control 1 (1978), 223:
 // of the four squares
 //
@@ -49,8 +51,6 @@ Quat QuaternionOf(const Matrix3& m) {
   const double length = std::sqrt(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3]);
   return {q[0] / length, q[1] / length, q[2] / length, q[3] / length};
 }
-
-}  // namespace
 
 Result<Frame> CallForward(const Arm& arm, const Joints& joints) {
   for (size_t j = 0; j < joints.size(); ++j) {

@@ -13,6 +13,9 @@ namespace qal {
 /// @return kNotFinite, kNoPose, kSolverFault when the matrix is no rotation, kSolverThrows
 Result<Frame> CallForward(const Arm& arm, const Joints& joints);
 
+/// The quaternion of a rotation matrix, its largest component positive.
+Quat QuaternionOf(const Matrix3& m);
+
 /// Refuses a pose that is none.
 /// @return kNotFinite; kNotAnOrientation for a quaternion too short to be a direction
 std::optional<Error> RefusedPose(const Pose& pose);
