@@ -16,7 +16,7 @@ struct JointKey {
   bool degrees = false;
 };
 
-constexpr JointKey kLimits[] = {
+constexpr JointKey kJointKeys[] = {
     {"lower_rad", &JointSettings::lower_rad},
     {"lower_deg", &JointSettings::lower_rad, true},
     {"upper_rad", &JointSettings::upper_rad},
@@ -77,7 +77,7 @@ ArmSettings ReadArmSettings(const Fields& file) {
   ArmSettings settings;
   settings.name = file.Text("name", "");
   if (file.Has("cycle_s")) settings.cycle_s = file.Number("cycle_s", std::nullopt);
-  ReadJointKeys(file, "limits", kLimits, settings);
+  ReadJointKeys(file, "limits", kJointKeys, settings);
   ReadJointKeys(file, "motors", kMotors, settings);
   if (file.Has("base")) settings.base = ReadFrame(file.Object("base"));
   if (file.Has("tool")) settings.tool = ReadFrame(file.Object("tool"));

@@ -6,8 +6,6 @@ namespace qal::io {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 Json ListOf(const Vec3& v) { return {v.x, v.y, v.z}; }
 
 // JSON knows no infinity.

@@ -1,15 +1,14 @@
 #ifndef QAL_IO_EXPLANATION_JSON_H_
 #define QAL_IO_EXPLANATION_JSON_H_
 
-#include <nlohmann/json.hpp>
-
 #include "explanation_text.h"
+#include "json.h"
 
 namespace qal::io {
 
 /// An explanation for programs and for a report's page, in radians and metres; docs/explain.md has
 /// the keys.
-nlohmann::ordered_json ExplanationJson(const ExplainedRequest& request);
+Json ExplanationJson(const ExplainedRequest& request);
 
 }  // namespace qal::io
 

@@ -89,8 +89,8 @@ std::string ArmHeading(const LoadedArm& loaded) {
   return OneLine(fmt::format("{}, {}, {}", whence, by, hash));
 }
 
-nlohmann::ordered_json ArmJson(const LoadedArm& loaded) {
-  const auto or_null = [](const std::string& text) -> nlohmann::ordered_json {
+Json ArmJson(const LoadedArm& loaded) {
+  const auto or_null = [](const std::string& text) -> Json {
     if (text.empty()) return nullptr;
     return text;
   };

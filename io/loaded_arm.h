@@ -4,11 +4,11 @@
 #include <qal/model/arm.h>
 
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 
 #include "arm_file.h"
+#include "json.h"
 
 namespace qal::io {
 
@@ -54,7 +54,7 @@ std::string ArmHeading(const LoadedArm& loaded);
 
 /// The same for programs: `name`, `file` (null: built in), `kind`, `family`, `solver` (the
 /// library's path; null: a closed form) and `hash` (null: none).
-nlohmann::ordered_json ArmJson(const LoadedArm& loaded);
+Json ArmJson(const LoadedArm& loaded);
 
 }  // namespace qal::io
 

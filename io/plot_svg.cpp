@@ -23,16 +23,18 @@ struct Stroke {
   const char* color;
   const char* dashes;
 };
-constexpr std::array<Stroke, 6> kJoints = {{{"#0072b2", kSolid},
-                                            {"#d55e00", "7 2.5"},
-                                            {"#009e73", "2 2"},
-                                            {"#cc79a7", "9 2.5 2 2.5"},
-                                            {"#e69f00", "4 1.5"},
-                                            {"#56b4e9", "12 2.5 2 2 2 2.5"}}};
+constexpr std::array<Stroke, 6> kJointStrokes = {{{"#0072b2", kSolid},
+                                                  {"#d55e00", "7 2.5"},
+                                                  {"#009e73", "2 2"},
+                                                  {"#cc79a7", "9 2.5 2 2.5"},
+                                                  {"#e69f00", "4 1.5"},
+                                                  {"#56b4e9", "12 2.5 2 2 2 2.5"}}};
 constexpr Stroke kOther = {"#000", kSolid};
 constexpr const char* kMarkColor = "#b00020";
 
-Stroke StrokeOf(int joint) { return joint < 0 ? kOther : kJoints[static_cast<size_t>(joint)]; }
+Stroke StrokeOf(int joint) {
+  return joint < 0 ? kOther : kJointStrokes[static_cast<size_t>(joint)];
+}
 
 constexpr double kLeft = 62;    // [px] of a panel: room for the numbers
 constexpr double kRight = 14;   // [px]

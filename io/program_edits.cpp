@@ -8,8 +8,6 @@ namespace qal::io {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 bool Same(const Vec3& a, const Vec3& b) { return a.x == b.x && a.y == b.y && a.z == b.z; }
 
 bool Same(const Quat& a, const Quat& b) {
@@ -94,13 +92,13 @@ ProgramFile ReadEdited(const Document& document, const std::vector<ProgramEdit>&
   return ReadProgram(edited, arm);
 }
 
-std::string EditText(const std::vector<ProgramEdit>& edits, bool json) {
+std::string EditText(const std::vector<ProgramEdit>& edits, bool as_json) {
   std::string text;
   for (const auto& [pointer, label, key, value] : edits) {
     if (!text.empty()) text += "; ";
     if (!label.empty()) text += label + ": ";
-    text += json ? fmt::format("\"{}\": {}", key, value.dump())
-                 : fmt::format("{} = {}", key, TomlOf(value));
+    text += as_json ? fmt::format("\"{}\": {}", key, value.dump())
+                    : fmt::format("{} = {}", key, TomlOf(value));
   }
   return text;
 }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "json.h"
 #include "program_file.h"
 
 namespace qal::io {
@@ -13,7 +14,7 @@ struct ProgramEdit {
   std::string pointer;  ///< of the table: "/step/2", or "" for the file's own keys
   std::string label;    ///< "step 3"; empty for the file's own keys
   std::string key;
-  nlohmann::ordered_json value;
+  Json value;
 };
 
 /// What to change in a file to have a changed program of it: other joints at the start, other ends
@@ -26,7 +27,7 @@ ProgramFile ReadEdited(const Document& document, const std::vector<ProgramEdit>&
                        const Arm& arm);
 
 /// "step 3: line = {xyz = [0.3, 0, 0.5], ...}", as TOML has it, or JSON in a file of that.
-std::string EditText(const std::vector<ProgramEdit>& edits, bool json);
+std::string EditText(const std::vector<ProgramEdit>& edits, bool as_json);
 
 }  // namespace qal::io
 

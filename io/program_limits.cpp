@@ -20,7 +20,7 @@ struct SettingKey {
   double Settings::*setting;
 };
 
-constexpr SettingKey<LineLimits> kLimits[] = {
+constexpr SettingKey<LineLimits> kLineKeys[] = {
     {"speed_m_s", &LineLimits::speed_m_s},
     {"acceleration_m_s2", &LineLimits::acceleration_m_s2},
     {"jerk_m_s3", &LineLimits::jerk_m_s3},
@@ -28,7 +28,7 @@ constexpr SettingKey<LineLimits> kLimits[] = {
     {"turn_acceleration_rad_s2", &LineLimits::turn_acceleration_rad_s2},
     {"turn_jerk_rad_s3", &LineLimits::turn_jerk_rad_s3},
 };
-constexpr char kOrientationError[] = "max_orientation_error_rad";
+constexpr char kOrientationErrorKey[] = "max_orientation_error_rad";
 
 constexpr SettingKey<Zone> kZones[] = {
     {"zone_m", &Zone::tool_m},
@@ -96,8 +96,8 @@ std::optional<Zone> ReadZone(const Fields& fields, const std::optional<Zone>& ot
 
 std::vector<std::string> WithSettingKeys(std::vector<std::string> keys, bool tool) {
   if (tool) {
-    for (const auto& limit : kLimits) AddKey(keys, limit.key);
-    AddKey(keys, kOrientationError);
+    for (const auto& limit : kLineKeys) AddKey(keys, limit.key);
+    AddKey(keys, kOrientationErrorKey);
   }
   keys.emplace_back("scale_percent");
   for (const auto& zone : kZones) AddKey(keys, zone.key);
@@ -108,10 +108,10 @@ StepSettings ReadStepSettings(const Fields& fields, const StepSettings& otherwis
   constexpr double kMostErrorRad = 0.5;  // as PlanLine
   StepSettings settings = otherwise;
   LineLimits& limits = settings.limits;
-  for (const auto& [key, setting] : kLimits) {
+  for (const auto& [key, setting] : kLineKeys) {
     Read(fields, key, false, kUnlimited, limits.*setting);
   }
-  Read(fields, kOrientationError, true, kMostErrorRad, limits.max_orientation_error_rad);
+  Read(fields, kOrientationErrorKey, true, kMostErrorRad, limits.max_orientation_error_rad);
   ReadScale(fields, limits.scale);
   settings.zone = ReadZone(fields, otherwise.zone);
   return settings;

@@ -13,8 +13,6 @@
 
 namespace qal::io {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
 Json VectorJson(const Vec3& v) { return {v.x, v.y, v.z}; }

@@ -22,8 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-using Json = nlohmann::ordered_json;
-
 // Where a mesh may be within a folder.
 std::vector<fs::path> NamesOf(const std::string& name) {
   constexpr std::string_view kPackage = "package://";

@@ -4,17 +4,17 @@
 #include <qal/model/chain.h>
 
 #include <array>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "json.h"
 #include "loaded_arm.h"
 
 namespace qal::io {
 
 /// The bodies of an arm for the report's page, and why others are missing.
 struct ReportBodies {
-  nlohmann::ordered_json bodies = nlohmann::ordered_json::array();
+  Json bodies = Json::array();
   std::vector<std::string> notes = {};
 };
 

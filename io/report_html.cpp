@@ -7,8 +7,6 @@
 
 namespace qal::io {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
 constexpr std::string_view kMark = "@QAL_REPORT_DATA@";

@@ -8,8 +8,6 @@
 
 namespace qal::io {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
 // What of a sample is drawn has the seven digits of a float.

@@ -2,11 +2,11 @@
 #define QAL_IO_REPORT_MOTION_H_
 
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "findings.h"
+#include "json.h"
 
 namespace qal::io {
 
@@ -39,8 +39,8 @@ struct ReportMotion {
 /// A motion for the report's page: the numbers of every sample, and the verdict of its findings.
 /// @param progress is told how many samples are done, now and then
 /// @throw as ExpectOrder and SeriesOf
-nlohmann::ordered_json ReportMotionJson(const ReportMotion& motion,
-                                        const std::function<void(size_t done)>& progress = {});
+Json ReportMotionJson(const ReportMotion& motion,
+                      const std::function<void(size_t done)>& progress = {});
 
 /// @throw Failure "NAME: sample N: ..." where the time goes back, which can be neither played nor
 ///        drawn
@@ -50,7 +50,7 @@ void ExpectOrder(const std::string& name, const LocatedTrajectory& trajectory);
 std::string VerdictHeadline(const Findings& findings);
 
 /// Whether a motion keeps every limit, and what is measured on it.
-nlohmann::ordered_json ReportVerdictJson(const Findings& findings);
+Json ReportVerdictJson(const Findings& findings);
 
 }  // namespace qal::io
 

@@ -7,8 +7,6 @@
 
 namespace qal::io {
 
-using Json = nlohmann::ordered_json;
-
 namespace {
 
 const std::optional<Peak>& PeakOf(const Findings& findings, const Violation& violation) {

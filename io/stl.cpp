@@ -57,9 +57,9 @@ std::vector<Vec3> ParseBinary(std::string_view file, size_t most) {
 }
 
 // The words of an ASCII file, line by line.
-class Words {
+class StlWords {
  public:
-  explicit Words(std::string_view text) : rest_(text) {}
+  explicit StlWords(std::string_view text) : rest_(text) {}
 
   /// The next one; empty at the end.
   std::string_view Next() {
@@ -82,7 +82,7 @@ class Words {
 
 // Names of solids stand on the line of `solid` and `endsolid`. A file may have several.
 std::vector<Vec3> ParseAscii(std::string_view file, size_t most) {
-  Words words(file);
+  StlWords words(file);
   std::vector<Vec3> corners;
   bool open = false;
   for (std::string_view word = words.Next(); !word.empty(); word = words.Next()) {

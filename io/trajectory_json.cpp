@@ -13,11 +13,11 @@ namespace qal::io {
 namespace {
 
 constexpr auto kTimes = "time_s";
-constexpr auto kJoints = "joints_rad";
+constexpr auto kJointsKey = "joints_rad";
 constexpr auto kPositions = "position_m";
 constexpr auto kOrientations = "orientation_wxyz";
-constexpr auto kVelocities = "velocities_rad_s";
-constexpr auto kAccelerations = "accelerations_rad_s2";
+constexpr auto kVelocitiesKey = "velocities_rad_s";
+constexpr auto kAccelerationsKey = "accelerations_rad_s2";
 
 // The array of one of the keys: an entry a sample, each a number or a row of numbers.
 struct Quantity {
@@ -95,11 +95,11 @@ class QuantityReader : public JsonEvents {
   }
 
   std::array<Quantity, 6> quantities_ = {{{kTimes, 0},
-                                          {kJoints, 6},
+                                          {kJointsKey, 6},
                                           {kPositions, 3},
                                           {kOrientations, 4},
-                                          {kVelocities, 6},
-                                          {kAccelerations, 6}}};
+                                          {kVelocitiesKey, 6},
+                                          {kAccelerationsKey, 6}}};
   Quantity* current_ = nullptr;  // whose array is being read
   size_t in_row_ = 0;
 };
@@ -131,15 +131,15 @@ void AppendRow(const Quantity& quantity, size_t sample, std::vector<double>& val
 
 }  // namespace
 
-nlohmann::ordered_json ToJson(const FileTrajectory& trajectory) {
-  nlohmann::ordered_json json;
+Json ToJson(const FileTrajectory& trajectory) {
+  Json document;
   const auto add = [&](const char* key, const auto& entry_of) {
-    auto& entries = json[key] = nlohmann::ordered_json::array();
+    auto& entries = document[key] = Json::array();
     for (const FileSample& sample : trajectory) entries.push_back(entry_of(sample));
   };
   const SampleParts parts = PartsOf(trajectory);
   add(kTimes, [](const FileSample& sample) { return sample.time_s; });
-  add(kJoints, [](const FileSample& sample) { return sample.joints; });
+  add(kJointsKey, [](const FileSample& sample) { return sample.joints; });
   if (parts.pose) {
     add(kPositions, [](const FileSample& sample) {
       const auto& [x, y, z] = sample.pose->position;
@@ -151,12 +151,12 @@ nlohmann::ordered_json ToJson(const FileTrajectory& trajectory) {
     });
   }
   if (parts.velocities) {
-    add(kVelocities, [](const FileSample& sample) { return *sample.velocities; });
+    add(kVelocitiesKey, [](const FileSample& sample) { return *sample.velocities; });
   }
   if (parts.accelerations) {
-    add(kAccelerations, [](const FileSample& sample) { return *sample.accelerations; });
+    add(kAccelerationsKey, [](const FileSample& sample) { return *sample.accelerations; });
   }
-  return json;
+  return document;
 }
 
 LocatedTrajectory ParseJsonTrajectory(std::string_view text) {

@@ -1,9 +1,9 @@
 #ifndef QAL_IO_TRAJECTORY_JSON_H_
 #define QAL_IO_TRAJECTORY_JSON_H_
 
-#include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "json.h"
 #include "trajectory.h"
 
 namespace qal::io {
@@ -15,7 +15,7 @@ namespace qal::io {
 ///      "velocities_rad_s": [[v1, ..., v6], ...], "accelerations_rad_s2": [[a1, ..., a6], ...]}
 ///
 /// Pose, velocities and accelerations are there when every sample has them.
-nlohmann::ordered_json ToJson(const FileTrajectory& trajectory);
+Json ToJson(const FileTrajectory& trajectory);
 
 /// Reads what `ToJson` gives; other keys are passed over. Times are not checked for their order.
 /// @throw UsageError "line N, column M: REASON" as JsonEvents; "KEY[SAMPLE]: REASON" when a value

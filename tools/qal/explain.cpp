@@ -16,7 +16,7 @@ using namespace io;
 namespace {
 
 // The failing point, the joints before it, and the point's solutions.
-std::string PointRows(const ExplainedRequest& request, const Units& units) {
+std::string FailingPointRows(const ExplainedRequest& request, const Units& units) {
   const Explanation& why = request.why;
   if (!why.point) return "";
   const auto& [p, q] = why.point->pose;
@@ -81,7 +81,7 @@ std::string Table(const LoadedArm& loaded, const ExplainedRequest& request, cons
                   const Units& units) {
   std::string table = ArmRow(loaded) + Headline(request, units.text()) + '\n';
   for (const std::string& line : ReasonLines(request, units.text())) table += line + '\n';
-  return table + rows + PointRows(request, units) + BranchRows(request, units) +
+  return table + rows + FailingPointRows(request, units) + BranchRows(request, units) +
          RemedyRows(request);
 }
 

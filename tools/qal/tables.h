@@ -3,16 +3,16 @@
 
 #include <qal/model/pose.h>
 
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "../../io/json.h"
 #include "../../io/loaded_arm.h"
 #include "units.h"
 
 namespace qal::tools {
 
-using Json = nlohmann::ordered_json;
+using io::Json;
 
 /// A number in plain decimals, without a "-0.000".
 std::string Decimal(double value, int decimals);

@@ -163,9 +163,9 @@ double Unmet(const Axes& axes, const AxisCondition& condition) {
 }
 
 Axes NearestMember(const Axes& axes, const AxisConditions& conditions) {
-  constexpr double kRounding = 1e-12;
+  constexpr double kRoundingRad = 1e-12;
   constexpr int kMostSteps = 20;
-  const auto met = [&](const AxisCondition& c) { return Unmet(axes, c) <= kRounding; };
+  const auto met = [&](const AxisCondition& c) { return Unmet(axes, c) <= kRoundingRad; };
   if (std::all_of(conditions.begin(), conditions.end(), met)) return axes;
   const Axes start = Placed(axes);
   Moves by = {};

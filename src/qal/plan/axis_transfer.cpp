@@ -30,8 +30,8 @@ Pieces Only(const AccelerationProfile& profile, double sign) {
 }
 
 // `weight` of the farthest motion and the rest of the nearest one, which is given mirrored.
-Pieces Blend(const AccelerationProfile& farthest, const AccelerationProfile& nearest,
-             double weight) {
+Pieces BlendProfiles(const AccelerationProfile& farthest, const AccelerationProfile& nearest,
+                     double weight) {
   Pieces pieces;
   int f = 0;
   int n = 0;
@@ -138,8 +138,8 @@ void AxisTransfer::AddPieces(double duration_s, AxisMotion& motion) const {
   } else if (to_nearest <= resolution) {
     pieces = Only(nearest_.FarthestProfile(time), -1);
   } else {
-    pieces = Blend(farthest_.FarthestProfile(time), nearest_.FarthestProfile(time),
-                   to_nearest / (to_nearest + to_farthest));
+    pieces = BlendProfiles(farthest_.FarthestProfile(time), nearest_.FarthestProfile(time),
+                           to_nearest / (to_nearest + to_farthest));
   }
   if (pieces.size == 0) {  // a duration of 0
     return motion.Add(0, {from_.position, from_.velocity, from_.acceleration, 0});

@@ -126,7 +126,7 @@ Draft Spaced(const Draft& draft, const LimitedPath& limited, double step_s) {
   // Fewer would not show the phases of a short motion.
   constexpr double kLeast = 24;
   const double steps = std::ceil(timed.duration_s() / step_s);
-  const auto count = static_cast<int>(std::clamp(steps, kLeast, kMostSteps));
+  const auto count = static_cast<int>(std::clamp(steps, kLeast, kMostDraftSteps));
   const double interval_s = timed.duration_s() / count;
   std::vector<double> times;
   size_t piece = 0;

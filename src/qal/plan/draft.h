@@ -17,7 +17,7 @@ struct Draft {
 };
 
 /// Steps of a motion at the most, so that one of days takes no more memory than one of minutes.
-constexpr double kMostSteps = 50000;
+constexpr double kMostDraftSteps = 50000;
 
 /// A motion about as fast as the limits let it, by places `step_s` apart, and closer where the
 /// path's pieces are shorter: there the joints bend most. Where sections meet there is a place.

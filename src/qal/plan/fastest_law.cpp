@@ -157,7 +157,7 @@ TimeLaw FastestLaw(const LimitedPath& path, double cycle_s) {
     const SevenPhases phases =
         FastestPhases(path.end() - path.begin(), {only.speed, only.acceleration, only.jerk});
     step_s = StepOf(path, phases.jerk_s, cycle_s);
-    step_s = std::max(step_s, phases.duration_s() / kMostSteps);
+    step_s = std::max(step_s, phases.duration_s() / kMostDraftSteps);
     // No motion is faster than by the limits of s alone. Rounding of quotients is no reason to slow
     // down, and to be as near to that as this is near enough.
     constexpr double kRounding = 1e-9;

@@ -14,8 +14,6 @@ namespace qal {
 
 namespace {
 
-constexpr int kJoints = 6;
-
 // How far outside of its range a joint may be [rad]: roundings of states that a motion was sampled
 // at, and of motions to a limit.
 constexpr double kAtRangeRad = 1e-11;

@@ -9,7 +9,6 @@ namespace qal {
 
 namespace {
 
-constexpr int kJoints = 6;
 // A state that a motion within the limits was sampled at may be some roundings beyond them.
 constexpr double kAtLimit = 1 + 1e-10;
 

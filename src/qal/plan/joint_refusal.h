@@ -7,6 +7,8 @@
 
 namespace qal {
 
+constexpr int kJoints = 6;
+
 // What a joint move is refused for before it is planned.
 
 /// Whether every number of both states is finite.

@@ -13,10 +13,10 @@ constexpr double kPathTolerance = 5e-11;
 // And their own values within this; more means another solution.
 constexpr double kJointTolerance = 1e-8;
 // A step of Newton's method after which the next one is rounding.
-constexpr double kLastStepRad = 1e-9;
+constexpr double kLastCorrectionRad = 1e-9;
 // A step that leads somewhere else.
 constexpr double kLargestStepRad = 1;
-constexpr int kMostSteps = 8;
+constexpr int kMostCorrections = 8;
 // Below it the equations say nothing any more.
 constexpr double kSingularPivot = 1e-12;
 // Parts as short as this are needed only next to a singularity, or where the path ends.
@@ -113,7 +113,7 @@ void MovingAxes::SetSecond(const Joints& second) {
 std::optional<PathPoint> ToolSolver::Solve(double s, const Joints& guess) const {
   const Frame target = path_.FrameAt(s - begin_);
   Joints joints = guess;
-  for (int step = 0; step < kMostSteps; ++step) {
+  for (int step = 0; step < kMostCorrections; ++step) {
     const PlacedArm placed = screws_.At(joints);
     const LinearSystem equations = EquationsOf(placed.axes);
     if (!(equations.smallest_pivot() > kSingularPivot)) return std::nullopt;
@@ -124,7 +124,7 @@ std::optional<PathPoint> ToolSolver::Solve(double s, const Joints& guess) const 
     if (!(size <= kLargestStepRad)) return std::nullopt;
     for (size_t j = 0; j < joints.size(); ++j) joints[j] += change[j];
     // What is left to correct, the equations of the joints before are good for.
-    if (size <= kLastStepRad) {
+    if (size <= kLastCorrectionRad) {
       return WithDerivatives(s, joints, placed.axes, equations,
                              TwistsOf(target.position, path_.RatesAt(s - begin_)));
     }

@@ -6,14 +6,14 @@ namespace qal {
 
 namespace {
 
-constexpr Range kNone = {1, 0};
+constexpr Range kNowhere = {1, 0};
 
 // Takes away the x for which |c + k x| > limit.
 void Meet(double c, double k, double limit, Range& range) {
   // What hardly depends on x would only divide by zero.
   constexpr double kNothing = 1e-30;
   if (!(std::fabs(k) > kNothing)) {
-    if (!(std::fabs(c) <= limit)) range = kNone;
+    if (!(std::fabs(c) <= limit)) range = kNowhere;
     return;
   }
   const double per = 1 / k;
@@ -30,12 +30,12 @@ void Meet(const Vector3& c, const Vector3& k, double limit, Range& range) {
   const double rest = Dot(c, c) - limit * limit;
   constexpr double kNothing = 1e-30;
   if (!(square > kNothing)) {
-    if (!(rest <= 0)) range = kNone;
+    if (!(rest <= 0)) range = kNowhere;
     return;
   }
   const double discriminant = half * half - square * rest;
   if (!(discriminant >= 0)) {
-    range = kNone;
+    range = kNowhere;
     return;
   }
   const double root = std::sqrt(discriminant);

@@ -9,7 +9,7 @@ namespace qal {
 namespace {
 
 // Times that differ by less of a cycle are one.
-constexpr double kRounding = 1e-9;
+constexpr double kRoundingRad = 1e-9;
 
 }  // namespace
 
@@ -55,7 +55,7 @@ void Player::Stand() {
 }
 
 bool Player::done() const {
-  return stands_ && block_ == blocks_.size() && rest_s_ <= kRounding * cycle_s_;
+  return stands_ && block_ == blocks_.size() && rest_s_ <= kRoundingRad * cycle_s_;
 }
 
 double Player::planned_s() {
@@ -107,7 +107,7 @@ void Player::Advance() {
   while (true) {
     if (stands_) {
       if (wanted_ == 0) return;
-      if (left_s < rest_s_ - kRounding * cycle_s_ || block_ == blocks_.size()) {
+      if (left_s < rest_s_ - kRoundingRad * cycle_s_ || block_ == blocks_.size()) {
         rest_s_ -= left_s;
         return;
       }
@@ -125,7 +125,7 @@ void Player::Advance() {
     }
     const double clock_s = course().clock_s + (in_leg_s_ + left_s) * course().pace;
     const double beyond_s = clock_s - blocks_[block_].law->duration_s();
-    if (beyond_s < -kRounding * cycle_s_) {
+    if (beyond_s < -kRoundingRad * cycle_s_) {
       in_leg_s_ += left_s;
       return;
     }
