@@ -60,7 +60,7 @@ coverage: test-deps
 	cmake --build --preset coverage
 	ctest --preset coverage
 	gcovr --branches --exclude-throw-branches --exclude-unreachable-branches \
-	  --exclude-directories '.*/qal_alone' build/coverage
+	  --exclude-directories '.*/qal_headers_alone' build/coverage
 
 ## Draws the pictures of the docs from real output.
 figures: demo

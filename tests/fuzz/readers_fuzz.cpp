@@ -17,6 +17,9 @@
 #include "../../io/urdf.h"
 #include "../../io/urdf_visuals.h"
 
+/// Which format the harness reads: csv, json, ...; by the program.
+extern const char* const fuzz_format;
+
 namespace {
 
 using namespace qal::io;
@@ -129,7 +132,7 @@ void Read(const std::string& format, const std::string& text) {
 // Reads a file of one format: it is refused with a reason, or what has been read is sound.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   try {
-    Read(QAL_FUZZ_FORMAT, std::string(data, data + size));
+    Read(fuzz_format, std::string(data, data + size));
   } catch (const UsageError& error) {
     const size_t length = std::strlen(error.what());
     Require(length > 0 && length < 2100, "no reason, or one that is no line to read");
