@@ -3,6 +3,13 @@ add_test(NAME Readme.ShowsTheFirstExample
          COMMAND bash -c "diff <(sed -n '/^```cpp/,/^```/{/^```/d;p}' README.md) examples/01_straight_line.cpp"
          WORKING_DIRECTORY ${PROJECT_SOURCE_DIR})
 
+# README's figures are those that were measured.
+find_package(Python3 QUIET COMPONENTS Interpreter)
+if(Python3_FOUND)
+  add_test(NAME Readme.ShowsTheFiguresOfItsPerformance
+           COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/docs/readme_figures.py --check)
+endif()
+
 # The installed tree, used from outside: by find_package, by pkg-config; and the source tree as a
 # subdirectory, with a solver of the user's own.
 # A sanitizer's library needs a sanitizer's program, so not there.
@@ -29,10 +36,22 @@ endfunction()
 
 qal_test_consumer(FindPackage -DCMAKE_PREFIX_PATH=${prefix})
 qal_test_consumer(AddSubdirectory -DQAL_SOURCE_DIR=${PROJECT_SOURCE_DIR}
-                  -DQAL_IK_SOLVER=$<TARGET_FILE:ik>)
+                  -DQAL_IK_SOLVER=$<TARGET_FILE:ik> -DCMAKE_BUILD_TYPE=Debug
+                  -DCMAKE_UNITY_BUILD=ON -DCMAKE_UNITY_BUILD_BATCH_SIZE=30)
 add_test(NAME Package.WorksByPkgConfig
          COMMAND ${consumer}/with_pkg_config.sh ${prefix} ${consumer}/consumer.cpp
                  ${CMAKE_CURRENT_BINARY_DIR}/package/with_pkg_config)
+add_test(NAME Package.WorksByACompilerAlone
+         COMMAND ${CMAKE_COMMAND} -E env CXX=${CMAKE_CXX_COMPILER} ${consumer}/plain.sh
+                 ${PROJECT_SOURCE_DIR} $<TARGET_FILE_DIR:ik>
+                 ${CMAKE_CURRENT_BINARY_DIR}/package/plain)
+if(QAL_AARCH64_CXX AND QAL_AARCH64_EMULATOR)
+  add_test(NAME Package.WorksOnAarch64
+           COMMAND ${consumer}/cross.sh ${PROJECT_SOURCE_DIR}
+                   ${PROJECT_SOURCE_DIR}/cmake/toolchains/aarch64-linux-gnu.cmake
+                   ${CMAKE_CURRENT_BINARY_DIR}/package/aarch64)
+  set_tests_properties(Package.WorksOnAarch64 PROPERTIES PROCESSORS 2)
+endif()
 if(QAL_BUILD_TOOLS)
   add_test(NAME Package.ToolsWork COMMAND ${consumer}/tools.sh ${prefix}
                                           ${CMAKE_CURRENT_BINARY_DIR}/package/tools)
