@@ -150,6 +150,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--timer", required=True, help="qal_bench")
     parser.add_argument("--memory", required=True, help="qal_bench_memory")
+    parser.add_argument("--solved", required=True, help="qal_bench_solved")
     parser.add_argument("--library", action="append", required=True)
     parser.add_argument("--compiler", required=True, help="its name, version and options")
     parser.add_argument("--out", required=True, type=pathlib.Path)
@@ -160,6 +161,7 @@ def main():
     scaling = run(arguments.timer, "^scaling/", 5, core=0)
     threads = run(arguments.timer, "^threads/", arguments.repetitions)
     memory = measure_memory(arguments.memory)
+    solved = subprocess.run([arguments.solved], check=True, capture_output=True, text=True).stdout.strip()
     rate = {int(name[-1]): 1 / statistics.median(values) for name, values in threads.items()}
     gain = rate[2] / rate[1]
     ratios = compare(times)
@@ -172,7 +174,7 @@ def main():
         ratio_table(ratios),
         f"Two threads on two cores: {gain:.2f} times the rate of one, at least {THREAD_RATE} "
         f"({'met' if gain >= THREAD_RATE else 'NOT MET'}).",
-        scaling_table(scaling, memory), allocation_table(memory),
+        solved, scaling_table(scaling, memory), allocation_table(memory),
         table(["library", "bytes, stripped", "relocations", "run at load"],
               [library.values() for library in report["libraries"]])])
     arguments.out.mkdir(parents=True, exist_ok=True)
