@@ -6,9 +6,9 @@ BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev li
 # What the report's page is built by; a machine's own node and npm do as well.
 NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
-TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck g++-aarch64-linux-gnu qemu-user \
+TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck fish g++-aarch64-linux-gnu man-db qemu-user \
              mypy python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
-             python3-venv python3-wheel python3-yaml $(BENCH_DEPS)
+             python3-venv python3-wheel python3-yaml zsh $(BENCH_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60

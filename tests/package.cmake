@@ -55,7 +55,17 @@ endif()
 if(QAL_BUILD_TOOLS)
   add_test(NAME Package.ToolsWork COMMAND ${consumer}/tools.sh ${prefix}
                                           ${CMAKE_CURRENT_BINARY_DIR}/package/tools)
-  set_tests_properties(Package.ToolsWork PROPERTIES FIXTURES_REQUIRED installed_tree)
+  add_test(NAME Package.HasAManual COMMAND /usr/bin/python3 ${consumer}/manual.py
+                                           ${prefix}/${CMAKE_INSTALL_MANDIR}/man1 ${prefix}/bin)
+  foreach(shell bash zsh fish)
+    add_test(NAME Package.CompletesCommandLines.${shell}
+             COMMAND /usr/bin/python3 ${consumer}/completion.py ${shell} ${prefix}
+                     ${CMAKE_CURRENT_BINARY_DIR}/package/completion_${shell})
+    set_tests_properties(Package.CompletesCommandLines.${shell}
+                         PROPERTIES FIXTURES_REQUIRED installed_tree)
+  endforeach()
+  set_tests_properties(Package.ToolsWork Package.HasAManual PROPERTIES FIXTURES_REQUIRED
+                                                                       installed_tree)
   add_test(NAME Package.KnowsWhatItContains
            COMMAND ${consumer}/sbom.sh ${PROJECT_SOURCE_DIR}/packaging/sbom ${PROJECT_BINARY_DIR}
                    ${CMAKE_CURRENT_BINARY_DIR}/package/sbom.json)

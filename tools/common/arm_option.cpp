@@ -7,16 +7,16 @@
 
 #include "child.h"
 #include "read_options.h"
+#include "values.h"
 #include "version.h"
 
 namespace qal::tools {
 
 void ArmOption::AddTo(CLI::App& command) {
-  command
-      .add_option("--arm", path_,
-                  "the arm: URDF, table (TOML, JSON), arm file or solver library; -: standard\n"
-                  "input (default: QAL_ARM in the environment, else the reference arm)")
-      ->type_name("FILE");
+  TakesArm(command.add_option(
+      "--arm", path_,
+      "the arm: URDF, table (TOML, JSON), arm file or solver library; -: standard\n"
+      "input (default: QAL_ARM in the environment, else the reference arm)"));
   AddLinkOptions(command, read_);
 }
 

@@ -14,6 +14,8 @@
 #include "../../io/files.h"
 #include "../../io/messages.h"
 #include "child.h"
+#include "complete.h"
+#include "manual.h"
 
 namespace qal::tools {
 
@@ -69,6 +71,21 @@ void Parse(CLI::App& app, const std::vector<std::string>& arguments) {
   }
 }
 
+// What shells and the build ask for, by a first argument that the help doesn't tell of. Whether it
+// was that.
+bool AnswerMachine(CLI::App& app, const std::vector<std::string>& arguments) {
+  if (arguments.size() < 2) return false;
+  if (arguments[0] == kCompleteOption) {
+    WriteStandardOutput(Completions(app, {arguments.begin() + 1, arguments.end()}));
+    return true;
+  }
+  if (arguments[0] != kManualOption) return false;
+  for (const ManualPage& page : Manual(app)) {
+    WriteFile(arguments[1] + '/' + page.name + ".1", page.text);
+  }
+  return true;
+}
+
 }  // namespace
 
 std::vector<std::string> ForParser(const std::vector<std::string>& arguments) {
@@ -82,9 +99,10 @@ int RunTool(const std::string& name, const std::vector<std::string>& arguments,
   KeepWriteSignalsAway();
   CLI::App app;
   app.name(name);
+  app.set_help_flag("-h,--help", "this help");
   try {
     describe(app);
-    Parse(app, arguments);
+    if (!AnswerMachine(app, arguments)) Parse(app, arguments);
     return EndOfChild(kDone);
   } catch (const ChildStatus& child) {
     return child.status;

@@ -12,6 +12,7 @@
 #include "../common/arm_option.h"
 #include "../common/read_options.h"
 #include "../common/run.h"
+#include "../common/values.h"
 #include "checks.h"
 
 namespace {
@@ -90,30 +91,37 @@ CLI::Validator Seconds(double least, double most) {
     const bool good = CLI::detail::lexical_cast(text, value) && value >= least && value <= most;
     return good ? "" : fmt::format("Value {} not in range {} to {}", text, least, most);
   };
-  return {check, fmt::format("FLOAT in [{} - {}]", least, most)};
+  return {check, ""};
 }
 
 void Describe(CLI::App& app, Arguments& arguments) {
   app.description(
       "Checks a solver library, libik.so, in a process of its own, so that nothing it does ends\n"
-      "the check. Exit status: 0 sound, 1 faults found (with --strict notes, too), 2 bad usage, "
-      "or\n"
-      "not a library that can be loaded.");
-  app.footer(ikcheck::FindingsHelp() + "\nExample: ikcheck libik.so --arm arm.urdf --strict");
+      "the check.");
+  app.footer(ikcheck::FindingsHelp() +
+             "\nExit status: 0 sound, 1 faults found (with --strict notes, too), 2 bad usage, or\n"
+             "not a library that can be loaded.\n"
+             "Example: ikcheck libik.so --arm arm.urdf --strict");
   ikcheck::Options& options = arguments.options;
-  app.add_option("LIBRARY", arguments.library,
-                 "the solver library (default: the one that the arm's file is or names)");
-  app.add_option(
-         "--arm,--urdf,--table", arguments.arm,
-         "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
-         "arm file; base and tip frames have to agree, too; -: standard input (default:\n"
-         "QAL_ARM in the environment)")
-      ->type_name("FILE");
-  app.add_option("--poses", options.poses, "random joint sets to check with")
-      ->check(CLI::Range(1, 10000000))
+  tools::TakesFile(
+      app.add_option("LIBRARY", arguments.library,
+                     "the solver library (default: the one that the arm's file is or names)"),
+      tools::kLibraryFiles);
+  tools::TakesArm(app.add_option(
+      "--arm,--urdf,--table", arguments.arm,
+      "the arm that the solver should be for: URDF, table of parameters (TOML, JSON) or\n"
+      "arm file; base and tip frames have to agree, too; -: standard input (default:\n"
+      "QAL_ARM in the environment)"));
+  app.add_option("--poses", options.poses, "random joint sets to check with, 1 to 10000000")
+      ->type_name("N")
+      ->check(CLI::Range(1, 10000000).description(""))
       ->capture_default_str();
-  app.add_option("--seed", options.seed, "of the random numbers")->capture_default_str();
-  app.add_option("--timeout", options.timeout_s, "longest time that a call may take [s]")
+  app.add_option("--seed", options.seed, "seed of the random numbers")
+      ->type_name("N")
+      ->capture_default_str();
+  app.add_option("--timeout", options.timeout_s,
+                 "longest time that a call may take [s], 0.1 to 3600")
+      ->type_name("N")
       ->check(Seconds(0.1, 3600.0))
       ->capture_default_str();
   tools::AddReadOptions(app, arguments.read);

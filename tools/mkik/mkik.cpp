@@ -10,6 +10,7 @@
 #include "../common/arm_option.h"
 #include "../common/read_options.h"
 #include "../common/run.h"
+#include "../common/values.h"
 #include "build.h"
 #include "source.h"
 #include "summary.h"
@@ -96,23 +97,23 @@ std::string Version(const Arguments& arguments) {
 }
 
 void Describe(CLI::App& app, Arguments& arguments) {
-  app.description(
-      "Makes a solver library, libik.so, of an arm's description.\n"
-      "Exit status: 0 done; 1 the arm can't be solved, or no compiler works; 2 bad usage.");
+  app.description("Makes a solver library, libik.so, of an arm's description.");
   app.footer(
       "What a file is shows in its content, whatever its name.\n"
+      "Exit status: 0 done, 1 the arm can't be solved, or no compiler works, 2 bad usage.\n"
+      "Environment: CXX, the compiler (default: c++); TMPDIR, where it works (default: /tmp).\n"
       "Example: mkik arm.urdf -o libik.so && ikcheck libik.so --arm arm.urdf");
-  app.add_option("ARM", arguments.positional, "the same as --arm, and goes before it");
-  app.add_option("--arm", arguments.arm,
-                 "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard\n"
-                 "input (default: QAL_ARM in the environment)")
-      ->type_name("FILE");
-  app.add_option("-o,--output", arguments.output,
-                 "solver library to build, or its source when the name ends in .cpp;\n"
-                 "without it the arm is only examined")
-      ->type_name("FILE");
-  app.add_option("--source", arguments.source, "also write the solver as one C++ file")
-      ->type_name("FILE");
+  TakesArm(app.add_option("ARM", arguments.positional, "the same as --arm, and goes before it"));
+  TakesArm(app.add_option(
+      "--arm", arguments.arm,
+      "description: URDF, table of parameters (TOML, JSON) or arm file; -: standard\n"
+      "input (default: QAL_ARM in the environment)"));
+  TakesFile(app.add_option("-o,--output", arguments.output,
+                           "solver library to build, or its source when the name ends in .cpp;\n"
+                           "without it the arm is only examined"),
+            "*.so *.cpp");
+  TakesFile(app.add_option("--source", arguments.source, "also write the solver as one C++ file"),
+            "*.cpp");
   app.add_flag("--nominal", arguments.nominal,
                "make the nearest member of the arm's family, not the arm as it is described");
   AddReadOptions(app, arguments.read);

@@ -6,6 +6,7 @@
 #include "../../io/files.h"
 #include "../../io/limits.h"
 #include "../../io/trajectory_csv.h"
+#include "../common/values.h"
 #include "explain.h"
 #include "ik_arguments.h"
 #include "pose_option.h"
@@ -169,7 +170,8 @@ void AddExplainPose(CLI::App& explain, const SharedArm& arm) {
   arguments->report.AddTo(*pose);
   arguments->command = pose;
   pose->footer(
-      "Exit status: 0 the pose works, 1 it fails. With --file as qal explain poses.\n"
+      "With --file as qal explain poses.\n"
+      "Exit status: 0 the pose works, 1 it fails.\n"
       "Example: qal explain pose --pose 0.9 0 0.5 --rpy 0 3.14159 0");
   pose->callback([arguments] {
     const IkArguments& ik = arguments->ik;
@@ -184,11 +186,11 @@ void AddExplainPoses(CLI::App& explain, const SharedArm& arm) {
   const auto arguments = std::make_shared<ExplainPoseArguments>();
   CLI::App* poses = explain.add_subcommand(
       "poses", "Why poses of a file can't be passed one after the other, at the arm's speed");
-  poses
-      ->add_option(
-          "FILE", arguments->poses,
-          "CSV file of poses, with the columns x_m,y_m,z_m,qw,qx,qy,qz, and time_s, without\n"
-          "which they are one control cycle apart; -: standard input")
+  TakesFile(poses->add_option(
+                "FILE", arguments->poses,
+                "CSV file of poses, with the columns x_m,y_m,z_m,qw,qx,qy,qz, and time_s, without\n"
+                "which they are one control cycle apart; -: standard input"),
+            kPointFiles)
       ->required();
   arguments->ik.AddRequestTo(*poses);
   arguments->ik.common.AddTo(*poses, arm, false);
@@ -197,7 +199,8 @@ void AddExplainPoses(CLI::App& explain, const SharedArm& arm) {
   poses->footer(
       "Each pose is taken by the admissible solution nearest the one before, the first nearest\n"
       "--near; from the second on, no joint may be quicker than its arm's velocity, or go farther\n"
-      "than --step-bound. Exit status: 0 they work, 1 they fail.\n"
+      "than --step-bound.\n"
+      "Exit status: 0 they work, 1 they fail.\n"
       "Example: qal explain poses poses.csv --near 0 0.3 0.2 0 1 0");
   poses->callback([arguments] {
     arguments->report.Check();

@@ -5,6 +5,7 @@
 
 #include "../../io/error.h"
 #include "../../io/trajectory_csv.h"
+#include "../common/values.h"
 #include "commands.h"
 #include "output.h"
 #include "point_file.h"
@@ -51,10 +52,11 @@ void AddFk(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<FkArguments>();
   CLI::App* fk = app.add_subcommand("fk", "Forward kinematics: the pose of six joint angles");
   arguments->joints.AddTo(*fk, "--joints", kJointsShape, kJointsHelp);
-  fk->add_option("--file", arguments->file,
-                 "a CSV file of joints in place of --joints, with the columns q1_rad to q6_rad;\n"
-                 "-: standard input")
-      ->type_name("FILE");
+  TakesFile(fk->add_option(
+                "--file", arguments->file,
+                "a CSV file of joints in place of --joints, with the columns q1_rad to q6_rad;\n"
+                "-: standard input"),
+            kPointFiles);
   arguments->common.AddTo(*fk, arm, false);
   fk->footer(
       "Exit status: 0 done, 1 when there is no pose of a row.\n"

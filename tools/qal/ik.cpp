@@ -7,6 +7,7 @@
 
 #include "../../io/error.h"
 #include "../../io/trajectory_csv.h"
+#include "../common/values.h"
 #include "ik_arguments.h"
 #include "point_file.h"
 #include "pose_option.h"
@@ -121,12 +122,13 @@ void RunIk(const IkArguments& arguments) {
 void IkArguments::AddTo(CLI::App& ik, const SharedArm& arm) {
   pose.AddTo(ik, "--pose", kPoseShape, kPoseHelp);
   rpy.AddTo(ik, "--rpy", kRpyShape, kRpyHelp);
-  ik.add_option(
-        "--file", file,
-        "a CSV file of poses in place of --pose, with the columns x_m,y_m,z_m,qw,qx,qy,qz;\n"
-        "each row is solved near the solution of the row before, the first near --near;\n"
-        "-: standard input")
-      ->type_name("FILE");
+  TakesFile(
+      ik.add_option(
+          "--file", file,
+          "a CSV file of poses in place of --pose, with the columns x_m,y_m,z_m,qw,qx,qy,qz;\n"
+          "each row is solved near the solution of the row before, the first near --near;\n"
+          "-: standard input"),
+      kPointFiles);
   AddRequestTo(ik);
   common.AddTo(ik, arm, false);
   ik.add_flag("--all", all,

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "../../io/error.h"
+#include "../common/values.h"
 #include "commands.h"
 #include "move.h"
 #include "pose_option.h"
@@ -55,13 +56,13 @@ void AddJog(CLI::App& app, const SharedArm& arm) {
   CLI::App* jog = app.add_subcommand(
       "jog", "One step along or about an axis, in one control cycle, judged by the arm's limits");
   arguments->joints.AddTo(*jog, "--joints", kJointsShape, kJointsHelp);
-  jog->add_option("--axis", arguments->axis, "x y z: along; rx ry rz: about")
-      ->required()
-      ->check(CLI::IsMember(kAxes));
+  TakesOneOf(jog->add_option("--axis", arguments->axis, "x y z: along; rx ry rz: about"), kAxes)
+      ->required();
   arguments->step.AddTo(*jog, "--step", "N",
                         "signed length [m; --mm: mm] or angle [rad; --deg: deg]");
-  jog->add_option("--frame", arguments->frame, "frame of the axis, which goes through the tool")
-      ->check(CLI::IsMember({"base", "tool"}))
+  TakesOneOf(jog->add_option("--frame", arguments->frame,
+                             "frame of the axis, which goes through the tool"),
+             {"base", "tool"})
       ->capture_default_str();
   arguments->plan.AddTo(*jog, arm);
   jog->footer(

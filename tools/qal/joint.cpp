@@ -6,6 +6,7 @@
 
 #include "../../io/error.h"
 #include "../../io/plan_text.h"
+#include "../common/values.h"
 #include "joint_arguments.h"
 #include "limited.h"
 
@@ -46,15 +47,15 @@ Planner ClassicPlanner(const JointArguments& a) {
 
 void JointArguments::AddTo(CLI::App& joint, const SharedArm& arm) {
   ends.AddTo(joint);
-  joint
-      .add_option(
-          "--profile", profile,
-          "limited: the quickest move within every joint's velocity, acceleration and jerk\n"
-          "fixed: equal steps; begins and ends with a whole one, and keeps no limit\n"
-          "ramp: the leading joint's step grows, cruises and falls; keeps no limit\n"
-          "trapezoid: every joint by its motor's speed, all arriving together; may exceed\n"
-          "speed and acceleration, and has steps of acceleration")
-      ->check(CLI::IsMember({"limited", "fixed", "ramp", "trapezoid"}))
+  TakesOneOf(joint.add_option(
+                 "--profile", profile,
+                 "how the joints move:\n"
+                 "limited: the quickest move within every joint's velocity, acceleration and jerk\n"
+                 "fixed: equal steps; begins and ends with a whole one, and keeps no limit\n"
+                 "ramp: the leading joint's step grows, cruises and falls; keeps no limit\n"
+                 "trapezoid: every joint by its motor's speed, all arriving together; may exceed\n"
+                 "speed and acceleration, and has steps of acceleration"),
+             {"limited", "fixed", "ramp", "trapezoid"})
       ->capture_default_str();
   AddScale(scale, joint);
   speed.AddTo(joint, "--speed", "N",

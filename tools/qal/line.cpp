@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "../../io/error.h"
+#include "../common/values.h"
 #include "limited.h"
 #include "line_arguments.h"
 
@@ -11,13 +12,15 @@ namespace qal::tools {
 
 void LineArguments::AddTo(CLI::App& line, const SharedArm& arm) {
   ends.AddTo(line);
-  line.add_option(
+  TakesOneOf(
+      line.add_option(
           "--profile", profile,
+          "how the tool moves:\n"
           "limited: the quickest line within every limit of tool and joints\n"
           "fixed: equal steps; begins and ends with a whole one, and keeps no limit\n"
           "ramp: the step grows, cruises and falls; jumps to the end, keeps no joint's limit\n"
-          "s-curve: the first phase of a jerk-limited line alone, up to twice --motor-rpm")
-      ->check(CLI::IsMember({"limited", "fixed", "ramp", "s-curve"}))
+          "s-curve: the first phase of a jerk-limited line alone, up to twice --motor-rpm"),
+      {"limited", "fixed", "ramp", "s-curve"})
       ->capture_default_str();
   speed.AddTo(line, "--speed", "N",
               "limited: the tool's speed at most [m/s; --mm: mm/s]\n"

@@ -9,6 +9,7 @@
 #include "../../io/files.h"
 #include "../common/arm_option.h"
 #include "../common/run.h"
+#include "../common/values.h"
 #include "commands.h"
 #include "number_option.h"
 
@@ -21,7 +22,10 @@ using namespace qal::io;
 void AddHelp(CLI::App& app) {
   const auto about = std::make_shared<std::vector<std::string>>();
   CLI::App* help = app.add_subcommand("help", "Describe a command, with an example");
-  help->add_option("COMMAND", *about, "the command; without it, all are listed")->type_name("");
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
+  TakesListOf(help->add_option("COMMAND", *about, "the command; without it, all are listed"), names)
+      ->type_name("");
   help->footer("Example: qal help line");
   help->callback([&app, about] {
     const CLI::App* command = &app;
@@ -45,8 +49,11 @@ void Describe(CLI::App& app) {
   app.description(
       "Kinematics and trajectories of a six-axis arm. Angles in rad and lengths in m unless --deg\n"
       "or --mm is given. The arm is that of --arm FILE, else of QAL_ARM in the environment, else\n"
-      "the reference arm. Exit status: 0 done, 1 no solution or a violation, 2 bad usage.");
-  app.footer("qal help COMMAND describes a command, with an example.");
+      "the reference arm.");
+  app.footer(
+      "qal help COMMAND describes a command, with an example.\n"
+      "Exit status: 0 done, 1 no solution or a violation, 2 bad usage.\n"
+      "Example: qal plan examples/welding_seam.toml -o seam.csv && qal verify seam.csv");
   const auto arm = std::make_shared<ArmOption>();
   arm->AddTo(app);
   app.set_version_flag(

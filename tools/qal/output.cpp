@@ -5,6 +5,7 @@
 #include "../../io/error.h"
 #include "../../io/files.h"
 #include "../../io/trajectory_csv.h"
+#include "../common/values.h"
 
 namespace qal::tools {
 
@@ -12,10 +13,11 @@ using namespace io;
 
 void Output::AddTo(CLI::App& command, bool trajectory) {
   command.add_flag("--json", json_, "JSON instead of the table, always in rad and m");
-  CLI::Option* csv = command.add_option(
-      "--csv", csv_,
-      "also write a CSV file, always in s, rad and m;\n-: on standard output instead");
-  csv->type_name("FILE");
+  CLI::Option* csv = TakesFile(
+      command.add_option(
+          "--csv", csv_,
+          "also write a CSV file, always in s, rad and m;\n-: on standard output instead"),
+      "*.csv");
   if (!trajectory) return;
   command.add_flag("--full", full_, "with --csv: speeds, accelerations and motor speeds as well")
       ->needs(csv);
@@ -34,7 +36,7 @@ void Output::Write(const std::string& data, const std::function<std::string()>& 
 
 void Output::AddTrajectoryTo(CLI::App& command) {
   command.add_flag("--json", json_, "JSON instead of the table, always in rad and m");
-  trajectory_.AddTo(command, "-o,--out")->type_name("FILE");
+  trajectory_.AddTo(command, "-o,--out");
 }
 
 void Output::Check() const {

@@ -12,6 +12,7 @@
 #include "../../io/program_file.h"
 #include "../../io/trajectory_json.h"
 #include "../common/progress.h"
+#include "../common/values.h"
 #include "limited.h"
 #include "plan_arguments.h"
 #include "plan_report.h"
@@ -87,7 +88,9 @@ void RunPlan(const PlanArguments& a) {
 }  // namespace
 
 void PlanArguments::AddTo(CLI::App& plan_command, const SharedArm& arm) {
-  plan_command.add_option("PROGRAM", program, "program in TOML or JSON; -: standard input")
+  TakesFile(
+      plan_command.add_option("PROGRAM", program, "program in TOML or JSON; -: standard input"),
+      kProgramFiles)
       ->required();
   plan.common.arm = arm;
   arm->AddTo(plan_command);

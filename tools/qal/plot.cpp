@@ -10,6 +10,7 @@
 #include "../../io/report_motion.h"
 #include "../../io/suggestion.h"
 #include "../common/progress.h"
+#include "../common/values.h"
 #include "commands.h"
 #include "limit_options.h"
 #include "report_option.h"
@@ -81,18 +82,21 @@ void AddPlot(CLI::App& app, const SharedArm& arm) {
   CLI::App* plot =
       app.add_subcommand("plot", "A trajectory file's curves as a picture, for papers and issues");
   arguments->in.AddTo(*plot, "FILE");
-  plot->add_option("-o,--out", arguments->out,
-                   "SVG file to write, whole or not at all; -: standard output (the default)")
-      ->type_name("FILE");
-  plot->add_option(
-          "--only", arguments->only,
-          fmt::format("these plots alone, in this order, of\n{}", fmt::join(kPanelNames, ", ")))
+  TakesFile(
+      plot->add_option("-o,--out", arguments->out,
+                       "SVG file to write, whole or not at all; -: standard output (the default)"),
+      "*.svg");
+  TakesListOf(plot->add_option("--only", arguments->only,
+                               fmt::format("these plots alone, in this order, of\n{}",
+                                           fmt::join(kPanelNames, ", "))),
+              kPanelNames)
       ->type_name("A,B,..")
       ->expected(1)
       ->allow_extra_args(false);
-  plot->add_option("--width", arguments->width_px, "width of the picture [px]")
+  plot->add_option("--width", arguments->width_px,
+                   fmt::format("width of the picture [px], {} to {}", kNarrowestPlot, kWidestPlot))
       ->type_name("N")
-      ->check(CLI::Range(kNarrowestPlot, kWidestPlot))
+      ->check(CLI::Range(kNarrowestPlot, kWidestPlot).description(""))
       ->capture_default_str();
   arguments->arm = arm;
   arm->AddTo(*plot);

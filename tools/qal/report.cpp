@@ -5,6 +5,7 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../common/values.h"
 #include "commands.h"
 #include "limit_options.h"
 #include "report_option.h"
@@ -58,7 +59,9 @@ void AddReport(CLI::App& app, const SharedArm& arm) {
   CLI::App* report = app.add_subcommand(
       "report", "A page that plays a trajectory file, with its curves and the verdict on it");
   arguments->in.AddTo(*report, "FILE");
-  report->add_option("OTHER", arguments->other, "another trajectory of the arm, shown beside it");
+  TakesFile(report->add_option("OTHER", arguments->other,
+                               "another trajectory of the arm, shown beside it"),
+            kTrajectoryFiles);
   arguments->out.AddOutputTo(*report);
   arguments->arm = arm;
   arm->AddTo(*report);

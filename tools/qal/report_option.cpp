@@ -9,6 +9,7 @@
 #include "../../io/files.h"
 #include "../../io/messages.h"
 #include "../common/progress.h"
+#include "../common/values.h"
 #include "../common/version.h"
 #include "tables.h"
 
@@ -29,17 +30,18 @@ void ExpectOtherFile(const std::string& written, const std::vector<std::string>&
 
 void ReportOption::AddTo(CLI::App& command) {
   title_ = "qal " + command.get_name();
-  command
-      .add_option("--report", path_,
-                  "also write a page that shows the motion, its curves and the verdict, in HTML")
-      ->type_name("FILE");
+  TakesFile(command.add_option(
+                "--report", path_,
+                "also write a page that shows the motion, its curves and the verdict, in HTML"),
+            "*.html");
 }
 
 void ReportOption::AddOutputTo(CLI::App& command) {
   is_answer_ = true;
   title_ = "qal " + command.get_name();
-  command.add_option("-o,--out", path_, "page to write, whole or not at all; -: standard output")
-      ->type_name("FILE")
+  TakesFile(command.add_option("-o,--out", path_,
+                               "page to write, whole or not at all; -: standard output"),
+            "*.html")
       ->required();
 }
 

@@ -8,6 +8,7 @@
 
 #include "../../io/error.h"
 #include "../../io/messages.h"
+#include "../common/values.h"
 #include "number_option.h"
 
 namespace qal::tools {
@@ -15,9 +16,12 @@ namespace qal::tools {
 using namespace io;
 
 void TrajectoryInput::AddTo(CLI::App& command, const std::string& name) {
-  command.add_option(name, path_, "trajectory to read; -: standard input")->required();
-  command.add_option("--from", format_, "format of " + name + " (default: by its content)")
-      ->check(CLI::IsMember(kFormatNames));
+  TakesFile(command.add_option(name, path_, "trajectory to read; -: standard input"),
+            kTrajectoryFiles)
+      ->required();
+  TakesOneOf(
+      command.add_option("--from", format_, "format of " + name + " (default: by its content)"),
+      kFormatNames);
   command
       .add_option("--joint-names", names_,
                   "names of joints 1 to 6 in ROS files (default: those of the arm, or,\n"

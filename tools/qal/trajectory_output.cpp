@@ -4,21 +4,24 @@
 
 #include "../../io/error.h"
 #include "../../io/files.h"
+#include "../common/values.h"
 
 namespace qal::tools {
 
 using namespace io;
 
 CLI::Option* TrajectoryOutput::AddTo(CLI::App& command, const std::string& name) {
-  CLI::Option* path =
-      command.add_option(name, path_, "file to write, whole or not at all; -: standard output");
-  command.add_option("--to", to_, "format of " + path->get_name() + " (default: by its ending)")
-      ->check(CLI::IsMember(kFormatNames));
-  command
-      .add_option("--ros", ros_,
-                  "with YAML: message, a JointTrajectory for a topic (the default), or\n"
-                  "goal, the goal of the action FollowJointTrajectory")
-      ->check(CLI::IsMember({"message", "goal"}));
+  CLI::Option* path = TakesFile(
+      command.add_option(name, path_, "file to write, whole or not at all; -: standard output"),
+      kTrajectoryFiles);
+  TakesOneOf(command.add_option("--to", to_,
+                                "format of " + path->get_name() + " (default: by its ending)"),
+             kFormatNames);
+  TakesOneOf(command.add_option("--ros", ros_,
+                                "what a YAML file is for:\n"
+                                "message: a JointTrajectory for a topic (the default)\n"
+                                "goal: the goal of the action FollowJointTrajectory"),
+             {"message", "goal"});
   command.add_flag("--full", full_,
                    "with CSV: speeds, accelerations and the arm's motor speeds as well");
   return path;
