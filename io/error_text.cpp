@@ -128,6 +128,8 @@ std::string Words::OfSolving() const {
     case Reason::kSolverThrows:
       return fmt::format("the solver throws an exception ({}); ikcheck tells more about it",
                          error_.detail);
+    case Reason::kInterrupted:
+      return "interrupted";
     default:
       return "";
   }

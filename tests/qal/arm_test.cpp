@@ -119,5 +119,25 @@ TEST(Arm, RefusesLimitsThatAreNone) {
   }
 }
 
+// Asked before each answer, by the arm and by those made of it with another tool; what has been
+// answered before is the arm's own.
+TEST(Arm, EndsItsWorkWhenItsWatchSaysSo) {
+  const Arm plain = Arm::Reference();
+  const Joints joints = {0.1, 0.3, 0.2, 0.1, 1, 0.2};
+  int left = 2;
+  const Arm watched = plain.Watched([&left] { return left-- > 0; });
+  EXPECT_EQ(Forward(plain, joints)->position.x, Forward(watched, joints)->position.x);
+  const Pose pose = *Forward(plain, joints);
+  const auto nearest = Nearest(watched, pose, joints);
+  ASSERT_TRUE(nearest);
+  EXPECT_EQ(Nearest(plain, pose, joints)->joints, nearest->joints);
+  EXPECT_EQ(Reason::kInterrupted, Forward(watched, joints).error().reason);
+  EXPECT_EQ(Reason::kInterrupted, Inverse(watched, pose, joints).error().reason);
+  Transform tool;
+  tool.position.z = 0.1;
+  EXPECT_EQ(Reason::kInterrupted, Forward(*watched.WithTool(tool), joints).error().reason);
+  EXPECT_EQ(2 - 5, left);  // asked once a call
+}
+
 }  // namespace
 }  // namespace qal

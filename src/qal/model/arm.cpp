@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "../../kinematics/solve/arm_numbers.h"
 #include "joint_model.h"
@@ -106,6 +107,12 @@ Result<Arm> Arm::WithTool(const Transform& tool) const {
   Held held = *held_;
   held.tool = tool;
   return std::move(held).Mount();
+}
+
+Arm Arm::Watched(std::function<bool()> go_on) const {
+  Held held = *held_;
+  held.solver = held.solver.Watched(std::move(go_on));
+  return *std::move(held).Mount();  // base and tool are frames already
 }
 
 Arm Arm::Reference() { return *FromSolver(Solver::Reference(), ReferenceSettings()); }

@@ -2,6 +2,7 @@
 #define QAL_MODEL_ARM_H_
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -62,6 +63,13 @@ class QAL_API Arm {
   /// @param tool the tool frame in the arm's tip frame
   /// @return kSetting when it is no frame
   Result<Arm> WithTool(const Transform& tool) const;
+
+  /// The same arm, whose solver asks before each answer whether to go on. Once the function says
+  /// no, the solver has no answers any more, and what works with the arm, a plan or an explanation
+  /// that takes long, ends soon and without a result: mostly with kInterrupted.
+  /// @param go_on called in whatever thread works, some 100,000 times a second; kept as long as
+  ///              copies of the arm and motions planned with it live
+  Arm Watched(std::function<bool()> go_on) const;
 
   const std::string& name() const;
   const std::array<JointModel, 6>& joints() const;

@@ -47,6 +47,9 @@ enum class Reason {
   kSingularity,  ///< the path leads through a singularity, named in `detail`, where joints would
                  ///< have to turn at once; `value` is the smallest singular value of the Jacobian
   kNoArc,        ///< there is no such arc; `detail` says why
+
+  // ---- The caller ----
+  kInterrupted,  ///< the arm's watch said that it is to end (`Arm::Watched`)
 };
 
 /// A failure: the reason and its numbers. The text is made elsewhere, in the caller's units.

@@ -2,12 +2,14 @@
 
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "../../../solver/reference_arm.h"
 #include "closed_form_model.h"
 #include "closed_form_solver.h"
 #include "exceptions.h"
 #include "solver_library.h"
+#include "watched_solver.h"
 
 namespace qal {
 
@@ -49,6 +51,12 @@ Solver Solver::Reference() {
   return Solver(std::make_shared<const Held>(
       Held{FamilyName(Family::kSphericalWrist), reference_arm::kGeometryHash, "",
            std::make_shared<Functions>(reference_arm::kArm)}));
+}
+
+Solver Solver::Watched(std::function<bool()> go_on) const {
+  Held held = *held_;
+  held.functions = std::make_shared<WatchedSolver>(held.functions, std::move(go_on));
+  return Solver(std::make_shared<const Held>(std::move(held)));
 }
 
 const std::string& Solver::family() const { return held_->family; }

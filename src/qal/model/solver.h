@@ -1,6 +1,7 @@
 #ifndef QAL_MODEL_SOLVER_H_
 #define QAL_MODEL_SOLVER_H_
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -44,6 +45,9 @@ class QAL_API Solver {
 
   /// The reference arm's.
   static Solver Reference();
+
+  /// The same solver, which asks before each answer whether to go on; see `Arm::Watched`.
+  Solver Watched(std::function<bool()> go_on) const;
 
   /// The kind of arm, as `FamilyName` has it; "libik.so" for a loaded one.
   const std::string& family() const;

@@ -12,6 +12,7 @@ namespace qal {
 
 /// The fastest motion from rest to rest along a path that keeps all limits.
 /// @param cycle_s of the arm: the states that it is made of are 2 cycles apart or more
+/// @throw Interrupted when the arm's watch says so; as the next one
 TimeLaw FastestLaw(const LimitedPath& path, double cycle_s);
 
 /// The fastest motion along a path to rest that begins in motion.

@@ -1,6 +1,7 @@
 #ifndef QAL_PLAN_LIMITED_PATH_H_
 #define QAL_PLAN_LIMITED_PATH_H_
 
+#include <functional>
 #include <limits>
 #include <memory>
 #include <vector>
@@ -48,6 +49,7 @@ struct PathSection {
 struct LimitedPath {
   JointPath joints;
   std::vector<PathSection> sections;
+  std::function<bool()> go_on = nullptr;  ///< the arm's watch; none: nobody watches
 
   double begin() const { return joints.begin(0); }
   double end() const { return joints.last().s; }

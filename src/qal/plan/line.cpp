@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "../model/rotations.h"
+#include "../model/watched_solver.h"
 #include "../solve/kinematics.h"
 #include "fastest_law.h"
 #include "followed_line.h"
@@ -107,7 +108,12 @@ Result<LineMotion, PlanFailure> PlanLine(const Arm& arm, const State& from, cons
     section.tool_limits = ToolLimitsOf(limits);
     SetStraight(held.line.length_m(), held.line.angle_rad(), section);
     path.sections.push_back(std::move(section));
-    held.law = FastestLaw(path, arm.cycle_s().value);
+    path.go_on = WatchOf(arm.solver());
+    try {
+      held.law = FastestLaw(path, arm.cycle_s().value);
+    } catch (const Interrupted&) {
+      return PlanFailure{Error{Reason::kInterrupted}};
+    }
   }
   return LineMotion(std::make_shared<const LineMotion::Held>(std::move(held)));
 }

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "../model/rotations.h"
+#include "../model/watched_solver.h"
 #include "../solve/kinematics.h"
 #include "cycles.h"
 #include "fastest_law.h"
@@ -58,7 +59,11 @@ ProgramPlanner::ProgramPlanner(const Arm& arm, const Program& program)
 std::optional<ProgramFailure> ProgramPlanner::Next() {
   // One that stops is held back, since the last one of all is changed.
   while (!planned_ && (blocks_.empty() || (blocks_.size() == 1 && blocks_.front().stops))) {
-    failure_ = PlanStep();
+    try {
+      failure_ = PlanStep();
+    } catch (const Interrupted&) {
+      failure_ = {{Error{Reason::kInterrupted}}, std::min(next_, program_.steps.size() - 1)};
+    }
     if (failure_) ComeToRest();
     planned_ = planned_ || failure_.has_value();
     if (planned_) EndInWholeCycles();
@@ -160,6 +165,7 @@ std::optional<ProgramFailure> ProgramPlanner::PlanWindow() {
     return std::nullopt;
   }
   const double cycle_s = arm_.cycle_s().value;
+  made.path.go_on = WatchOf(arm_.solver());
   std::optional<TimeLaw> law;
   if (stopping_law_.size() > 0) {
     law = FastestLawFrom(made.path, stopping_law_, cycle_s);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "../model/exceptions.h"
 #include "law_states.h"
 
 namespace qal {
@@ -32,6 +33,7 @@ class Rounds {
     for (int tries = 0; states.empty(); ++tries) {
       constexpr int kMostTries = 40;
       if (tries == kMostTries) return std::nullopt;
+      if (path_.go_on && !path_.go_on()) throw Interrupted{};
       size_t dead_end = 0;
       states = FastestStates(path_, start_, draft_, margin_, dead_end);
       if (states.empty()) SlowDownAt(dead_end);
