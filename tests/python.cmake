@@ -7,7 +7,8 @@ foreach(module pytest numpy scipy tqdm)
 endforeach()
 
 set(python ${CMAKE_COMMAND} -E env PYTHONPATH=${PROJECT_BINARY_DIR}/python PYTHONDONTWRITEBYTECODE=1
-           QAL_ARMS=${PROJECT_SOURCE_DIR}/arms QAL_TOOL=$<TARGET_FILE:qal>)
+           QAL_ARMS=${PROJECT_SOURCE_DIR}/arms QAL_TOOL=$<TARGET_FILE:qal>
+           QAL_LIBIK=$<TARGET_FILE:ik>)
 add_test(NAME Python.Tests
          COMMAND ${python} ${Python_EXECUTABLE} -m pytest -q -p no:cacheprovider
                  ${CMAKE_CURRENT_SOURCE_DIR}/python)

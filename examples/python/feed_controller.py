@@ -4,11 +4,10 @@
 """
 
 import sys
-from typing import Iterator
 
 import numpy as np
 
-from qal_kinematics import Arm, Motion, Trajectory
+from qal_kinematics import Arm, Playback
 
 
 class Controller:
@@ -27,27 +26,24 @@ class Controller:
         self.cycles += 1
 
 
-def until(motion: Motion, time: float, cycle: float) -> Iterator[np.ndarray]:
-    yield from motion.at(np.arange(0, time, cycle))["joints"]
-
-
-def play(controller: Controller, trajectory: Trajectory) -> None:
-    for joints in trajectory.joints:
-        controller.send(joints)
-
-
 def main() -> None:
     arm = Arm.reference()
     motion = arm.plan_program(sys.argv[1])
     controller = Controller(arm)
-    asked = 0.4 * motion.duration
-    for joints in until(motion, asked, arm.cycle):
-        controller.send(joints)
-    stop, planned = motion.stop(asked)
-    play(controller, stop)
-    print(f"stopped within {stop.duration:.3f} s, at {planned:.3f} s of the plan")
-    play(controller, motion.resume(planned))
-    print(f"went on to the end: {controller.cycles} cycles of {arm.cycle} s")
+    playback = Playback(motion)
+    while playback.planned < 0.4 * motion.duration:
+        controller.send(playback.next()["joints"])
+    playback.stop()  # somebody asks for it
+    asked = controller.cycles
+    while not playback.at_rest:
+        controller.send(playback.next()["joints"])
+    stopped = (controller.cycles - asked) * arm.cycle
+    print(f"stopped within {stopped:.3f} s, at {playback.planned:.3f} s of the plan")
+    playback.resume()
+    playback.override(0.5)
+    while not playback.done:
+        controller.send(playback.next()["joints"])
+    print(f"went on to the end at half the speed: {controller.cycles} cycles of {arm.cycle} s")
 
 
 if __name__ == "__main__":

@@ -7,7 +7,7 @@ import sys
 
 import numpy as np
 
-from qal_kinematics import REASONS, Arm, Pose
+from qal_kinematics import REASONS, Arm, Nearest, Pose
 
 
 def main() -> None:
@@ -15,6 +15,7 @@ def main() -> None:
     cloud = np.random.default_rng(1).uniform([0.2, -0.5, 0.0], [0.8, 0.5, 0.6], (20_000, 3))
     poses = Pose(cloud, quat_wxyz=[0, 0, 1, 0])  # one orientation for all
     found = arm.nearest(poses, near=[0, 0.3, 0.2, 0, 1, 0])
+    assert isinstance(found, Nearest)  # of many poses, as type checkers can't know
     print(f"{found.ok.sum()} of {len(cloud)} points are reached")
     for code in np.unique(found.reasons[~found.ok]):
         print(f"  {(found.reasons == code).sum()}: {REASONS[code]}")

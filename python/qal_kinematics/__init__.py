@@ -8,7 +8,7 @@ Lengths are in m, angles in rad, times in s. Poses are those of the tool in the 
 """
 
 from . import _plot
-from ._core import REASONS, Arm, Motion, Nearest, Pose, Solutions, Trajectory, __version__
+from ._core import REASONS, Arm, Motion, Nearest, Playback, Pose, Solutions, Trajectory, __version__
 from .errors import (
     ArmError,
     FileError,
@@ -35,6 +35,7 @@ __all__ = [
     "Motion",
     "Nearest",
     "OutOfReachError",
+    "Playback",
     "Pose",
     "QalError",
     "RequestError",

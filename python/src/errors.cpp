@@ -47,6 +47,7 @@ constexpr Named kReasons[] = {
     {Reason::kEndRate, "end_rate", "LimitError"},
     {Reason::kSingularity, "singularity", "SingularityError"},
     {Reason::kNoArc, "no_arc", "RequestError"},
+    {Reason::kInterrupted, "interrupted", "QalError"},
 };
 
 const Named& NamedOf(Reason reason) {

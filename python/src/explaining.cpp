@@ -3,6 +3,7 @@
 #include "../../io/explanation_json.h"
 #include "arm.h"
 #include "errors.h"
+#include "interruptible.h"
 #include "poses.h"
 #include "requests.h"
 
@@ -47,19 +48,13 @@ py::object Told(const io::ExplainedRequest& request) {
   return std::move(told);
 }
 
-// `explain()` without the interpreter's lock; it may take seconds.
-template <class Explain>
-auto Unlocked(const Explain& explain) {
-  const py::gil_scoped_release unlocked;
-  return explain();
-}
-
 py::object OnePose(const PyArm& self, const py::object& pose, const py::object& near,
                    double step_bound) {
   const Pose asked = ReadPoses(pose, "pose").One("pose");
   const Joints reference = ReadJoints(near, "near");
-  return Told(
-      {"pose", Unlocked([&] { return ExplainPose(self.arm(), asked, reference, {step_bound}); })});
+  return Told({"pose", Interruptible(self.arm(), [&](const Arm& arm) {
+                 return ExplainPose(arm, asked, reference, {step_bound});
+               })});
 }
 
 py::object ManyPoses(const PyArm& self, const py::object& pose, const py::object& near,
@@ -74,8 +69,9 @@ py::object ManyPoses(const PyArm& self, const py::object& pose, const py::object
     const py::array_t<double> times = ReadColumn(time, poses.count(), "time");
     for (size_t i = 0; i < timed.size(); ++i) timed[i].time_s = times.data()[i];
   }
-  return Told({"poses",
-               Unlocked([&] { return ExplainPoses(self.arm(), timed, reference, {step_bound}); })});
+  return Told({"poses", Interruptible(self.arm(), [&](const Arm& arm) {
+                 return ExplainPoses(arm, timed, reference, {step_bound});
+               })});
 }
 
 py::object JointMove(const PyArm& self, const py::object& start, const py::object& to,
@@ -85,33 +81,35 @@ py::object JointMove(const PyArm& self, const py::object& start, const py::objec
   const Target target =
       of_pose ? Target(to.cast<const Poses&>().One("to")) : Target(ReadJoints(to, "to"));
   const JointLimits limits = {ReadScale(scale)};
-  return Told({of_pose ? "pose" : "move",
-               Unlocked([&] { return ExplainJoint(self.arm(), from, target, limits); })});
+  return Told({of_pose ? "pose" : "move", Interruptible(self.arm(), [&](const Arm& arm) {
+                 return ExplainJoint(arm, from, target, limits);
+               })});
 }
 
 py::object Line(const py::object& self, const Joints& from, const Pose& end,
                 const LineLimits& limits) {
-  const Arm& arm = self.cast<const PyArm&>().arm();
-  io::ExplainedRequest request = {"line", Unlocked([&] {
+  const Arm& own = self.cast<const PyArm&>().arm();
+  io::ExplainedRequest request = {"line", Interruptible(own, [&](const Arm& arm) {
                                     return ExplainLine(arm, {from, end}, end, limits);
                                   })};
-  request.before = BranchOf(arm, request.why.before);
+  request.before = BranchOf(own, request.why.before);
   return Told(request);
 }
 
 py::object Branches(const py::object& self, const Joints& from, const Pose& end,
                     const LineLimits& limits) {
-  const Arm& arm = self.cast<const PyArm&>().arm();
-  const State start = {from, OrRaise(Forward(arm, from))};
+  const Arm& own = self.cast<const PyArm&>().arm();
+  const State start = {from, OrRaise(Forward(own, from))};
   io::ExplainedRequest request = {"line", {}};
-  request.branches = Unlocked([&] { return AuditBranches(arm, start, end, limits); });
+  request.branches =
+      Interruptible(own, [&](const Arm& arm) { return AuditBranches(arm, start, end, limits); });
   return Loaded(io::ExplanationJson(request)["branches"]);
 }
 
 py::object WholeProgram(const PyArm& self, const py::object& program) {
   const PyProgram read = ReadProgramOf(self.arm(), program);
-  const ProgramExplanation told =
-      Unlocked([&] { return ExplainProgram(self.arm(), read.file.program); });
+  const ProgramExplanation told = Interruptible(
+      self.arm(), [&](const Arm& arm) { return ExplainProgram(arm, read.file.program); });
   io::ExplainedRequest request = {"program", told.why, std::nullopt, read.file.name};
   const auto& steps = read.file.program.steps;
   const bool of_step = !told.why.works() && told.step < steps.size();

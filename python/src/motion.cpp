@@ -1,19 +1,14 @@
 #include "motion.h"
 
 #include <fmt/format.h>
-#include <qal/plan/joint_move.h>
-#include <qal/plan/line.h>
-#include <qal/plan/playback.h>
-#include <qal/plan/program.h>
 #include <qal/plan/sampled.h>
 #include <qal/solve/kinematics.h>
-
-#include <variant>
 
 #include "../../io/plan_text.h"
 #include "../../io/program_file.h"
 #include "class.h"
 #include "errors.h"
+#include "interruptible.h"
 #include "poses.h"
 #include "requests.h"
 #include "trajectory.h"
@@ -22,29 +17,9 @@ namespace qal::python {
 
 namespace {
 
-// Python's `Motion`: what was planned, at any time.
-struct PyMotion {
-  Arm arm;
-  py::object source;  // what a pickle holds: (arm, function, arguments, named ones); planned again
-  std::variant<JointMotion, LineMotion, ProgramMotion> motion;
-
-  double duration_s() const {
-    return std::visit([](const auto& m) { return m.duration_s(); }, motion);
-  }
-  const ProgramMotion& Program() const {
-    const auto* const program = std::get_if<ProgramMotion>(&motion);
-    if (program == nullptr) throw py::type_error("the motion of a program is expected");
-    return *program;
-  }
-};
-
 const char* KindOf(const PyMotion& self) {
   constexpr const char* kKinds[] = {"joint move", "line", "program"};
   return kKinds[self.motion.index()];
-}
-
-PyTrajectory Told(const Trajectory& trajectory) {
-  return PyTrajectory(io::FromTrajectory(trajectory));
 }
 
 py::tuple AsNumbers(const LimitScale& scale) {
@@ -63,7 +38,11 @@ PyMotion PlanJointMove(const py::object& self, const py::object& start, const py
           py::make_tuple(
               self, "plan_joint", py::make_tuple(ToArray(from), ToArray(end)),
               py::dict(py::arg("scale") = AsNumbers(limits.scale), py::arg("duration") = duration)),
-          OrRaise(PlanJoint(arm, {from}, {end}, limits), "move")};
+          OrRaise(Interruptible(arm,
+                                [&](const Arm& watched) {
+                                  return PlanJoint(watched, {from}, {end}, limits);
+                                }),
+                  "move")};
 }
 
 PyMotion PlanStraight(const py::object& self, const Joints& from, const Pose& end,
@@ -75,10 +54,9 @@ PyMotion PlanStraight(const py::object& self, const Joints& from, const Pose& en
       py::arg("turn_acceleration") = limits.turn_acceleration_rad_s2,
       py::arg("turn_jerk") = limits.turn_jerk_rad_s3, py::arg("scale") = AsNumbers(limits.scale),
       py::arg("max_orientation_error") = limits.max_orientation_error_rad);
-  auto planned = [&] {
-    const py::gil_scoped_release unlocked;
-    return PlanLine(arm, {from, end}, end, limits);
-  }();
+  auto planned = Interruptible(arm, [&](const Arm& watched) {
+    return PlanLine(watched, {from, end}, end, limits);
+  });
   return {arm, py::make_tuple(self, "plan_line", py::make_tuple(ToArray(from), Poses(end)), named),
           OrRaise(std::move(planned), "line")};
 }
@@ -87,15 +65,15 @@ PyMotion PlanWhole(const py::object& self, const py::object& program, const py::
   const Arm& arm = self.cast<const PyArm&>().arm();
   const auto [file, source] = ReadProgramOf(arm, program);
   size_t told = 0;
-  auto planned = [&arm, &program = file.program, &progress, &told] {
-    const py::gil_scoped_release unlocked;
-    return PlanProgram(arm, program, [&](size_t steps) {
-      const py::gil_scoped_acquire locked;
-      if (PyErr_CheckSignals() != 0) throw py::error_already_set();
-      if (!progress.is_none() && steps > told) progress(steps - told);
-      told = steps;
-    });
-  }();
+  const auto tell = [&](size_t steps) {
+    if (progress.is_none() || steps <= told) return;
+    const py::gil_scoped_acquire locked;
+    progress(steps - told);
+    told = steps;
+  };
+  auto planned = Interruptible(arm, [&tell, &program = file.program](const Arm& watched) {
+    return PlanProgram(watched, program, tell);
+  });
   if (planned) {
     return {arm, py::make_tuple(self, "plan_program", py::make_tuple(source), py::dict()),
             *std::move(planned)};
@@ -111,9 +89,12 @@ PyMotion PlannedAgain(const py::tuple& source) {
 }
 
 PyTrajectory SamplesOf(const PyMotion& self) {
-  return Told(
-      std::visit([&](const auto& motion) { return OrRaise(Sampled(self.arm, motion), "motion"); },
-                 self.motion));
+  return Planned(OrRaise(Unlocked([&] {
+                           return std::visit(
+                               [&](const auto& motion) { return Sampled(self.arm, motion); },
+                               self.motion);
+                         }),
+                         "motion"));
 }
 
 // The motion at some times.
@@ -170,24 +151,24 @@ py::list CornersOf(const PyMotion& self) {
   return told;
 }
 
-py::tuple StopOf(const PyMotion& self, double at) {
-  const Stopped stopped = OrRaise(Stop(self.Program(), at), "stop");
-  return py::make_tuple(Told(stopped.trajectory), stopped.planned_s);
-}
-
-PyTrajectory OverrideOf(const PyMotion& self, const py::function& factor) {
-  return Told(OrRaise(
-      Override(self.Program(), [&factor](double time_s) { return factor(time_s).cast<double>(); }),
-      "motion"));
-}
-
 }  // namespace
 
+double PyMotion::duration_s() const {
+  return std::visit([](const auto& m) { return m.duration_s(); }, motion);
+}
+
+const ProgramMotion& PyMotion::Program() const {
+  const auto* const program = std::get_if<ProgramMotion>(&motion);
+  if (program == nullptr) throw py::type_error("the motion of a program is expected");
+  return *program;
+}
+
 void AddMotion(py::module_& module, py::class_<PyArm>& arm) {
-  NewClass<PyMotion>(module, "Motion",
-                     "A planned motion: of a joint move, a line, or a program. Immutable. A "
-                     "pickle holds the request, which is planned again, to the same bits.")
-      .def_property_readonly("duration", &PyMotion::duration_s, "How long it takes [s].")
+  auto motion =
+      NewClass<PyMotion>(module, "Motion",
+                         "A planned motion: of a joint move, a line, or a program. Immutable. A "
+                         "pickle holds the request, which is planned again, to the same bits.");
+  motion.def_property_readonly("duration", &PyMotion::duration_s, "How long it takes [s].")
       .def_property_readonly("kind", &KindOf, "'joint move', 'line' or 'program'.")
       .def("at", &StatesAt, py::arg("time"),
            "joints [rad], velocities [rad/s] and accelerations [rad/s^2] at a time, or at many "
@@ -204,18 +185,6 @@ void AddMotion(py::module_& module, py::class_<PyArm>& arm) {
       .def_property_readonly("corners", &CornersOf,
                              "Of a program: its rounded corners, for each a dict of step (from "
                              "0), begin and end [s], radius and deviation [m], turn [rad].")
-      .def("stop", &StopOf, py::arg("at"),
-           "Of a program, from a time [s] on: to rest along the path, as soon as the limits "
-           "allow. A Trajectory, and the time of the plan [s] at which it stands.")
-      .def(
-          "resume",
-          [](const PyMotion& self, double planned) {
-            return Told(OrRaise(Resume(self.Program(), planned), "motion"));
-          },
-          py::arg("planned"), "Of a program, from rest where it was stopped: a Trajectory.")
-      .def("override", &OverrideOf, py::arg("factor"),
-           "Of a program: all of it, at the part of the planned speed that `factor(time)` says, "
-           "from 0 to 1, asked once a cycle. A Trajectory.")
       .def("__repr__",
            [](const PyMotion& self) {
              return fmt::format("<Motion: {}, {:.6g} s>", KindOf(self), self.duration_s());
@@ -224,6 +193,7 @@ void AddMotion(py::module_& module, py::class_<PyArm>& arm) {
       .def("__deepcopy__", [](const PyMotion& self, const py::dict&) { return self; })
       .def(py::pickle([](const PyMotion& self) { return self.source.cast<py::tuple>(); },
                       &PlannedAgain));
+  AddPlayback(module, motion);
 
   DefLine(arm, "plan_line", &PlanStraight,
           R"(The quickest straight line of the tool, from rest to rest, within every limit.

@@ -13,34 +13,45 @@ namespace qal::python {
 
 namespace {
 
-py::array_t<double> Times(const PyTrajectory& self) {
-  py::array_t<double> times(static_cast<py::ssize_t>(self.samples->size()));
-  double* out = times.mutable_data();
-  for (const io::FileSample& sample : *self.samples) *out++ = sample.time_s;
-  return times;
+// Numbers of each sample where they lie, for as long as somebody looks at them.
+// @param first of the first sample
+py::object View(const py::object& self, const double* first, std::vector<py::ssize_t> row) {
+  std::vector<py::ssize_t> strides(row.size(), sizeof(double));
+  row.insert(row.begin(),
+             static_cast<py::ssize_t>(self.cast<const PyTrajectory&>().samples->size()));
+  strides.insert(strides.begin(), sizeof(io::FileSample));
+  py::array_t<double> view(row, strides, first, self);
+  Freeze(view);
+  return std::move(view);
 }
 
-// Six numbers of each sample; none where a sample lacks them.
-template <class Get>
-py::object Six(const PyTrajectory& self, Get get) {
-  py::array_t<double> rows = MakeRows(self.samples->size(), 6, false);
-  double* out = rows.mutable_data();
-  for (const io::FileSample& sample : *self.samples) {
-    const Joints* const six = get(sample);
-    if (six == nullptr) return py::none();
-    out = std::copy(six->begin(), six->end(), out);
+py::object TimesOf(const py::object& self) {
+  return View(self, &self.cast<const PyTrajectory&>().samples->front().time_s, {});
+}
+
+py::object JointsOf(const py::object& self) {
+  return View(self, self.cast<const PyTrajectory&>().samples->front().joints.data(), {6});
+}
+
+// Rates that every sample has; none where one lacks them.
+template <std::optional<Joints> io::FileSample::*kRates>
+py::object RatesOf(const py::object& self) {
+  const io::FileTrajectory& samples = *self.cast<const PyTrajectory&>().samples;
+  for (const io::FileSample& sample : samples) {
+    if (!(sample.*kRates)) return py::none();
   }
-  return std::move(rows);
+  return View(self, (samples.front().*kRates)->data(), {6});
 }
 
-const Joints* Held(const std::optional<Joints>& six) { return six ? &*six : nullptr; }
-
+// Poses are rows of their own, made when they are first asked for.
 py::object PosesOf(const PyTrajectory& self) {
   if (!io::PartsOf(*self.samples).pose) return py::none();
-  Poses poses = MakePoses(self.samples->size(), false);
-  Pose* out = Writable(poses);
-  for (const io::FileSample& sample : *self.samples) *out++ = *sample.pose;
-  return py::cast(std::move(poses));
+  if (!self.poses) {
+    self.poses = MakePoses(self.samples->size(), false);
+    Pose* out = Writable(*self.poses);
+    for (const io::FileSample& sample : *self.samples) *out++ = *sample.pose;
+  }
+  return py::cast(*self.poses);
 }
 
 PyTrajectory Made(const py::object& time, const py::object& joints, const py::object& velocities,
@@ -171,25 +182,12 @@ dict
       .def("report", &Report, py::arg("path"), py::arg("arm"), py::arg("other") = nullptr,
            "Writes a page that plays the motion, with its plots and verdict, and another one as a "
            "ghost; as `qal report`.")
-      .def_property_readonly("time", &Times, "(n,) array [s].")
-      .def_property_readonly(
-          "joints",
-          [](const PyTrajectory& self) {
-            return Six(self, [](const io::FileSample& sample) { return &sample.joints; });
-          },
-          "(n, 6) array [rad].")
-      .def_property_readonly(
-          "velocities",
-          [](const PyTrajectory& self) {
-            return Six(self, [](const io::FileSample& s) { return Held(s.velocities); });
-          },
-          "(n, 6) array [rad/s], or None.")
-      .def_property_readonly(
-          "accelerations",
-          [](const PyTrajectory& self) {
-            return Six(self, [](const io::FileSample& s) { return Held(s.accelerations); });
-          },
-          "(n, 6) array [rad/s^2], or None.")
+      .def_property_readonly("time", &TimesOf, "(n,) array [s], a view.")
+      .def_property_readonly("joints", &JointsOf, "(n, 6) array [rad], a view.")
+      .def_property_readonly("velocities", &RatesOf<&io::FileSample::velocities>,
+                             "(n, 6) array [rad/s], a view; or None.")
+      .def_property_readonly("accelerations", &RatesOf<&io::FileSample::accelerations>,
+                             "(n, 6) array [rad/s^2], a view; or None.")
       .def_property_readonly("pose", &PosesOf, "Pose: as many as samples, or None.")
       .def_property_readonly(
           "duration",

@@ -1,6 +1,8 @@
 """Values are those of the tools; batches are single calls; arrays of any layout are taken."""
 
 import json
+import os
+import pickle
 
 import numpy as np
 import pytest
@@ -148,3 +150,13 @@ def test_a_pose_out_of_reach_has_the_text_of_the_tool(reference):
     with pytest.raises(OutOfReachError) as caught:
         reference.nearest(FAR, np.zeros(6))
     assert str(caught.value) == tool("ik", "--pose", 3, 0, 0, 1, 0, 0, 0, status=1)
+
+
+def test_a_solver_library_answers_with_the_bits_of_its_arm(reference, joints):
+    arm = Arm.from_solver(os.environ["QAL_LIBIK"])
+    assert arm.name == "libik.so" and arm.family == "libik.so"
+    poses = arm.forward(joints)
+    assert poses == reference.forward(joints)
+    assert np.array_equal(arm.nearest(poses, joints, threads=1).joints, reference.nearest(poses, joints).joints, equal_nan=True)
+    again = pickle.loads(pickle.dumps(arm))
+    assert again.forward(joints[0]) == arm.forward(joints[0])

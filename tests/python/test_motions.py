@@ -1,6 +1,8 @@
 """Plans, their files and their verdicts are those of the tools."""
 
 import json
+import pickle
+import re
 
 import numpy as np
 import pytest
@@ -67,6 +69,66 @@ def test_a_program_of_numbers_is_planned_like_its_file(reference, tmp_path):
     assert reference.plan_program(program).duration == reference.plan_program(str(path)).duration
     with pytest.raises(qal.FileError, match="program, step 1: unknown entry .sped.; expected .*speed_m_s"):
         reference.plan_program({**program, "step": [{"line": "b", "sped": 1}]})
+
+
+def test_what_a_trajectory_holds_is_looked_at_where_it_lies(reference):
+    trajectory = reference.plan_line(START, by=BY).trajectory()
+    whole = [trajectory.time, trajectory.joints, trajectory.velocities, trajectory.accelerations, trajectory.pose.positions]
+    for name, view in zip(("time", "joints", "velocities", "accelerations"), whole):
+        assert np.shares_memory(view, getattr(trajectory, name)) and not view.flags.writeable
+    assert np.shares_memory(whole[-1], trajectory.pose.positions)
+    kept = [view.copy() for view in whole]
+    del trajectory
+    others = [reference.plan_line(START, by=[0, 0.01 * i, 0.1]).trajectory() for i in range(9)]  # where it lay
+    assert all(np.array_equal(view, copy) for view, copy in zip(whole, kept)) and others
+    slopes = np.gradient(whole[1], whole[0], axis=0)
+    assert slopes[1:-1] == pytest.approx(whole[2][1:-1], abs=0.05)
+    bare = Trajectory([0, 1], [START, START])
+    assert bare.velocities is None and bare.accelerations is None and bare.pose is None
+
+
+# Played as a controller does: the set points are those of the stop, and of the rest, as a whole.
+def test_a_playback_takes_a_stop_and_goes_on(reference):
+    program = reference.plan_program(EXAMPLES / "inspection.toml")
+    cycle = reference.cycle
+    playback = qal.Playback(program)
+    points = [playback.next() for _ in range(201)]
+    assert points[-1]["time"] == pytest.approx(200 * cycle) and playback.planned == pytest.approx(200 * cycle)
+    assert points[100]["joints"] == pytest.approx(program.at(100 * cycle)["joints"], abs=1e-12)
+    playback.stop()
+    stopping = [points[-1]]
+    while not playback.at_rest:
+        stopping.append(playback.next())
+    whole, planned = program.stop(200 * cycle)
+    assert playback.planned == pytest.approx(planned, abs=1e-9)
+    for name in ("joints", "velocities", "accelerations"):
+        assert np.array([point[name] for point in stopping]) == pytest.approx(getattr(whole, name), abs=1e-9)
+    playback.override(0.5)
+    playback.resume()
+    count = 0
+    while not playback.done:
+        last = playback.next()
+        count += 1
+    assert last["joints"] == pytest.approx(program.at(program.duration)["joints"], abs=1e-9)
+    assert count * cycle > 1.8 * (program.duration - planned)  # waits take as long as ever
+    assert qal.Playback.from_rest(program, planned).next()["joints"] == pytest.approx(whole.joints[-1], abs=1e-9)
+    with pytest.raises(TypeError, match="cannot pickle"):
+        pickle.dumps(playback)
+    with pytest.raises(TypeError, match="motion of a program"):
+        qal.Playback(reference.plan_line(START, by=BY))
+
+
+def test_files_for_ros_have_the_names_of_the_arms_joints(tmp_path):
+    arm = qal.Arm.from_file(ARMS / "foundry_spherical.urdf")
+    names = re.findall(r'<joint name="([^"]+)" type="revolute"', (ARMS / "foundry_spherical.urdf").read_text())
+    assert arm.joint_names == names and len(set(names)) == 6
+    path = tmp_path / "motion.yaml"
+    arm.plan_joint(np.zeros(6), np.full(6, 0.1)).trajectory().save(path, arm, ros="goal")
+    text = path.read_text()
+    assert [text.count(name) for name in names] == [1] * 6
+    assert sorted(names, key=text.index) == names and text.index("trajectory:") < text.index(names[0])
+    with pytest.raises(ValueError, match="'message' or 'goal'"):
+        arm.plan_joint(np.zeros(6), np.full(6, 0.1)).trajectory().save(path, arm, ros="topic")
 
 
 def test_verdicts_are_those_of_the_tool(reference, tmp_path):

@@ -106,6 +106,32 @@ def test_progress_adds_up_and_what_it_raises_stops_the_batch(reference, joints):
     assert len(calls) == 1 and calls[0] < len(many)
 
 
+# With the lock held no thread ticks in the midst of a call; on a busy machine a free one may be late.
+def test_what_a_program_plays_lets_other_threads_run(reference):
+    program = reference.plan_program(ARMS.parent / "examples" / "palletising.toml")
+    ticks = []
+    done = threading.Event()
+
+    def tick():
+        while not done.wait(0.0005):
+            ticks.append(time.monotonic())
+
+    def ticks_in_the_midst(call):
+        begin = time.monotonic()
+        call()
+        span = time.monotonic() - begin
+        return any(begin + 0.1 * span < t < begin + 0.5 * span for t in ticks)
+
+    thread = threading.Thread(target=tick)
+    thread.start()
+    try:
+        for call in (lambda: program.resume(0), program.trajectory):
+            assert any(ticks_in_the_midst(call) for _ in range(10))
+    finally:
+        done.set()
+        thread.join()
+
+
 LONG = """
 import numpy as np, time
 from qal_kinematics import Arm
@@ -120,10 +146,35 @@ except KeyboardInterrupt:
 """
 
 
-# 10 million poses take seconds by a closed form; 20,000 by continuation take minutes.
-@pytest.mark.parametrize("name, times", [("reference.urdf", 500), ("painting_oblique.toml", 1)])
-def test_ctrl_c_stops_a_long_batch_within_a_second(name, times):
-    code = LONG.format(arm=str(ARMS / name), times=times)
+WORK = """
+from qal_kinematics import Arm, QalError
+arm = Arm.from_file({arm!r})
+start = [0, 0.3, 0.2, 0, 1, 0]
+poses = arm.forward([[0.1 + 0.000001 * i, 0.3, 0.2, 0, 1, 0] for i in range(10_000)])
+there = [0.6, 0.5, 0.3, 0.2, 1.2, 0.5]
+program = dict(start="a", points=dict(a=dict(joints_rad=start), b=dict(joints_rad=there)),
+               step=[dict(line=name, speed_m_s=0.2) for name in "ba" * 10_000])
+print("begun", flush=True)
+try:
+    arm.{call}
+except KeyboardInterrupt:
+    print("stopped", flush=True)
+"""
+
+
+# Each takes seconds: by continuation, by the search of a slow line's law in time, by many steps.
+@pytest.mark.parametrize("name, call", [
+    ("reference.urdf", "plan_line(start, there, speed=1e-4, scale=0.001)"),
+    ("reference.urdf", "plan_program(program)"),
+    ("painting_oblique.toml", "explain_program(program)"),
+    ("painting_oblique.toml", "explain_line(start, by=[2, 0, 0])"),
+    ("painting_oblique.toml", "explain_poses(poses, start)"),
+])
+def test_ctrl_c_stops_plans_and_explanations_within_a_second(name, call):
+    stops_within_a_second(WORK.format(arm=str(ARMS / name), call=call))
+
+
+def stops_within_a_second(code):
     process = subprocess.Popen([sys.executable, "-c", code], stdout=subprocess.PIPE, text=True)
     assert process.stdout.readline() == "begun\n"
     time.sleep(0.5)
@@ -131,3 +182,9 @@ def test_ctrl_c_stops_a_long_batch_within_a_second(name, times):
     process.send_signal(signal.SIGINT)
     assert process.communicate(timeout=60)[0] == "stopped\n"
     assert time.monotonic() - begin < 2  # of which the interpreter's end is a part
+
+
+# 10 million poses take seconds by a closed form; 20,000 by continuation take minutes.
+@pytest.mark.parametrize("name, times", [("reference.urdf", 500), ("painting_oblique.toml", 1)])
+def test_ctrl_c_stops_a_long_batch_within_a_second(name, times):
+    stops_within_a_second(LONG.format(arm=str(ARMS / name), times=times))
