@@ -15,11 +15,14 @@ class QAL_API Pos {
 
   /// (0, 0, 0).
   Pos();
+  /// The position (`x_m`, `y_m`, `z_m`) [m].
   Pos(double x_m, double y_m, double z_m) : x(x_m), y(y_m), z(z_m) {}
 
   // Compiled in the library, not in the header: a class whose copy is not trivial travels by
   // reference when passed by value, and callers built earlier rely on that.
+  /// A copy, every bit of it.
   Pos(const Pos& other);
+  /// Takes all three coordinates.
   Pos& operator=(const Pos& other) = default;
 
   /// Component-wise sum.

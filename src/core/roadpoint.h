@@ -11,7 +11,9 @@ class QAL_API Roz {
   double y;  ///< rotation about y [rad]
   double z;  ///< rotation about z [rad]
 
+  /// (0, 0, 0): no rotation.
   Roz() : x(0.0), y(0.0), z(0.0) {}
+  /// The angles about x, y and z [rad].
   Roz(double x_rad, double y_rad, double z_rad) : x(x_rad), y(y_rad), z(z_rad) {}
 };
 
@@ -26,7 +28,9 @@ class QAL_API Ori {
   double y;  ///< vector part, y
   double z;  ///< vector part, z
 
+  /// (0, 0, 0, 0), which is no rotation.
   Ori() : w(0.0), x(0.0), y(0.0), z(0.0) {}
+  /// The components as they are, w first; nothing is normalised.
   Ori(double w_part, double x_part, double y_part, double z_part)
       : w(w_part), x(x_part), y(y_part), z(z_part) {}
 
@@ -52,7 +56,9 @@ class QAL_API RoadPoint {
 
   /// Position (0, 0, 0), the zero quaternion, zero joints, `ik_flag` false.
   RoadPoint();
+  /// A copy of pose, joints and flag.
   RoadPoint(const RoadPoint& other) = default;
+  /// Takes pose, joints and flag.
   RoadPoint& operator=(const RoadPoint& other);
 
   /// True when pose, joints and flag are all exactly equal; false when a number is NaN.

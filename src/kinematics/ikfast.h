@@ -32,7 +32,7 @@ class IkSingleDOFSolutionBase {
   unsigned char indices[5] = {0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
 };
 
-/// One solution of a pose. Virtual slots, destructors first: 2 to 5 in this order.
+/// One solution of a pose, as an interface. Virtual slots, destructors first: 2 to 5 in this order.
 template <typename T>
 class IkSolutionBase {
  public:
@@ -59,7 +59,9 @@ class IkSolutionListBase {
   /// The solution at `index`.
   /// @throw std::runtime_error "GetSolution index is invalid" when there is none.
   virtual const IkSolutionBase<T>& GetSolution(size_t index) const = 0;
+  /// How many solutions there are.
   virtual size_t GetNumSolutions() const = 0;
+  /// Drops all solutions.
   virtual void Clear() = 0;
 };
 
@@ -67,7 +69,9 @@ class IkSolutionListBase {
 template <typename T>
 class IkSolution : public IkSolutionBase<T> {
  public:
+  /// A solution without joints.
   IkSolution() = default;
+  /// A solution of one `vinfos` entry per joint, with the indices of its free parameters.
   IkSolution(const std::vector<IkSingleDOFSolutionBase<T>>& vinfos, const std::vector<int>& vfree)
       : _vbasesol(vinfos), _vfree(vfree) {}
 
@@ -154,14 +158,17 @@ class IkSolutionList : public IkSolutionListBase<T> {
     return *solution;
   }
 
+  /// How many solutions there are.
   size_t GetNumSolutions() const override { return _listsolutions.size(); }
 
+  /// Drops all solutions.
   void Clear() override { _listsolutions.clear(); }
 
  protected:
-  std::list<IkSolution<T>> _listsolutions;
+  std::list<IkSolution<T>> _listsolutions;  ///< in the order in which they were added
 };
 
+/// The number type of the whole interface.
 using IkReal = double;
 
 // What libik.so defines. Exported also where everything else is built hidden.

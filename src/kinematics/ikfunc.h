@@ -37,9 +37,11 @@
 ///   jerk next to nothing, or joints turning for hours, need gigabytes.
 class QAL_API Ikfunc {
  public:
+  /// An object without contents: every operation is static and needs none.
   Ikfunc();
 
-  // ---- Forward kinematics -----------------------------------------------------------------------
+  /// @name Forward kinematics
+  /// @{
 
   /// Pose of six joint angles.
   ///
@@ -61,7 +63,9 @@ class QAL_API Ikfunc {
   /// `ik_flag` stay. On failure (as above) the whole waypoint stays.
   static bool ArmFk(RoadPoint& arm_pos);
 
-  // ---- Inverse kinematics, nearest solution -----------------------------------------------------
+  /// @}
+  /// @name Inverse kinematics, nearest solution
+  /// @{
 
   /// Solves a waypoint's pose for the joints nearest a reference.
   ///
@@ -99,12 +103,13 @@ class QAL_API Ikfunc {
   ///         message on standard error, then the line "ARM IK is error" on standard output.
   static bool ArmCheckAndCountSimilarIk(RoadPoint& cur_stat);
 
-  // ---- Inverse kinematics within a step bound ---------------------------------------------------
-  //
-  // All three write nothing on failure, never change a pose, and say on standard error either
-  // "Failed to get  ik solution ArmJointIK \n" (the solver found nothing, fallbacks included) or
-  // "Failed to get joint ik solution\n" (it did, but none admissible within the bound). A bound
-  // that is NaN bounds nothing; a negative one admits nothing (but joints that are NaN).
+  /// @}
+  /// @name Inverse kinematics within a step bound
+  /// All three write nothing on failure, never change a pose, and say on standard error either
+  /// "Failed to get  ik solution ArmJointIK \n" (the solver found nothing, fallbacks included) or
+  /// "Failed to get joint ik solution\n" (it did, but none admissible within the bound). A bound
+  /// that is NaN bounds nothing; a negative one admits nothing (but joints that are NaN).
+  /// @{
 
   /// Solves a waypoint's pose within a step bound of reference joints.
   ///
@@ -136,7 +141,9 @@ class QAL_API Ikfunc {
   static bool ArmLineMoveIk(RoadPoint& cur_stat, const Pos& dis, double* joint,
                             double max_joint_step_range);
 
-  // ---- Jog --------------------------------------------------------------------------------------
+  /// @}
+  /// @name Jog
+  /// @{
 
   /// One jog step from the current waypoint, with its joints solved.
   ///
@@ -157,11 +164,12 @@ class QAL_API Ikfunc {
   static bool ArmIk(RoadPoint& cur_stat, int coordinate, int move_mode, double step,
                     RoadPoint& result);
 
-  // ---- Straight lines, fixed step ---------------------------------------------------------------
-  //
-  // The tool keeps the start orientation; the last point is the end point. With a speed setting one
-  // step is speed * 0.00004 m, with a precision factor precis * 0.0002 m. Each point is solved
-  // against the joints of the one before; the solving operation's message comes before those here.
+  /// @}
+  /// @name Straight lines, fixed step
+  /// The tool keeps the start orientation; the last point is the end point. With a speed setting
+  /// one step is speed * 0.00004 m, with a precision factor precis * 0.0002 m. Each point is solved
+  /// against the joints of the one before; the solving operation's message comes before those here.
+  /// @{
 
   /// How many points a straight line needs: whole steps in its length, plus the end point.
   ///
@@ -189,9 +197,13 @@ class QAL_API Ikfunc {
   /// joints before to within the nudge, so count first. A `speed` of 0 leaves no joint any room:
   /// each point has to be one where the solver gives the joints before back exactly. A negative one
   /// admits no point.
+  /// @param s_point     start, joints known
+  /// @param e_point     end
   /// @param step_count  number of elements to write, at least 1
   /// @param point_array out: `step_count` elements
-  /// @return false when the orientations differ after the cut ("CountLineSize error the point data
+  /// @param speed       step setting, that of `CountLineSize`
+  /// @return true when all points are written; false when the orientations differ after the cut
+  /// ("CountLineSize error the point data
   ///         is" and both points on standard output, nothing written) or a point has no solution
   ///         ("CountLineToBuffer ik error at" with its index, and the point, on standard output;
   ///         elements before it are written). Also false, silently with nothing written, for a
@@ -206,6 +218,8 @@ class QAL_API Ikfunc {
   /// its own joints. So a point out of reach is answered silently, with the joints before to within
   /// the nudge, and `ik_flag` true. A point without an admissible solution keeps the joints before,
   /// and their flag; `ArmJointIk`'s message alone tells.
+  /// @param s_point     start, joints known
+  /// @param e_point     end, with joints
   /// @param precis      step factor, above 0
   /// @param point_array out: n + 1 elements, which the caller works out by the same formula
   /// @return the number of elements written, or -2, silently with nothing written: orientations not
@@ -213,7 +227,9 @@ class QAL_API Ikfunc {
   static int CountLineToBuffer(RoadPoint s_point, RoadPoint e_point, double precis,
                                RoadPoint* point_array);
 
-  // ---- Straight line, speed ramp ----------------------------------------------------------------
+  /// @}
+  /// @name Straight line, speed ramp
+  /// @{
 
   /// Plans a straight line whose step grows by 2e-5 m a cycle up to `speed` times that, cruises,
   /// and falls back.
@@ -241,7 +257,9 @@ class QAL_API Ikfunc {
   static bool CountLineToBuffer(RoadPoint s_point, RoadPoint e_point,
                                 std::vector<RoadPoint>* point_road, int speed);
 
-  // ---- Straight line, S-curve -------------------------------------------------------------------
+  /// @}
+  /// @name Straight line, S-curve
+  /// @{
 
   /// Starts a straight line on a jerk-limited time law: the first phase, sampled every 5 ms.
   ///
@@ -281,18 +299,21 @@ class QAL_API Ikfunc {
                                          std::vector<RoadPoint>* point_road, float max_v,
                                          float max_acc, float max_jerk, int max_joint);
 
-  // ---- Joint moves, all joints in proportion ----------------------------------------------------
-  //
-  // Take care: CountCurveLineToBuffer fills an array, CountCurvelLineToBuffer (with an l) a vector,
-  // and CountCurvelLineSize (with an l) counts for the array. A waypoint's pose is the forward
-  // kinematics of its joints; where that fails (message on standard error) it keeps the pose of the
-  // waypoint before, in the array the pose that the element had.
+  /// @}
+  /// @name Joint moves, all joints in proportion
+  /// Take care: `CountCurveLineToBuffer` fills an array, `CountCurvelLineToBuffer` (with an l) a
+  /// vector, and `CountCurvelLineSize` (with an l) counts for the array. A waypoint's pose is the
+  /// forward kinematics of its joints; where that fails (message on standard error) it keeps the
+  /// pose of the waypoint before, in the array the pose that the element had.
+  /// @{
 
   /// How many waypoints a fixed-step joint move needs, start and end included.
   ///
   /// The leading joint advances by speed * 0.0001745329 rad, held in single precision; travels are
   /// between angles cut to six decimals (`SectionNum`). 0.5 rad at speed 100 gives 29.
-  /// @param speed hundredths of a degree per waypoint, at least 1
+  /// @param s_point start joints
+  /// @param e_point end joints
+  /// @param speed   hundredths of a degree per waypoint, at least 1
   /// @return the count, at least 1; 0 for a speed below 1 or a count that doesn't fit an `int`
   static int CountCurvelLineSize(RoadPoint s_point, RoadPoint e_point, int speed);
 
@@ -300,6 +321,8 @@ class QAL_API Ikfunc {
   ///
   /// Waypoint i has the joints at fraction i / `step_count`; the last is `e_point` as given, so the
   /// last interval is two steps long. `ik_flag` of the elements before it stays as it was.
+  /// @param s_point     start joints
+  /// @param e_point     end, joints and pose
   /// @param step_count  number of elements to write, at least 1
   /// @param point_array out: `step_count` elements
   /// @return true; false, with nothing written, for a `step_count` below 1
@@ -315,6 +338,8 @@ class QAL_API Ikfunc {
   /// left of the travel, up to n units. A travel too short for n takes the largest n that fits,
   /// without a cruise, in units of up to 1 + 2 / n; one below two units just `s_point` and
   /// `e_point` as they are. Waypoints carry `s_point`'s `ik_flag`.
+  /// @param s_point    start, joints and pose
+  /// @param e_point    end, likewise
   /// @param point_road out: cleared and refilled
   /// @param speed      twice the top speed in units per cycle, at least 2
   /// @return true; false, with `point_road` untouched, for a speed below 2 or a count that doesn't
@@ -322,16 +347,19 @@ class QAL_API Ikfunc {
   static bool CountCurvelLineToBuffer(RoadPoint s_point, RoadPoint e_point,
                                       std::vector<RoadPoint>* point_road, int speed);
 
-  // ---- Joint moves, synchronised trapezoids -----------------------------------------------------
-  //
-  // Each joint ramps up, cruises and ramps down by itself; all take the cycles of the slowest. A
-  // joint that is to move no more than its dead band (4.22584e-06 rad, from joint 4 on
-  // 5.06242e-06 rad) stands still until the end point.
+  /// @}
+  /// @name Joint moves, synchronised trapezoids
+  /// Each joint ramps up, cruises and ramps down by itself; all take the cycles of the slowest. A
+  /// joint that is to move no more than its dead band (4.22584e-06 rad, from joint 4 on
+  /// 5.06242e-06 rad) stands still until the end point.
+  /// @{
 
   /// How many cycles a synchronised joint move takes: those of the slower of the two groups'
   /// leading joints at the limits given, rounded. So the limits are not kept: the planned move may
   /// exceed the speed by a quarter and the acceleration by half, in few cycles by more
   /// (docs/trajectories.md).
+  /// @param s_point start joints
+  /// @param e_point end joints
   /// @param speed   motor speed limit [percent of 3000 rpm], at least 1
   /// @param max_acc motor acceleration limit [rpm/s], at least 1
   /// @return the count; 0 when no joint moves. Also 0 for a limit below 1 or a count that doesn't
@@ -344,8 +372,11 @@ class QAL_API Ikfunc {
   /// kinematics fails, with its message, the pose of the waypoint before) and `s_point`'s
   /// `ik_flag`, then `e_point` as given. The start is not among them. A move of 5 cycles or less is
   /// just `s_point` and `e_point`. Holds 6 * N doubles during the call.
+  /// @param s_point    start, joints and pose
+  /// @param e_point    end, likewise
   /// @param point_road out: cleared and refilled
-  /// @param speed, max_acc as for `CountRunCurvelLineSize`
+  /// @param speed      motor speed limit [percent of 3000 rpm], at least 1
+  /// @param max_acc    motor acceleration limit [rpm/s], at least 1
   /// @return true, after a line on standard output: "the joint num is" and N, or "the all joint
   ///         count is true" and N for the short move. false, silently with `point_road` untouched,
   ///         for a limit below 1 and for a move of more than 46340 cycles.
@@ -353,7 +384,9 @@ class QAL_API Ikfunc {
                                          std::vector<RoadPoint>* point_road, int speed,
                                          int max_acc);
 
-  // ---- Orientation and comparison helpers -------------------------------------------------------
+  /// @}
+  /// @name Orientation and comparison helpers
+  /// @{
 
   /// Roll, pitch, yaw of a quaternion, taken as it is (not normalised).
   ///
@@ -364,7 +397,8 @@ class QAL_API Ikfunc {
   /// A pitch outside asin's range is NaN, as it may be for a quaternion that is longer than 1.
   ///
   /// (1, 1, 0, 0) gives a roll of atan2(2, -1) = 2.0344439.
-  /// @param EulerAngle out: {roll, pitch, yaw} [rad]
+  /// @param orientation w first
+  /// @param EulerAngle  out: {roll, pitch, yaw} [rad]
   static void QuaternionToEulerAngle(Ori orientation, double* EulerAngle);
 
   /// Quaternion of roll, pitch, yaw: qz(yaw) * qy(pitch) * qx(roll), all four components written.
@@ -374,12 +408,15 @@ class QAL_API Ikfunc {
   ///         |  -sp         cp sr              cp cr       |   roll r, pitch p, yaw y
   ///
   /// {pi, 0, 0} gives (0, 1, 0, 0) to rounding. w may be negative.
-  /// @param EulerAngle {roll, pitch, yaw} [rad]
+  /// @param orientation out: w first
+  /// @param EulerAngle  {roll, pitch, yaw} [rad]
   static void EulerAngleToQuaternion(Ori& orientation, double* EulerAngle);
 
   /// Euler triple of `roadpoint2`'s orientation minus that of `roadpoint1`'s, by component and
   /// never wrapped: a yaw from 3.1 to -3.1 gives -6.2.
-  /// @param EulerDis out: 3 differences [rad]
+  /// @param roadpoint1 its orientation is subtracted
+  /// @param roadpoint2 from this one's
+  /// @param EulerDis   out: 3 differences [rad]
   static void QuaternionToEulerDis(RoadPoint roadpoint1, RoadPoint roadpoint2, double* EulerDis);
 
   /// Replaces the orientation by that of its Euler triple plus `EulerDis`. The sign of the
@@ -401,6 +438,7 @@ class QAL_API Ikfunc {
 
   /// Whether the six joints agree within `joint_range` [rad]; differences as in `PositionCompare`.
   static bool JointCompare(RoadPoint roadpoint1, RoadPoint roadpoint2, float joint_range);
+  /// @}
 
  private:
   // ---- Scalars ----
@@ -441,9 +479,12 @@ class QAL_API Ikfunc {
   ///
   /// Where no ramp cycle is left to accelerate in (`max_speed_count` equal to `alljointruncount`),
   /// and for a single cycle, the travel is split evenly.
-  /// @param joint_id 0 to 5; any other value counts as a small axis
-  /// @param result   out: `alljointruncount` entries; nothing when that is below 1
-  /// @param max_acc  has no effect
+  /// @param joint_distance   the joint's travel [rad]
+  /// @param alljointruncount cycles of the move
+  /// @param max_speed_count  cycles of the cruise
+  /// @param joint_id         0 to 5; any other value counts as a small axis
+  /// @param result           out: `alljointruncount` entries; nothing when that is below 1
+  /// @param max_acc          has no effect
   static void getJointStepLength(float joint_distance, int alljointruncount, int max_speed_count,
                                  int joint_id, double* result, int max_acc);
 

@@ -32,7 +32,7 @@ struct ExplainedSolution {
 
 /// Where a motion first fails.
 struct FailingPoint {
-  Pose pose;
+  Pose pose;  ///< of the tool, in the base frame
   /// Of the samples, from 0: the first one that fails. A line's are one cycle of the arm apart,
   /// with the tool as quick as its own limits let it be.
   size_t index = 0;
@@ -51,6 +51,7 @@ struct NeededSpeed {
 
 /// A change of the request with which it works. Each was tried with exactly these numbers.
 struct Change {
+  /// What is changed, and which of the members below say to what.
   enum class Kind {
     kStart,  ///< begin with `joints`, another solution of the start's pose
     kEnd,    ///< end at `pose`, after the part `value` of the way; of a joint move, at `joints`
@@ -65,21 +66,21 @@ struct Change {
     kNoZone,            ///< a stop in place of the zone at the end of a program's step
     kJointMove          ///< a joint move to `joints`, which have the end's pose
   };
-  Kind kind;
+  Kind kind;  ///< what is changed
   /// To compare: of a shift and an end, its distance by the length of the way or 1 m; of turns
   /// [rad] by pi, of joints the largest difference by 2 pi, of a speed what is missing of 1. A
   /// joint move, which is another motion, counts as 1.
   double size = 0;
-  Joints joints = {};
-  Pose pose = {};
-  Vec3 vector = {};
-  double value = 0;
+  Joints joints = {};                     ///< [rad], where `kind` names them
+  Pose pose = {};                         ///< [base frame], where `kind` names it
+  Vec3 vector = {};                       ///< [m], in the frame that `kind` names
+  double value = 0;                       ///< a part, an angle or a bound, as `kind` says
   std::optional<double> duration_s = {};  ///< of the motion with this change
 };
 
 /// Why a request fails, and what would make it work.
 struct Explanation {
-  Cause cause = Cause::kNone;
+  Cause cause = Cause::kNone;              ///< what it is, in a word
   Error error = {};                        ///< the reason with its numbers
   std::optional<FailingPoint> point = {};  ///< none: nothing fails, or the request has no place
   Joints before = {};                      ///< the last joints that work, or those to start with
@@ -91,6 +92,7 @@ struct Explanation {
   std::vector<Change> changes = {};       ///< the smallest first, one of a kind
   std::optional<double> duration_s = {};  ///< where it works, of the motion
 
+  /// Whether there is nothing to explain.
   bool works() const { return cause == Cause::kNone; }
 };
 

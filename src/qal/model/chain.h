@@ -28,6 +28,7 @@ struct AxisLine {
   Vec3 direction;  ///< of length 1
 };
 
+/// The axes of all joints, joint 1 first, with all joints at zero, in the base frame.
 QAL_API std::array<AxisLine, 6> AxesAtZero(const ArmDescription& arm);
 
 /// From joint 1 along all joints to the tip [m]: what the arm reaches at the most.

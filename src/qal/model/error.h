@@ -9,7 +9,7 @@ namespace qal {
 
 /// Why there is no answer. What an `Error`'s numbers mean is said at each.
 enum class Reason {
-  kNone,
+  kNone,  ///< there is an answer
 
   // ---- The request ----
   kNotFinite,         ///< a number is NaN or infinite
@@ -36,7 +36,8 @@ enum class Reason {
 
   // ---- Moves ----
   kEndsApart,      ///< the ends are `value` [m] apart on an axis, `bound` [m] are allowed
-  kEndsTurned,     ///< the ends' orientations differ by `value` in a component
+  kEndsTurned,     ///< the ends' orientations are `value` [rad] apart, more than `bound` in a
+                   ///< component
   kTooShort,       ///< a line of `value` [m]; the shortest that works is `bound` [m]
   kConfiguration,  ///< `joint` would jump by `value` [rad] to the end, `bound` [rad] are allowed
   kMotorSpeed,     ///< the motor of `joint` would need `value` [rpm], `bound` [rpm] are allowed
@@ -54,11 +55,11 @@ enum class Reason {
 
 /// A failure: the reason and its numbers. The text is made elsewhere, in the caller's units.
 struct Error {
-  Reason reason = Reason::kNone;
-  int joint = -1;  ///< from 0; -1: the reason is not one joint's
-  double value = 0;
-  double bound = 0;
-  std::string detail = {};  ///< a name, or what another program says; mostly empty
+  Reason reason = Reason::kNone;  ///< what it is; says what the numbers mean
+  int joint = -1;                 ///< from 0; -1: the reason is not one joint's
+  double value = 0;               ///< what there is, or would be needed
+  double bound = 0;               ///< what is allowed or expected
+  std::string detail = {};        ///< a name, or what another program says; mostly empty
 };
 
 }  // namespace qal

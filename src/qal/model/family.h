@@ -11,23 +11,24 @@ namespace qal {
 
 /// What arms that are solved in the same way have in common; see docs/your-arm.md.
 enum class Family {
-  kThreeParallelAxes,
-  kSphericalWrist,
-  kOffsetWrist,
-  kGeneral,  ///< none of these: any six axes that aren't singular everywhere
+  kThreeParallelAxes,  ///< axes 2, 3 and 4 are parallel
+  kSphericalWrist,     ///< axes 2 and 3 are parallel; 4, 5 and 6 meet in one point
+  kOffsetWrist,        ///< axes 2 and 3 are parallel; 4 and 5 meet, 6 passes beside that point
+  kGeneral,            ///< none of these: any six axes that aren't singular everywhere
 };
 
 /// "three parallel axes", "spherical wrist", "offset wrist", "no family"
 QAL_API const char* FamilyName(Family family);
 
-/// How far an arm's axes may be from those of a family's nearest member.
+/// How far an arm's axes may be turned from those of a family's nearest member: half a degree.
 constexpr double kFamilyAngleToleranceRad = 0.5 * 3.14159265358979323846 / 180;
+/// How far an arm's axes may be from those of a family's nearest member.
 constexpr double kFamilyDistanceToleranceM = 1.5e-3;
 
 /// How far axes are from those of another arm at the most.
 struct AxisDeviation {
-  double angle_rad = 0;
-  double distance_m = 0;  ///< where an axis comes nearest to those before and after it
+  double angle_rad = 0;   ///< largest angle between an axis and the other arm's
+  double distance_m = 0;  ///< largest distance, where an axis is nearest those before and after it
 };
 
 /// In place of an axis: the wrist's centre, where axes 4 and 5 meet.
@@ -35,21 +36,22 @@ constexpr int kWristCentre = 0;
 
 /// A condition of a family that an arm doesn't meet, by more than the tolerance.
 struct Deviation {
+  /// Which condition, and what `amount` is.
   enum class Kind {
     kNotParallel,    ///< `amount`: from parallel [rad]
     kNotRightAngle,  ///< `amount`: from a right angle [rad]
     kNotMeeting,     ///< `amount`: apart [m]
     kTooClose,       ///< `amount`: apart [m]; a link needs 1e-3
   };
-  Kind kind;
-  int axis_a;  ///< from 1
-  int axis_b;  ///< from 1, or kWristCentre
-  double amount;
+  Kind kind;      ///< which condition
+  int axis_a;     ///< from 1
+  int axis_b;     ///< from 1, or kWristCentre
+  double amount;  ///< by how much [rad or m, as `kind` says]
 };
 
 /// How an arm compares with a family.
 struct FamilyFit {
-  Family family;
+  Family family;  ///< which one
   /// Empty: the arm is within tolerance of a member. Distances are looked at once the angles are
   /// right: without right angles there is no place where axes meet.
   std::vector<Deviation> deviations;

@@ -12,12 +12,17 @@ using Joints = std::array<double, 6>;
 
 /// A position or a displacement [m], in the frame that the context names.
 struct Vec3 {
-  double x, y, z;
+  double x;  ///< along x [m]
+  double y;  ///< along y [m]
+  double z;  ///< along z [m]
 };
 
 /// An orientation: unit Hamilton quaternion, w first, tool frame to base frame.
 struct Quat {
-  double w, x, y, z;
+  double w;  ///< scalar part
+  double x;  ///< vector part, x
+  double y;  ///< vector part, y
+  double z;  ///< vector part, z
 };
 
 /// A tool pose in the base frame. Seven doubles in the order x, y, z, w, x, y, z, trivially
@@ -30,7 +35,7 @@ struct Pose {
 /// Joints, and the pose that they have.
 struct State {
   Joints joints;  ///< [rad]
-  Pose pose;
+  Pose pose;      ///< of the tool, in the base frame
 };
 
 /// A frame in another one, as a rotation matrix: exact where a description is.

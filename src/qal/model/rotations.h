@@ -14,6 +14,7 @@ constexpr Quat operator*(const Quat& a, const Quat& b) {
       a.w * b.y - a.x * b.z + a.y * b.w + a.z * b.x, a.w * b.z + a.x * b.y - a.y * b.x + a.z * b.w};
 }
 
+/// The inverse of a unit quaternion's rotation.
 constexpr Quat Conjugate(const Quat& q) { return {q.w, -q.x, -q.y, -q.z}; }
 
 /// Rotations about the fixed x, y and z axes, in this order [rad]:

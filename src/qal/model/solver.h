@@ -27,10 +27,9 @@ class QAL_API Solver {
   /// and it sees its own before the host's, so that neither another solver nor the host (which may
   /// define `ikfast::ComputeIk` itself) is disturbed or disturbs it.
   /// @param path a name without a slash is taken from the current folder, not searched for
-  /// @return kLibraryNotLoaded, kFunctionMissing, kNotSixJoints, kFreeParameters or kSolverType
-  /// when
-  ///         it is no solver of six joints; kSolverFault when its numbers are no doubles;
-  ///         kSolverThrows
+  /// @return the solver; kLibraryNotLoaded, kFunctionMissing, kNotSixJoints, kFreeParameters or
+  ///         kSolverType when it is none of six joints; kSolverFault when its numbers are no
+  ///         doubles; kSolverThrows
   static Result<Solver> Load(const std::string& path);
 
   /// The solver of the family that the arm's axes belong to or are near (`FamilyReport`). Near
@@ -39,7 +38,9 @@ class QAL_API Solver {
   /// arm has it, but within 1e-10 of the rim of the workspace. Any other arm has its poses solved
   /// by continuation, from one whose solutions are found here, in some 10 ms. No compiler is
   /// needed.
-  /// @return kSingularEverywhere; kNoFamily where the nominal geometry is wanted
+  /// @param description the arm
+  /// @param geometry    solved is the arm as described, or its nominal geometry
+  /// @return the solver; kSingularEverywhere; kNoFamily where the nominal geometry is wanted
   static Result<Solver> ClosedForm(const ArmDescription& description,
                                    Geometry geometry = Geometry::kDescribed);
 

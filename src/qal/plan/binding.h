@@ -5,20 +5,20 @@ namespace qal {
 
 /// What a motion may run into.
 enum class Limit {
-  kToolSpeed,
-  kToolAcceleration,
-  kToolJerk,
-  kTurnSpeed,
-  kTurnAcceleration,
-  kTurnJerk,
-  kJointVelocity,
-  kJointAcceleration,
-  kJointJerk
+  kToolSpeed,          ///< of the tool centre point
+  kToolAcceleration,   ///< of the tool centre point
+  kToolJerk,           ///< of the tool centre point
+  kTurnSpeed,          ///< of the tool's orientation
+  kTurnAcceleration,   ///< of the tool's orientation
+  kTurnJerk,           ///< of the tool's orientation
+  kJointVelocity,      ///< of one joint
+  kJointAcceleration,  ///< of one joint
+  kJointJerk           ///< of one joint
 };
 
 /// A limit that a motion runs at, and for how long.
 struct Binding {
-  Limit limit;
+  Limit limit;         ///< which one
   int joint = -1;      ///< from 0; -1: the limit is not a joint's
   double share = 0;    ///< of the duration, from 0 to 1
   double begin_s = 0;  ///< its longest stretch, from here

@@ -11,13 +11,13 @@ namespace qal {
 
 /// What a line may do at most. Each number is finite and above 0.
 struct LineLimits {
-  double speed_m_s = 0.25;  ///< of the tool centre point, as are the next two
-  double acceleration_m_s2 = 1;
-  double jerk_m_s3 = 10;
-  double turn_speed_rad_s = 1;  ///< of the tool's orientation, as are the next two
-  double turn_acceleration_rad_s2 = 4;
-  double turn_jerk_rad_s3 = 40;
-  LimitScale scale = {};  ///< of the arm's joints
+  double speed_m_s = 0.25;              ///< of the tool centre point [m/s]
+  double acceleration_m_s2 = 1;         ///< of the tool centre point [m/s^2]
+  double jerk_m_s3 = 10;                ///< of the tool centre point [m/s^3]
+  double turn_speed_rad_s = 1;          ///< of the tool's orientation [rad/s]
+  double turn_acceleration_rad_s2 = 4;  ///< of the tool's orientation [rad/s^2]
+  double turn_jerk_rad_s3 = 40;         ///< of the tool's orientation [rad/s^3]
+  LimitScale scale = {};                ///< how much of the joints' own limits to use
   /// How far the orientation may be off the line to pass a wrist singularity without slowing down
   /// for it [rad], 0 to 0.5. 0: not at all. The tool's turn that this adds counts for no limit.
   double max_orientation_error_rad = 0;
@@ -26,9 +26,9 @@ struct LineLimits {
 /// A straight line of the tool, from rest to rest. A value, cheap to copy; immutable.
 class QAL_API LineMotion {
  public:
-  double duration_s() const;
-  double length_m() const;   ///< of the tool centre point's way
-  double angle_rad() const;  ///< by which the tool turns, 0 to pi
+  double duration_s() const;  ///< how long it takes
+  double length_m() const;    ///< of the tool centre point's way
+  double angle_rad() const;   ///< by which the tool turns, 0 to pi
 
   /// The largest angle between the orientation and the line's [rad]; 0 but for lines that needed
   /// `max_orientation_error_rad`.
@@ -72,9 +72,11 @@ class QAL_API LineMotion {
 /// passed with the wrist's joints going straight on, the wrist flipped beyond it, on the longest
 /// stretch that keeps the error.
 ///
-/// @param from the joints at the start. Its pose is not read: the line begins where they have the
-///             tool
-/// @param to   the pose at the end [base frame]; the quaternion needs not be of length 1
+/// @param arm    the arm
+/// @param from   the joints at the start [rad]. Its pose is not read: the line begins where they
+///               have the tool
+/// @param to     the pose at the end [base frame]; the quaternion needs not be of length 1
+/// @param limits of the tool, and how much of the joints' own to use
 /// @return the motion; of an end at the start, one of no duration. kNotFinite, kNotAnOrientation,
 ///         kSetting when a limit is not above 0, a scale not above 0 and up to 1, or an orientation
 ///         error not from 0 to 0.5; kOutOfReach; kJointRange, at the place where the joint leaves

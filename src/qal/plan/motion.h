@@ -16,14 +16,14 @@ struct MotionState {
 
 /// How much of its arm's limits a motion may use: above 0, up to 1.
 struct LimitScale {
-  double velocity = 1;
-  double acceleration = 1;
-  double jerk = 1;
+  double velocity = 1;      ///< of each joint's velocity
+  double acceleration = 1;  ///< of each joint's acceleration
+  double jerk = 1;          ///< of each joint's jerk
 };
 
 /// One sample of a trajectory.
 struct Sample {
-  double time_s;
+  double time_s;         ///< from the start of the trajectory
   Joints joints;         ///< [rad]
   Joints velocities;     ///< [rad/s], the motion's own, not differences
   Joints accelerations;  ///< [rad/s^2], likewise

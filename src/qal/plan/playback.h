@@ -13,13 +13,18 @@ namespace qal {
 /// once it is made. Not to be copied; may be moved.
 class QAL_API Playback {
  public:
+  /// From a moment of the motion on, as it moves there.
+  /// @param motion is shared, not copied
   /// @param from_s where to begin, in motion as planned at that time; before 0 the start
   explicit Playback(const ProgramMotion& motion, double from_s = 0);
   /// From rest at the place where a motion was stopped.
+  /// @param motion    is shared, not copied
   /// @param planned_s when the motion is there as planned
   static Playback FromRest(const ProgramMotion& motion, double planned_s);
   ~Playback();
+  /// Goes on with another's motion; the other can only be assigned to or destroyed.
   Playback(Playback&& other) noexcept;
+  /// Likewise, in place of its own.
   Playback& operator=(Playback&& other) noexcept;
   Playback(const Playback&) = delete;
   Playback& operator=(const Playback&) = delete;
@@ -36,8 +41,9 @@ class QAL_API Playback {
   /// The sample of the next cycle; the first one is where it begins, at time 0.
   Sample Next();
 
-  /// Of the last sample: whether the arm stands still; whether it stands at the end for good.
+  /// Whether the arm stands still at the last sample.
   bool at_rest() const;
+  /// Whether it stands at the end for good.
   bool done() const;
   /// Where the motion is: at this time it would be there as planned.
   double planned_s() const;

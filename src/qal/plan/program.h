@@ -28,16 +28,16 @@ using Target = std::variant<Joints, Pose>;
 
 /// All joints turn straight to their ends, in proportion to each other.
 struct JointStep {
-  Target to;  ///< of a pose, the joints nearest those before
-  LimitScale scale = {};
-  std::optional<Zone> zone = {};  ///< none: the motion stops there, as in the next two
+  Target to;                      ///< of a pose, the joints nearest those before
+  LimitScale scale = {};          ///< how much of the joints' own limits to use
+  std::optional<Zone> zone = {};  ///< none: the motion stops there
 };
 
 /// A straight line of the tool, as by `PlanLine`.
 struct LineStep {
-  Target to;  ///< of joints, the pose that they have
-  LineLimits limits = {};
-  std::optional<Zone> zone = {};
+  Target to;                      ///< of joints, the pose that they have
+  LineLimits limits = {};         ///< of tool and joints
+  std::optional<Zone> zone = {};  ///< none: the motion stops there
 };
 
 /// How the tool turns along an arc.
@@ -49,9 +49,9 @@ enum class ArcTurn {
 
 /// The arc from where the tool is through a point to an end, less than a full turn.
 struct ArcThrough {
-  Vec3 through;  ///< [m, base frame]
-  Target to;     ///< its orientation counts for `ArcTurn::kToEnd` alone
-  ArcTurn turn = ArcTurn::kToEnd;
+  Vec3 through;                    ///< [m, base frame]
+  Target to;                       ///< its orientation counts for `ArcTurn::kToEnd` alone
+  ArcTurn turn = ArcTurn::kToEnd;  ///< how the tool turns
 };
 
 /// The arc about a line.
@@ -64,14 +64,14 @@ struct ArcAbout {
 
 /// A part of a circle.
 struct ArcStep {
-  std::variant<ArcThrough, ArcAbout> arc;
-  LineLimits limits = {};
-  std::optional<Zone> zone = {};
+  std::variant<ArcThrough, ArcAbout> arc;  ///< which one
+  LineLimits limits = {};                  ///< of tool and joints
+  std::optional<Zone> zone = {};           ///< none: the motion stops there
 };
 
 /// The arm stands still.
 struct WaitStep {
-  double duration_s;
+  double duration_s;  ///< 0 to 1e6
 };
 
 /// Poses are from here on those of another tool. The arm stands still.
@@ -79,12 +79,13 @@ struct ToolStep {
   Transform tool;  ///< the tool frame in the arm's tip frame
 };
 
+/// A step of a program.
 using ProgramStep = std::variant<JointStep, LineStep, ArcStep, WaitStep, ToolStep>;
 
 /// What an arm does, one step after the other.
 struct Program {
-  Joints start;  ///< [rad], where it stands first
-  std::vector<ProgramStep> steps;
+  Joints start;                    ///< [rad], where it stands first
+  std::vector<ProgramStep> steps;  ///< in the order in which they are done
 };
 
 /// Why there is no motion, and which step is at fault.
@@ -107,9 +108,9 @@ struct RoundedCorner {
 /// A stretch on which a line, an arc or a zone between such is not at its tool speed, other than
 /// where the motion starts or stops; and what it is at instead.
 struct SlowStretch {
-  size_t step;  ///< from 0
-  double begin_s;
-  double end_s;
+  size_t step;           ///< from 0
+  double begin_s;        ///< when it begins
+  double end_s;          ///< when it ends
   double slowest_m_s;    ///< the lowest speed of the tool centre point
   double slowest_at_s;   ///< when
   double slowest_along;  ///< where, from 0 to 1 of the step's own way
@@ -135,7 +136,9 @@ class QAL_API ProgramMotion {
   const std::vector<double>& step_begins_s() const;
   /// The limits that the motion runs at, the longest first.
   std::vector<Binding> bindings() const;
+  /// The corners with a zone, in order; one without room for it is not among them.
   const std::vector<RoundedCorner>& corners() const;
+  /// Where it is slower than asked, in order.
   std::vector<SlowStretch> slow_stretches() const;
 
  private:
@@ -160,8 +163,11 @@ class QAL_API ProgramMotion {
 /// speed, acceleration and jerk of the tool centre point, so that a narrow arc is passed slowly),
 /// on lines, arcs and the zones between such. Each half of a zone has the limits of its own step.
 ///
+/// @param arm      whose limits are kept
+/// @param program  where the arm stands first, and the steps
 /// @param progress is told, again and again, how many of the steps are planned
-/// @return kNotFinite, kNotAnOrientation, kSetting, kNoArc for what is wrong with a step; and those
+/// @return the motion; kNotFinite, kNotAnOrientation, kSetting, kNoArc for what is wrong with a
+/// step; and those
 ///         of `PlanLine` and `PlanJoint`. `failure.before` is where the motion still gets
 QAL_API Result<ProgramMotion, ProgramFailure> PlanProgram(
     const Arm& arm, const Program& program,

@@ -16,9 +16,12 @@ constexpr size_t kLookAheadSteps = 8;
 /// bit. Not to be copied; may be moved.
 class QAL_API ProgramStream {
  public:
+  /// Plans nothing yet.
   ProgramStream(const Arm& arm, Program program);
   ~ProgramStream();
+  /// Goes on where another is; the other can only be assigned to or destroyed.
   ProgramStream(ProgramStream&& other) noexcept;
+  /// Likewise, in place of its own.
   ProgramStream& operator=(ProgramStream&& other) noexcept;
   ProgramStream(const ProgramStream&) = delete;
   ProgramStream& operator=(const ProgramStream&) = delete;

@@ -14,10 +14,12 @@ namespace qal {
 /// Elements one after the other that somebody else holds.
 template <class T>
 struct Span {
-  T* data = nullptr;
-  size_t size = 0;
+  T* data = nullptr;  ///< the first one
+  size_t size = 0;    ///< how many there are
 
+  /// Of nothing.
   Span() = default;
+  /// Of `count` elements from `first` on.
   Span(T* first, size_t count) : data(first), size(count) {}
   /// Of a vector, which has to outlive it.
   // cppcheck-suppress noExplicitConstructor
@@ -29,6 +31,7 @@ struct Span {
   Span(const std::vector<std::remove_const_t<T>>& vector)  // NOLINT(*-explicit-*)
       : data(vector.data()), size(vector.size()) {}
 
+  /// Element `i`, unchecked.
   T& operator[](size_t i) const { return data[i]; }
 };
 
@@ -51,31 +54,44 @@ struct BatchCount {
 };
 
 /// `Forward` of many joints.
-/// @param poses   of `joints.size` elements; NaN where there is none
-/// @param reasons likewise, or empty: kNone, or why there is none
+/// @param arm     the arm
+/// @param joints  six joints for each pose [rad]
+/// @param poses   out: of `joints.size` elements; NaN where there is none
+/// @param reasons out: likewise, or empty: kNone, or why there is none
+/// @param options threads and progress
+/// @return how many are done, and how many of them have no pose
 QAL_API BatchCount Forward(const Arm& arm, Span<const Joints> joints, Span<Pose> poses,
                            Span<Reason> reasons = {}, const BatchOptions& options = {});
 
 /// `Nearest` of many poses.
-/// @param near    as many as poses, or a single one for all
-/// @param joints  of `poses.size` elements; NaN where there are none
-/// @param reasons likewise, or empty: kNone, or why there are none
+/// @param arm     the arm
+/// @param poses   of the tool, in the base frame
+/// @param near    reference joints [rad]: as many as poses, or a single one for all
+/// @param joints  out: of `poses.size` elements [rad]; NaN where there are none
+/// @param reasons out: likewise, or empty: kNone, or why there are none
+/// @param inverse the step bound
+/// @param options threads and progress
+/// @return how many are done, and how many of them have no joints
 QAL_API BatchCount Nearest(const Arm& arm, Span<const Pose> poses, Span<const Joints> near,
                            Span<Joints> joints, Span<Reason> reasons = {},
                            const InverseOptions& inverse = {}, const BatchOptions& options = {});
 
 /// Every solution of many poses: those of pose i from `first[i]` up to `first[i + 1]`.
 struct BatchSolutions {
-  std::vector<size_t> first = {};   ///< one more than poses
-  std::vector<Joints> joints = {};  ///< as in `Candidate`, as are the next two
-  std::vector<double> distances_rad = {};
-  std::vector<Reason> refusals = {};  ///< kNone: admissible
-  std::vector<Reason> reasons = {};   ///< of each pose; but for kNone it has no solutions
-  size_t done = 0;                    ///< as in `BatchCount`
+  std::vector<size_t> first = {};          ///< one more than poses
+  std::vector<Joints> joints = {};         ///< as in `Candidate`, as are the next two
+  std::vector<double> distances_rad = {};  ///< to the reference joints
+  std::vector<Reason> refusals = {};       ///< kNone: admissible
+  std::vector<Reason> reasons = {};        ///< of each pose; but for kNone it has no solutions
+  size_t done = 0;                         ///< as in `BatchCount`
 };
 
 /// `Inverse` of many poses.
-/// @param near as many as poses, or a single one for all
+/// @param arm     the arm
+/// @param poses   of the tool, in the base frame
+/// @param near    reference joints [rad]: as many as poses, or a single one for all
+/// @param inverse the step bound
+/// @param options threads and progress
 QAL_API BatchSolutions Inverse(const Arm& arm, Span<const Pose> poses, Span<const Joints> near,
                                const InverseOptions& inverse = {},
                                const BatchOptions& options = {});

@@ -21,6 +21,7 @@ struct Candidate {
   std::optional<Error> refusal;  ///< kJointRange or kStepBound, the first joint's; none: admissible
 };
 
+/// What is asked of a solution besides the joints' limits.
 struct InverseOptions {
   /// How far each joint may be from its reference [rad], equality included.
   double step_bound_rad = std::numeric_limits<double>::infinity();
@@ -28,14 +29,16 @@ struct InverseOptions {
 
 /// Every solution of a pose, in the solver's order. A solver gives joints within a turn; where
 /// limits reach further, each joint is taken on by whole turns to where it is nearest `near`.
-/// @param pose the quaternion needs not be of length 1
+/// @param arm     the arm
+/// @param pose    of the tool, in the base frame; the quaternion needs not be of length 1
+/// @param near    reference joints [rad]
+/// @param options the step bound
 /// @return at least one; kNotFinite, kNotAnOrientation, kOutOfReach, kSolverFault, kSolverThrows
 QAL_API Result<std::vector<Candidate>> Inverse(const Arm& arm, const Pose& pose, const Joints& near,
                                                const InverseOptions& options = {});
 
 /// The admissible solution nearest `near`, the solver's earlier one in a tie.
-/// @return the joints, with the pose as it was given; the errors of `Inverse`; or, where none
-/// is
+/// @return the joints, with the pose as it was given; the errors of `Inverse`; or, where none is
 ///         admissible, the refusal of the nearest
 QAL_API Result<State> Nearest(const Arm& arm, const Pose& pose, const Joints& near,
                               const InverseOptions& options = {});
@@ -46,8 +49,8 @@ struct JacobianMatrix {
   double element[6][6];  ///< [row][column]
 };
 
-/// Exact to rounding, not by small differences: the poses of a joint turned a quarter either way
-/// differ by twice the velocity (Rodrigues' rotation formula).
+/// The Jacobian of joints. Exact to rounding, not by small differences: the poses of a joint turned
+/// a quarter either way differ by twice the velocity (Rodrigues' rotation formula).
 QAL_API Result<JacobianMatrix> Jacobian(const Arm& arm, const Joints& joints);
 
 /// How far joints are from where the arm loses a direction.
@@ -59,7 +62,8 @@ struct Singularities {
   double smallest_singular_value;  ///< of the Jacobian in metres and radians
 };
 
-/// The first three are those of arms with a spherical wrist or three parallel axes, or near them
+/// How far joints are from a singularity. The first three are those of arms with a spherical wrist
+/// or three parallel axes, or near them
 /// (`Family`), where they are as near; for others they are NaN. The last holds for any arm.
 QAL_API Result<Singularities> DistanceToSingularities(const Arm& arm, const Joints& joints);
 
