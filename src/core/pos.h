@@ -1,6 +1,9 @@
 #ifndef QAL_CORE_POS_H_
 #define QAL_CORE_POS_H_
 
+/// @file
+/// Positions and displacements.
+
 #include "export.h"
 
 /// A position of the tool centre, or a displacement [the solver's length unit, metres here].

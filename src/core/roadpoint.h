@@ -1,6 +1,9 @@
 #ifndef QAL_CORE_ROADPOINT_H_
 #define QAL_CORE_ROADPOINT_H_
 
+/// @file
+/// Waypoints: pose, joints, and whether these were solved.
+
 #include "export.h"
 #include "pos.h"
 

@@ -1,6 +1,9 @@
 #ifndef QAL_KINEMATICS_IKFAST_H_
 #define QAL_KINEMATICS_IKFAST_H_
 
+/// @file
+/// What a solver library has to define, and the lists that it fills.
+
 #if __cplusplus < 201703L
 #error "the solver interface needs C++17 or later: compile with -std=c++17"
 #endif

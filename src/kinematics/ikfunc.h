@@ -1,6 +1,9 @@
 #ifndef QAL_KINEMATICS_IKFUNC_H_
 #define QAL_KINEMATICS_IKFUNC_H_
 
+/// @file
+/// The fixed interface: kinematics, jogs, lines and joint moves of one arm a process.
+
 #include <vector>
 
 #include "../core/pos.h"

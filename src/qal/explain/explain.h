@@ -1,6 +1,9 @@
 #ifndef QAL_EXPLAIN_EXPLAIN_H_
 #define QAL_EXPLAIN_EXPLAIN_H_
 
+/// @file
+/// Why a pose, a line, a joint move or a program fails, and what would make it work.
+
 #include <functional>
 #include <vector>
 

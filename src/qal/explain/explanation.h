@@ -1,6 +1,9 @@
 #ifndef QAL_EXPLAIN_EXPLANATION_H_
 #define QAL_EXPLAIN_EXPLANATION_H_
 
+/// @file
+/// What an explanation says: the cause, the place, the solutions there, changes that work.
+
 #include <optional>
 #include <vector>
 

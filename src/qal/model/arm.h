@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_ARM_H_
 #define QAL_MODEL_ARM_H_
 
+/// @file
+/// Arms: made from a description or a solver; their limits, cycle, base and tool.
+
 #include <array>
 #include <functional>
 #include <memory>

@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_CHAIN_H_
 #define QAL_MODEL_CHAIN_H_
 
+/// @file
+/// The chain of a described arm: its tip frame, its axes, its reach.
+
 #include <array>
 
 #include "../../core/export.h"

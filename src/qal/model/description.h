@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_DESCRIPTION_H_
 #define QAL_MODEL_DESCRIPTION_H_
 
+/// @file
+/// Descriptions of arms, and the settings that go before what these say.
+
 #include <array>
 #include <optional>
 #include <string>

@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_ERROR_H_
 #define QAL_MODEL_ERROR_H_
 
+/// @file
+/// Why there is no answer: reasons, and their numbers.
+
 #include <string>
 
 #include "../../core/export.h"

@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_FAMILY_H_
 #define QAL_MODEL_FAMILY_H_
 
+/// @file
+/// Which solver an arm's axes allow, and what keeps it from the quicker ones.
+
 #include <array>
 #include <vector>
 

@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_POSE_H_
 #define QAL_MODEL_POSE_H_
 
+/// @file
+/// Joints, positions, orientations, poses, frames.
+
 #include <array>
 
 #include "../../core/export.h"

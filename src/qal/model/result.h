@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_RESULT_H_
 #define QAL_MODEL_RESULT_H_
 
+/// @file
+/// A value, or why there is none.
+
 #include <utility>
 #include <variant>
 

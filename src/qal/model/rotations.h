@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_ROTATIONS_H_
 #define QAL_MODEL_ROTATIONS_H_
 
+/// @file
+/// Arithmetic of quaternions.
+
 #include <cmath>
 
 #include "pose.h"

@@ -1,6 +1,9 @@
 #ifndef QAL_MODEL_SOLVER_H_
 #define QAL_MODEL_SOLVER_H_
 
+/// @file
+/// Solvers of arms: closed forms, and anybody's library.
+
 #include <functional>
 #include <memory>
 #include <string>

@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_AXIS_MOTION_H_
 #define QAL_PLAN_AXIS_MOTION_H_
 
+/// @file
+/// The motion of one axis: cubics, one after the other.
+
 #include <algorithm>
 #include <cstdint>
 #include <cstring>

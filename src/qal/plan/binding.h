@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_BINDING_H_
 #define QAL_PLAN_BINDING_H_
 
+/// @file
+/// Which limits a motion runs at.
+
 namespace qal {
 
 /// What a motion may run into.

@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_CLASSIC_H_
 #define QAL_PLAN_CLASSIC_H_
 
+/// @file
+/// Ikfunc's lines, joint moves and jogs over any arm.
+
 #include <functional>
 #include <optional>
 #include <string_view>

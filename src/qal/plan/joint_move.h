@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_JOINT_MOVE_H_
 #define QAL_PLAN_JOINT_MOVE_H_
 
+/// @file
+/// Joint moves, the quickest within each joint's velocity, acceleration and jerk.
+
 #include <array>
 #include <vector>
 

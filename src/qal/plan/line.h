@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_LINE_H_
 #define QAL_PLAN_LINE_H_
 
+/// @file
+/// Straight lines of the tool, the quickest within every limit of tool and joints.
+
 #include <memory>
 #include <vector>
 

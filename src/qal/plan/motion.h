@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_MOTION_H_
 #define QAL_PLAN_MOTION_H_
 
+/// @file
+/// States and samples of motions, and why there is none.
+
 #include <vector>
 
 #include "../model/arm.h"

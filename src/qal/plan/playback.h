@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_PLAYBACK_H_
 #define QAL_PLAN_PLAYBACK_H_
 
+/// @file
+/// A program's motion as it is played: soft stop, resume, speed override.
+
 #include <functional>
 #include <memory>
 

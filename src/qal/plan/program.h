@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_PROGRAM_H_
 #define QAL_PLAN_PROGRAM_H_
 
+/// @file
+/// Programs of joint moves, lines and arcs, corners passed without a stop.
+
 #include <functional>
 #include <limits>
 #include <memory>

@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_PROGRAM_STREAM_H_
 #define QAL_PLAN_PROGRAM_STREAM_H_
 
+/// @file
+/// Samples of a program while the rest of it is planned.
+
 #include <memory>
 
 #include "program.h"

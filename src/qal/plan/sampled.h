@@ -1,6 +1,9 @@
 #ifndef QAL_PLAN_SAMPLED_H_
 #define QAL_PLAN_SAMPLED_H_
 
+/// @file
+/// What a controller plays: samples of a motion, one cycle apart.
+
 #include "joint_move.h"
 #include "line.h"
 #include "program.h"

@@ -1,6 +1,9 @@
 #ifndef QAL_SOLVE_BATCH_H_
 #define QAL_SOLVE_BATCH_H_
 
+/// @file
+/// Many joints or poses at once, worked off by all cores.
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>

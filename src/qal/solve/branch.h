@@ -1,6 +1,9 @@
 #ifndef QAL_SOLVE_BRANCH_H_
 #define QAL_SOLVE_BRANCH_H_
 
+/// @file
+/// Names of a pose's solutions: shoulder, elbow, wrist.
+
 #include <optional>
 #include <string>
 
@@ -21,10 +24,12 @@ struct Branch {
   /// on the other side of where axes 4 and 6 are parallel.
   bool wrist_flip;
 
+  /// Whether they are the same one.
   friend bool operator==(const Branch& a, const Branch& b) {
     return a.shoulder_front == b.shoulder_front && a.elbow_up == b.elbow_up &&
            a.wrist_flip == b.wrist_flip;
   }
+  /// Whether they are different ones.
   friend bool operator!=(const Branch& a, const Branch& b) { return !(a == b); }
 };
 

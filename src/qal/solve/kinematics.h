@@ -1,6 +1,9 @@
 #ifndef QAL_SOLVE_KINEMATICS_H_
 #define QAL_SOLVE_KINEMATICS_H_
 
+/// @file
+/// Poses of joints, joints of poses, the Jacobian, distances to singularities.
+
 #include <limits>
 #include <optional>
 #include <vector>
