@@ -1,21 +1,6 @@
-"""What goes wrong, by kind.
-
-Each exception has the text that the command-line tools print, and the numbers of the reason:
-
-reason : str
-    What it is, in one word: one of ``REASONS``.
-joint : int or None
-    The joint at fault, from 1.
-value, bound : float
-    What would be needed, and what is allowed; in rad, m and s.
-detail : str
-    A name, or what another program says; mostly empty.
-along : float or None
-    Of a plan: how much of its way works, from 0 to 1.
-before_joints, before_pose : array, Pose, or None
-    Of a plan: where it still gets.
+"""What goes wrong, by kind. Each exception has the text that the command-line tools print, and the
+numbers of the reason.
 """
-
 
 from __future__ import annotations
 
@@ -31,13 +16,21 @@ if TYPE_CHECKING:
 class QalError(Exception):
     """Any failure of this package."""
 
+    #: What it is, in one word: one of `REASONS`.
     reason: str = "none"
+    #: The joint at fault, from 1; None: not one joint's.
     joint: int | None = None
+    #: What there is, or would be needed; in rad, m and s.
     value: float = 0.0
+    #: What is allowed or expected; in rad, m and s.
     bound: float = 0.0
+    #: A name, or what another program says; mostly empty.
     detail: str = ""
+    #: Of a plan: how much of its way works, from 0 to 1.
     along: float | None = None
+    #: Of a plan: the last joints that work, (6,) [rad].
     before_joints: npt.NDArray[np.float64] | None = None
+    #: Of a plan: the pose of these joints.
     before_pose: _core.Pose | None = None
 
     def __reduce__(self) -> tuple[Any, ...]:

@@ -97,6 +97,7 @@ Lengths are in m, angles in rad, times in s; poses are those of the tool in the 
 Parameters
 ----------
 path : str or os.PathLike
+    Whatever its name: what it holds says what it is.
 base, tip : str, optional
     The links of a URDF between which the arm is; where there is but one chain of six joints,
     they need not be said.
@@ -110,7 +111,8 @@ FileError
           "Takes an arm's solver from a library with the IKFast interface. Its code runs in this "
           "process, with many rows in several threads at once: for one that doesn't allow that "
           "(`ikcheck` tells) say threads=1.")
-      .def_static("reference", &OfReference, "The reference arm.")
+      .def_static("reference", &OfReference,
+                  "The reference arm: arms/reference.urdf with its motors.")
       .def(
           "with_tool", &WithTool, py::arg("tool"),
           "The same arm with another tool: a (4, 4) matrix, the tool frame in the arm's tip frame.")
@@ -119,10 +121,11 @@ FileError
       .def_property_readonly("joint_names", &Names, "The joints' names, joint 1 first.")
       .def_property_readonly(
           "family", [](const PyArm& self) { return self.arm().solver().family(); },
-          "What kind of arm its solver is for.")
+          "What kind of arm its solver is for: 'spherical wrist', 'three parallel axes', 'offset "
+          "wrist' or 'no family'; 'libik.so' where a library solves it.")
       .def_property_readonly(
           "cycle", [](const PyArm& self) { return self.arm().cycle_s().value; },
-          "The control cycle [s].")
+          "The control cycle [s]: how far samples of its trajectories are apart.")
       .def_property_readonly(
           "tool", [](const PyArm& self) { return ToArray(self.arm().tool()); },
           "(4, 4) array: the tool frame in the arm's tip frame.")
@@ -130,14 +133,18 @@ FileError
           "base", [](const PyArm& self) { return ToArray(self.arm().base()); },
           "(4, 4) array: the arm's base in the frame that poses are given in.")
       .def_property_readonly("assumed", &Assumed,
-                             "For each joint, which of its numbers nobody described.")
+                             "For each joint, which of its numbers nobody described, so that they "
+                             "are assumed: six lists of 'lower', 'upper', 'velocity', "
+                             "'acceleration', 'jerk' and 'gear_ratio'.")
       .def("__repr__",
            [](const PyArm& self) { return fmt::format("<Arm {}>", io::ArmHeading(self.loaded)); })
       .def("__copy__", [](const PyArm& self) { return self; })
       .def("__deepcopy__", [](const PyArm& self, const py::dict&) { return self; })
       .def(py::pickle([](const PyArm& self) { return self.source.cast<py::tuple>(); }, &Made));
-  property("lower", &JointModel::lower_rad, "(6,) array: lower limits [rad]; -inf: none.");
-  property("upper", &JointModel::upper_rad, "(6,) array: upper limits [rad]; inf: none.");
+  property("lower", &JointModel::lower_rad,
+           "(6,) array: lower limits [rad], -inf where there is none.");
+  property("upper", &JointModel::upper_rad,
+           "(6,) array: upper limits [rad], inf where there is none.");
   property("velocity", &JointModel::velocity_rad_s, "(6,) array: velocity limits [rad/s].");
   property("acceleration", &JointModel::acceleration_rad_s2,
            "(6,) array: acceleration limits [rad/s^2].");

@@ -240,7 +240,14 @@ duration : float
 
 Returns
 -------
-Motion)")
+Motion
+
+Raises
+------
+JointRangeError
+    An end lies outside of a joint's range.
+OutOfReachError
+    The end's pose has no joints.)")
 
       .def("plan_program", &PlanWhole, py::arg("program"), py::kw_only(),
            py::arg("progress") = py::none(),
@@ -255,7 +262,14 @@ progress : callable, optional
 
 Returns
 -------
-Motion)");
+Motion
+
+Raises
+------
+FileError
+    With the line, and what was expected.
+OutOfReachError, JointRangeError, SingularityError
+    The text names the step; with `along`, the part of its way that works, and `before_joints`.)");
 }
 
 }  // namespace qal::python

@@ -232,14 +232,15 @@ void AddResults(py::module_& module) {
             return Nearests{held[0].cast<py::array_t<double>>(), held[1].cast<py::array_t<int>>()};
           }));
   NewClass<Solutions>(module, "Solutions", "Every solution of a pose, or of many: `Arm.inverse`.")
-      .def_readonly("joints", &Solutions::joints, "(k, 6) array [rad].")
+      .def_readonly("joints", &Solutions::joints,
+                    "(k, 6) array [rad], each joint at the turn nearest the reference.")
       .def_readonly("distances", &Solutions::distances,
                     "(k,) array: sum of the absolute differences to the reference [rad].")
       .def_readonly("refusals", &Solutions::refusals,
                     "(k,) array: 0, or why it isn't admissible, as an index of `REASONS`.")
       .def_property_readonly(
           "admissible", [](const Solutions& all) { return Accepted(all.refusals); },
-          "(k,) array of bool.")
+          "(k,) array of bool: which may be used.")
       .def_readonly("first", &Solutions::first,
                     "(n + 1,) array: the solutions of pose i are those from first[i] up to "
                     "first[i + 1].")
@@ -282,7 +283,7 @@ void AddSolving(py::module_& module, py::class_<PyArm>& arm) {
   const auto threads = py::arg("threads") = 0U;
   const auto progress = py::arg("progress") = py::none();
   arm.def("forward", &ForwardOf, py::arg("joints"), py::kw_only(), threads, progress,
-          R"(The tool's pose.
+          R"(The tool's pose in the base frame.
 
 Parameters
 ----------
