@@ -6,14 +6,15 @@ BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev li
 # What the report's page is built by; a machine's own node and npm do as well.
 NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
+DOCS_DEPS := doxygen furo python3-breathe python3-myst-parser python3-sphinx
 TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck fish g++-aarch64-linux-gnu man-db qemu-user \
              mypy python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
-             python3-venv python3-wheel python3-yaml zsh $(BENCH_DEPS)
+             python3-venv python3-wheel python3-yaml zsh $(BENCH_DEPS) $(DOCS_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60
 
-.PHONY: demo test lint coverage fuzz tsan valgrind figures bench bench-check arm-table sbom abi \
+.PHONY: demo test docs lint coverage fuzz tsan valgrind figures bench bench-check arm-table sbom abi \
         build-deps test-deps bench-deps clean
 
 ## Builds, and runs the main job.
@@ -46,6 +47,15 @@ test: test-deps
 	cmake --preset dev
 	cmake --build --preset dev
 	ctest --preset dev
+
+## The guides and the references of C++ and Python as one folder of pages, their links tested.
+docs: build-deps
+	@packaging/install-deps $(DOCS_DEPS)
+	@packaging/quietly "Configuring build/release" cmake --preset release
+	@packaging/quietly "Building Python's package, for some minutes" \
+	  cmake --build --preset release --target qal_python
+	@packaging/quietly "Making the pages" docs/site/build build/release/python build/docs
+	@echo "Made: build/docs/index.html. Open it in a browser."
 
 ## The static analysis of src, solver and tools alone.
 lint: test-deps

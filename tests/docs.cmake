@@ -1,0 +1,25 @@
+# The guides and references: their pages, their links, what docs/tasks.md names. One build serves.
+if(NOT QAL_BUILD_PYTHON OR NOT CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo)
+  return()
+endif()
+find_program(QAL_DOXYGEN doxygen)
+set(missing "")
+if(NOT QAL_DOXYGEN)
+  set(missing doxygen)
+endif()
+foreach(package breathe furo myst_parser sphinx)
+  execute_process(COMMAND /usr/bin/python3 -c "import ${package}" RESULT_VARIABLE failed ERROR_QUIET)
+  if(failed)
+    list(APPEND missing ${package})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "${missing} missing. Debian: sudo apt-get install doxygen furo python3-breathe python3-myst-parser python3-sphinx")
+endif()
+
+file(GLOB guides CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/*.md ${PROJECT_SOURCE_DIR}/docs/*.md)
+add_test(NAME Docs.LinksInTheRepository COMMAND ${PROJECT_SOURCE_DIR}/docs/site/check_links.py ${guides})
+add_test(NAME Docs.TasksNameWhatIsThere COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/docs/tasks.py
+                                                ${PROJECT_SOURCE_DIR} $<TARGET_FILE_DIR:qal>)
+add_test(NAME Docs.Pages COMMAND ${PROJECT_SOURCE_DIR}/docs/site/build ${PROJECT_BINARY_DIR}/python
+                                 ${PROJECT_BINARY_DIR}/docs)
