@@ -7,6 +7,8 @@ BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev li
 NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind
 DOCS_DEPS := doxygen furo python3-breathe python3-myst-parser python3-sphinx
+# With what Debian packages are made.
+PACKAGE_DEPS := debhelper dh-python dpkg-dev lintian python3-setuptools
 TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck fish g++-aarch64-linux-gnu man-db qemu-user \
              mypy python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
              python3-venv python3-wheel python3-yaml zsh $(BENCH_DEPS) $(DOCS_DEPS)
@@ -14,8 +16,8 @@ TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck fish g++
 # How long `fuzz` takes with each harness, and `tsan`.
 SECONDS ?= 60
 
-.PHONY: demo test docs lint coverage fuzz tsan valgrind figures bench bench-check arm-table sbom abi \
-        build-deps test-deps bench-deps clean
+.PHONY: demo test docs lint coverage fuzz tsan valgrind figures bench bench-check arm-table package package-test \
+        sbom abi build-deps package-deps test-deps bench-deps clean
 
 ## Builds, and runs the main job.
 demo: build-deps
@@ -108,6 +110,24 @@ tsan: test-deps
 	cmake --build --preset tsan
 	QAL_THREAD_SECONDS=$(SECONDS) ctest --preset tsan
 
+## Debian packages, in out/packages.
+package: package-deps
+	@packaging/debs build/package out/packages
+	@echo
+	@echo "Made:"
+	@ls -1 out/packages/*.deb
+	@echo "To install them: sudo apt install ./out/packages/*.deb. docs/packages.md says what each is for."
+
+## Builds the packages again in another folder, at another place of the earth, and compares them; installs
+## them into an empty Debian, uses them there and removes them.
+package-test: package
+	@packaging/install-deps mmdebstrap uidmap
+	@umask 027 && TZ=Pacific/Kiritimati packaging/debs build/package-elsewhere/built build/package-elsewhere/out
+	@diff -r out/packages build/package-elsewhere/out || { \
+	  echo "The packages differ: diffoscope out/packages build/package-elsewhere/out says where" >&2; exit 1; }
+	@echo "The same bytes in another folder"
+	@tests/package/debian.sh out/packages build/package-cache
+
 ## What a release build contains, in the form of SPDX.
 sbom: build-deps
 	@packaging/install-deps python3 binutils
@@ -138,6 +158,9 @@ valgrind: test-deps
 
 build-deps:
 	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS)
+
+package-deps:
+	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS) $(PACKAGE_DEPS)
 
 test-deps:
 	@packaging/install-deps $(BUILD_DEPS) $(NODE_DEPS) $(TEST_DEPS)
