@@ -72,3 +72,23 @@ if(QAL_BUILD_TOOLS)
 endif()
 set_tests_properties(Package.WorksByFindPackage Package.WorksByPkgConfig
                      PROPERTIES FIXTURES_REQUIRED installed_tree)
+
+# Debian packages of this build's objects: built, checked by lintian, and used in an empty Debian. `make
+# package-test` compiles them as they are shipped, twice.
+find_program(QAL_DPKG_BUILDPACKAGE dpkg-buildpackage)
+find_program(QAL_LINTIAN lintian)
+find_program(QAL_MMDEBSTRAP mmdebstrap)
+if(QAL_DPKG_BUILDPACKAGE AND QAL_LINTIAN AND QAL_MMDEBSTRAP AND QAL_BUILD_PYTHON
+   AND CMAKE_BUILD_TYPE STREQUAL RelWithDebInfo AND NOT QAL_IK_SOLVER)
+  set(debian ${CMAKE_CURRENT_BINARY_DIR}/package/debian)
+  add_test(NAME Package.Debian.Builds COMMAND ${PROJECT_SOURCE_DIR}/packaging/debs ${debian}/built
+                                              ${debian}/packages)
+  set_tests_properties(
+    Package.Debian.Builds
+    PROPERTIES FIXTURES_SETUP debian_packages PROCESSORS 2
+               ENVIRONMENT "QAL_BUILD_TYPE=${CMAKE_BUILD_TYPE};QAL_OBJECTS=${PROJECT_BINARY_DIR}")
+  add_test(NAME Package.Debian.InstallsAndGoes COMMAND ${consumer}/debian.sh ${debian}/packages
+                                                       ${debian}/cache)
+  set_tests_properties(Package.Debian.InstallsAndGoes PROPERTIES FIXTURES_REQUIRED debian_packages
+                                                                 SKIP_RETURN_CODE 77)
+endif()
