@@ -2,8 +2,14 @@
 set(abi ${CMAKE_CURRENT_SOURCE_DIR}/abi)
 
 add_custom_target(update_exports)
+set(package_of_QAL_kinematics libqal-kinematics1)
+set(package_of_qal_shared libqal0)
 foreach(target QAL_kinematics ik qal_shared)
   set(arguments -DLIBRARY=$<TARGET_FILE:${target}> -DLIST=${abi}/${target}.exports)
+  if(DEFINED package_of_${target})
+    list(APPEND arguments -DVERSION=${PROJECT_VERSION}
+         -DSYMBOLS=${PROJECT_SOURCE_DIR}/packaging/debian/${package_of_${target}}.symbols)
+  endif()
   add_test(NAME Abi.Exports.${target} COMMAND ${CMAKE_COMMAND} ${arguments}
                                               -P ${abi}/exports.cmake)
   add_custom_command(TARGET update_exports POST_BUILD

@@ -1,6 +1,7 @@
 # Compares what a shared library exports and needs with the list kept for it.
-#   cmake -DLIBRARY=... -DLIST=... [-DUPDATE=ON] -P exports.cmake
-# UPDATE writes the list anew.
+#   cmake -DLIBRARY=... -DLIST=... [-DSYMBOLS=... -DVERSION=...] [-DUPDATE=ON] -P exports.cmake
+# SYMBOLS: the list of its Debian package, which says of each name since which version it is there.
+# UPDATE writes the lists anew, new names with VERSION.
 
 execute_process(COMMAND nm -D --defined-only ${LIBRARY} OUTPUT_VARIABLE symbols
                 COMMAND_ERROR_IS_FATAL ANY)
@@ -16,8 +17,29 @@ set(found "${headers}\n${found}\n")
 if(found MATCHES "\n([^T] [^\n]+)")
   message(FATAL_ERROR "${LIBRARY} exports what is no function of its own: ${CMAKE_MATCH_1}")
 endif()
+if(SYMBOLS)
+  file(STRINGS ${SYMBOLS} lines)
+  foreach(line ${lines})
+    if(line MATCHES "^ (.+)@Base ")
+      set(since_${CMAKE_MATCH_1} "${line}\n")
+    else()
+      string(APPEND packaged "${line}\n")
+    endif()
+  endforeach()
+  string(REGEX MATCHALL "\nT [^\n]+" names "${found}")
+  foreach(name ${names})
+    string(SUBSTRING ${name} 3 -1 name)
+    if(NOT DEFINED since_${name})
+      set(since_${name} " ${name}@Base ${VERSION}\n")
+    endif()
+    string(APPEND packaged "${since_${name}}")
+  endforeach()
+endif()
 if(UPDATE)
   file(WRITE ${LIST} "${found}")
+  if(SYMBOLS)
+    file(WRITE ${SYMBOLS} "${packaged}")
+  endif()
   return()
 endif()
 file(READ ${LIST} kept)
@@ -26,4 +48,10 @@ if(NOT found STREQUAL kept)
   execute_process(COMMAND diff -u ${LIST} ${LIBRARY}.exports)
   message(FATAL_ERROR "The binary interface of ${LIBRARY} is no longer ${LIST}. If callers built "
                       "earlier still work, build the target update_exports.")
+endif()
+if(SYMBOLS)
+  file(READ ${SYMBOLS} kept)
+  if(NOT packaged STREQUAL kept)
+    message(FATAL_ERROR "${SYMBOLS} is not of ${LIST}: build the target update_exports.")
+  endif()
 endif()
