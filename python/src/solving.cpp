@@ -17,7 +17,7 @@ namespace {
 static_assert(sizeof(Joints) == 6 * sizeof(double) && sizeof(Reason) == sizeof(int));
 static_assert(sizeof(Singularities) == 4 * sizeof(double));
 
-Span<const Joints> JointsOf(const Rows& rows) {
+Span<const Joints> RowsOf(const Rows& rows) {
   return {reinterpret_cast<const Joints*>(rows.data()), rows.count};
 }
 
@@ -47,13 +47,13 @@ void ExpectAll(const BatchCount& told, const py::array_t<int>& reasons) {
 Poses ForwardOf(const PyArm& self, const py::object& joints, unsigned threads,
                 const py::object& progress) {
   const Rows rows = ReadRows(joints, 6, "joints");
-  if (rows.single) return Poses(OrRaise(Forward(self.arm(), *JointsOf(rows).data)));
+  if (rows.single) return Poses(OrRaise(Forward(self.arm(), *RowsOf(rows).data)));
   Poses poses = MakePoses(rows.count, false);
   const Span<Pose> out = {Writable(poses), rows.count};
   py::array_t<int> reasons = NewReasons(rows.count);
   const Span<Reason> codes = SpanOf(reasons);
   const BatchCount told = RunUnlocked(progress, threads, rows.count, [&](const auto& options) {
-    return Forward(self.arm(), JointsOf(rows), out, codes, options);
+    return Forward(self.arm(), RowsOf(rows), out, codes, options);
   });
   ExpectAll(told, reasons);
   return poses;
@@ -70,7 +70,7 @@ py::array_t<double> JacobianOf(const PyArm& self, const py::object& joints, unsi
   py::array_t<int> reasons = NewReasons(rows.count);
   const Span<Reason> codes = SpanOf(reasons);
   const BatchCount told = RunUnlocked(progress, threads, rows.count, [&](const auto& options) {
-    return Jacobian(self.arm(), JointsOf(rows), out, codes, options);
+    return Jacobian(self.arm(), RowsOf(rows), out, codes, options);
   });
   ExpectAll(told, reasons);
   return matrices;
@@ -84,7 +84,7 @@ py::dict SingularitiesOf(const PyArm& self, const py::object& joints, unsigned t
   py::array_t<int> reasons = NewReasons(rows.count);
   const Span<Reason> codes = SpanOf(reasons);
   const BatchCount told = RunUnlocked(progress, threads, rows.count, [&](const auto& options) {
-    return DistanceToSingularities(self.arm(), JointsOf(rows), out, codes, options);
+    return DistanceToSingularities(self.arm(), RowsOf(rows), out, codes, options);
   });
   ExpectAll(told, reasons);
   py::dict named;
@@ -119,7 +119,7 @@ py::object NearestOf(const PyArm& self, const py::object& pose, const py::object
   const Rows rows = ReadRows(near, 6, "near");
   ExpectAsMany(rows, poses);
   if (poses.single()) {
-    const auto state = Nearest(self.arm(), *poses.data(), JointsOf(rows)[0], OptionsOf(step_bound));
+    const auto state = Nearest(self.arm(), *poses.data(), RowsOf(rows)[0], OptionsOf(step_bound));
     if (!state) RaiseUnsolved(*poses.data(), state.error());
     return ToArray(state->joints);
   }
@@ -128,7 +128,7 @@ py::object NearestOf(const PyArm& self, const py::object& pose, const py::object
   const Span<Reason> codes = SpanOf(found.reasons);
   const Span<const Pose> asked = {poses.data(), poses.count()};
   (void)RunUnlocked(progress, threads, poses.count(), [&](const auto& options) {
-    return Nearest(self.arm(), asked, JointsOf(rows), out, codes, OptionsOf(step_bound), options);
+    return Nearest(self.arm(), asked, RowsOf(rows), out, codes, OptionsOf(step_bound), options);
   });
   return py::cast(std::move(found));
 }
@@ -185,11 +185,11 @@ Solutions InverseOf(const PyArm& self, const py::object& pose, const py::object&
   const Poses& poses = ReadPoses(pose, "pose");
   const Rows rows = ReadRows(near, 6, "near");
   ExpectAsMany(rows, poses);
-  if (poses.single()) return OneInverse(self, poses.One("pose"), JointsOf(rows)[0], step_bound);
+  if (poses.single()) return OneInverse(self, poses.One("pose"), RowsOf(rows)[0], step_bound);
   const Span<const Pose> asked = {poses.data(), poses.count()};
   const BatchSolutions found =
       RunUnlocked(progress, threads, poses.count(), [&](const auto& options) {
-        return Inverse(self.arm(), asked, JointsOf(rows), OptionsOf(step_bound), options);
+        return Inverse(self.arm(), asked, RowsOf(rows), OptionsOf(step_bound), options);
       });
   Solutions all = {};
   all.first = Copied<int64_t>(found.first);

@@ -54,7 +54,7 @@ py::object PosesOf(const PyTrajectory& self) {
   return py::cast(*self.poses);
 }
 
-PyTrajectory Made(const py::object& time, const py::object& joints, const py::object& velocities,
+PyTrajectory MadeTrajectory(const py::object& time, const py::object& joints, const py::object& velocities,
                   const py::object& accelerations, const std::optional<Poses>& pose) {
   const Rows q = ReadRows(joints, 6, "joints");
   const py::array_t<double> t = ReadColumn(time, q.count, "time");
@@ -140,7 +140,7 @@ velocities, accelerations : (n, 6) array_like, optional
     The motion's own [rad/s, rad/s^2], not differences.
 pose : Pose, optional
     As many as samples.)")
-      .def(py::init(&Made), py::arg("time"), py::arg("joints"), py::kw_only(),
+      .def(py::init(&MadeTrajectory), py::arg("time"), py::arg("joints"), py::kw_only(),
            py::arg("velocities") = py::none(), py::arg("accelerations") = py::none(),
            py::arg("pose") = std::nullopt)
       .def_static("load", &Load, py::arg("path"),
@@ -208,7 +208,7 @@ dict
                                   self.attr("accelerations"), self.attr("pose"));
           },
           [](const py::tuple& state) {
-            return Made(state[0], state[1], state[2], state[3],
+            return MadeTrajectory(state[0], state[1], state[2], state[3],
                         state[4].cast<std::optional<Poses>>());
           }));
 }

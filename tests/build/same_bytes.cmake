@@ -1,8 +1,7 @@
 # Builds the libraries of a copy of the sources, in another folder, and compares them with those of
 # this build.
 #   cmake -DSOURCE=... -DBINARY=... -DELSEWHERE=... -DCOMPILER=... -DFLAGS=... -DBUILD_TYPE=...
-#         -DWARNINGS_AS_ERRORS=... -DIK_SOLVER=... -DUNITY_BUILD=... -DUNITY_BUILD_BATCH_SIZE=...
-#         -P same_bytes.cmake
+#         -DWARNINGS_AS_ERRORS=... -DIK_SOLVER=... -P same_bytes.cmake
 
 file(REMOVE_RECURSE ${ELSEWHERE})
 foreach(part CMakeLists.txt cmake packaging solver src)
@@ -13,8 +12,7 @@ execute_process(
     ${CMAKE_COMMAND} -S ${ELSEWHERE}/copy -B ${ELSEWHERE}/out -DCMAKE_CXX_COMPILER=${COMPILER}
     -DCMAKE_CXX_FLAGS=${FLAGS} -DCMAKE_BUILD_TYPE=${BUILD_TYPE} -DQAL_BUILD_TOOLS=OFF
     -DQAL_BUILD_EXAMPLES=OFF -DQAL_WARNINGS_AS_ERRORS=${WARNINGS_AS_ERRORS}
-    -DQAL_IK_SOLVER=${IK_SOLVER} -DCMAKE_UNITY_BUILD=${UNITY_BUILD}
-    -DCMAKE_UNITY_BUILD_BATCH_SIZE=${UNITY_BUILD_BATCH_SIZE} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+    -DQAL_IK_SOLVER=${IK_SOLVER} OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${ELSEWHERE}/out --parallel 2
                 OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
 
