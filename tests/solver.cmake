@@ -1,4 +1,5 @@
-qal_test_program(qal_solver_test SOURCES solver/reference_solver_test.cpp LIBRARIES ik)
+qal_test_program(qal_solver_test SOURCES solver/lanes_test.cpp solver/reference_solver_test.cpp
+                 LIBRARIES ik)
 target_include_directories(qal_solver_test PRIVATE ${PROJECT_SOURCE_DIR}/src)
 
 # What it solves: random poses, singular ones and near them, against its forward kinematics and

@@ -48,11 +48,12 @@ inline void ModelSinCos(const Body& body, const double* joints, SinCos<double> (
 
 /// The tool frame from model angle 1, the wrist's centre in the arm's frame and `tool`, the tool's
 /// rotation in it.
-inline Frame ToolFrame(const Body& body, const SinCos<double>& joint1, const Vector<double>& centre,
-                       const Matrix<double>& tool) {
-  const Vector<double> rotated = {{joint1.cosine * centre[0] - joint1.sine * centre[1],
-                                   joint1.sine * centre[0] + joint1.cosine * centre[1], centre[2]}};
-  const Matrix<double> rotation = body.base.rotation * Rotated<2>(joint1, tool);
+template <class T>
+QAL_INLINED FrameOf<T> ToolFrame(const Body& body, const SinCos<T>& joint1, const Vector<T>& centre,
+                                 const Matrix<T>& tool) {
+  const Vector<T> rotated = {{joint1.cosine * centre[0] - joint1.sine * centre[1],
+                              joint1.sine * centre[0] + joint1.cosine * centre[1], centre[2]}};
+  const Matrix<T> rotation = body.base.rotation * Rotated<2>(joint1, tool);
   return {rotation,
           body.base.position + body.base.rotation * rotated - rotation * body.centre_in_tool};
 }

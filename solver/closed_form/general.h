@@ -114,7 +114,7 @@ inline void AddReal(const Chain& chain, const Frame& target, const PathEnd& end,
     if (!(std::max(imaginary(j), imaginary(j + 1)) < kMostImaginary)) return;
     const auto& [sine, cosine] = end.joints.joint[j];
     const auto& [next_sine, next_cosine] = end.joints.joint[j + 1];
-    const Lanes angles = Atan2({Lanes{sine.re, next_sine.re}, Lanes{cosine.re, next_cosine.re}});
+    const Lanes angles = Atan2(SinCos<Lanes>{{sine.re, next_sine.re}, {cosine.re, next_cosine.re}});
     const Lanes both =
         WrapAngle(WrapAngle(angles - Lanes{chain.links[j].zero, chain.links[j + 1].zero}));
     joints[j] = both[0];

@@ -152,7 +152,7 @@ class OffsetWristSolver {
     const SinCos<double> angle4 = {axis5[0] * axis4.sine + axis5[2] * axis4.cosine, axis5[1]};
     const SinCos<double> angle5 = {Dot(along, across), Dot(along, axis6)};
     const auto both = [](const SinCos<double>& a, const SinCos<double>& b) {
-      return Atan2({Lanes{a.sine, b.sine}, Lanes{a.cosine, b.cosine}});
+      return Atan2(SinCos<Lanes>{{a.sine, b.sine}, {a.cosine, b.cosine}});
     };
     const Lanes first = both(angle1, angle2);
     const Lanes middle = both(angle3, angle4);

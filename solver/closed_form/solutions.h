@@ -8,11 +8,20 @@
 
 namespace qal::closed_form {
 
-/// One way to bend elbow and wrist, for both shoulders.
+/// In each lane a way to reach a target.
+template <class L>
 struct Branch {
-  Lanes angle[6];  ///< model angles
-  Mask reached;    ///< not 0 where the target is within reach so
+  L angle[6];         ///< model angles
+  MaskOf<L> reached;  ///< not 0 where the target is within reach so
 };
+
+/// Six joints [rad], each in (-pi, pi], of model angles.
+template <class L>
+QAL_INLINED void JointsOf(const Body& body, const L (&angle)[6], L (&joints)[6]) {
+  for (int j = 0; j < 6; ++j) {
+    joints[j] = WrapAngle<L>(body.direction[j] * (angle[j] - body.zero[j]));
+  }
+}
 
 using Joints = std::array<double, 6>;
 
@@ -32,20 +41,33 @@ class Solutions {
     if (count_ < kMost) joints_[count_++] = joints;
   }
 
-  /// Adds what is reached of four branches: those of the first shoulder, then of the second.
-  void Add(const Body& body, const Branch (&branches)[4]) {
-    Lanes joints[4][6];
-    for (int k = 0; k < 4; ++k) {
-      for (int j = 0; j < 6; ++j) {
-        joints[k][j] = WrapAngle(body.direction[j] * (branches[k].angle[j] - body.zero[j]));
+  /// Makes them what is reached of eight ways: those of the first shoulder, then of the second; of
+  /// these the first choice's (elbow, or wrist), then the second's.
+  /// @param branches the lanes have in turn the shoulders, and where there are four the choices;
+  ///                 where there are two, the first branches are the first choice's
+  template <class L, int count>
+  QAL_INLINED void Take(const Body& body, const Branch<L> (&branches)[count]) {
+    constexpr int kLanes = kLaneCount<L>;
+    static_assert(count * kLanes == 8);
+    double joints[count][kLanes][6];
+    bool reached[count][kLanes];
+    for (int k = 0; k < count; ++k) {
+      L lanes[6];
+      JointsOf(body, branches[k].angle, lanes);
+      StoreByLane(lanes, joints[k][0]);
+      for (int lane = 0; lane < kLanes; ++lane) {
+        reached[k][lane] = branches[k].reached[lane] != 0;
       }
     }
-    for (int side = 0; side < 2; ++side) {
-      for (int k = 0; k < 4; ++k) {
-        if (branches[k].reached[side] == 0) continue;
-        for (size_t j = 0; j < 6; ++j) joints_[count_][j] = joints[k][j][side];
-        ++count_;
-      }
+    count_ = 0;
+    for (int way = 0; way < 8; ++way) {
+      const int side = way / 4;
+      const int choice = way / 2 % 2;
+      const int lane = kLanes == 4 ? side + 2 * choice : side;
+      const int k = kLanes == 4 ? way % 2 : way % 4;
+      // Where the target isn't reached the next way takes the place.
+      for (size_t j = 0; j < 6; ++j) joints_[count_][j] = joints[k][lane][j];
+      count_ += reached[k][lane] ? 1 : 0;
     }
   }
 
@@ -53,7 +75,8 @@ class Solutions {
   void Add(const Body& body, const Joints& angles) {
     if (count_ == kMost) return;
     for (size_t j = 0; j < 6; ++j) {
-      joints_[count_][j] = WrapAngle(body.direction[j] * (angles[j] - body.zero[j]) * kOne)[0];
+      joints_[count_][j] =
+          WrapAngle<Lanes>(body.direction[j] * (angles[j] - body.zero[j]) * kOne)[0];
     }
     ++count_;
   }

@@ -18,57 +18,67 @@ struct SphericalWristArm {
   SinCos<double> skew;  ///< {0, 1} for the usual arm, whose axis 4 is at right angles to axis 3
 };
 
+template <>
+inline constexpr bool kBranchesOut<SphericalWristArm> = true;
+
 /// Whether another angle 1, of those within the indeterminacy, may reach further: whether it moves
 /// the wrist's centre by more than `reached` allows for anyway.
-inline bool IndeterminacyMatters(const SphericalWristArm& arm, const Shoulder& shoulder) {
-  return shoulder.indeterminacy * std::fabs(arm.body.lateral) > 10 * shoulder.rounding;
+template <class L>
+QAL_INLINED MaskOf<L> IndeterminacyMatters(const SphericalWristArm& arm, const L& indeterminacy,
+                                           const L& rounding) {
+  return indeterminacy * std::fabs(arm.body.lateral) > 10 * rounding;
 }
 
 /// Trial `trial` of model angle 1 where it is undetermined: any is as good.
-inline Lanes TrialRotation(const SphericalWristArm& /*arm*/, const Shoulder& shoulder, int trial) {
-  return EvenRotation(shoulder, trial);
+inline Lanes TrialRotation(const SphericalWristArm& /*arm*/, const Shoulder<Lanes>& /*shoulder*/,
+                           Lanes indeterminacy, int trial) {
+  return EvenRotation(indeterminacy, trial);
 }
 
-/// All joints for what is left of a target: shoulder front, then rear; elbow angle
-/// positive, then negative; wrist angle 5 (of the model) positive, then negative.
-inline Solutions SolveFromShoulder(const SphericalWristArm& arm, const Shoulder& shoulder) {
-  Elbow elbows[2];
-  SolveElbow(arm.body, shoulder, shoulder.x, shoulder.z, shoulder.slack * kOne, elbows);
-  Branch branches[4];
-  for (int i = 0; i < 2; ++i) {
-    const Elbow& elbow = elbows[i];
-    Matrix<Lanes> flange = Rotated<1>(Inverse(elbow.pitch * arm.lean), shoulder.flange);
-    if (arm.skew.sine != 0) flange = Rotated<2>(Inverse(arm.skew), flange);
-    // With axes 4 and 6 in one line every angle 4 does, and 0 is taken.
-    const SinCos<Lanes> first = Wrist<0>::First(flange, Wrist<0>::Bend(flange), {kZero, kOne});
-    const Wrist<0> wrist = Wrist<0>::Solve(flange, first);
-    const Wrist<0> flipped = wrist.Flipped();
-    const Mask reached = shoulder.reached & elbow.reached;
-    branches[2 * i] = {
-        {shoulder.angle, elbow.angle2, elbow.angle3, wrist.first, wrist.second, wrist.third},
-        reached};
-    branches[2 * i + 1] = {
-        {shoulder.angle, elbow.angle2, elbow.angle3, flipped.first, flipped.second, flipped.third},
-        reached};
+template <class L>
+QAL_INLINED ElbowTriangle<L> CommonTo(const SphericalWristArm& arm, const Shoulder<L>& shoulder) {
+  return TriangleTo(arm.body, shoulder.rounding, shoulder.x, shoulder.z, shoulder.slack);
+}
+
+/// The solutions with one elbow: wrist angle 5 (of the model) positive, then negative.
+/// @param elbow 1 for a positive elbow angle, -1 for a negative one
+/// @param branches out: two
+template <class L>
+QAL_INLINED void SolveChoice(const SphericalWristArm& arm, const Shoulder<L>& shoulder,
+                             const ElbowTriangle<L>& triangle, const L& elbow,
+                             Branch<L>* branches) {
+  const auto [angle2, angle3, pitch, reached] = ElbowOf(triangle, elbow);
+  Matrix<L> flange = Rotated<1>(Inverse(pitch * arm.lean), shoulder.flange);
+  if (arm.skew.sine != 0) flange = Rotated<2>(Inverse(arm.skew), flange);
+  // With axes 4 and 6 in one line every angle 4 does, and 0 is taken.
+  using W = Wrist<L, 0>;
+  const SinCos<L> first = W::First(flange, W::Bend(flange), {Each<L>(0), Each<L>(1)});
+  const W wrist = W::Solve(flange, first);
+  for (int flip = 0; flip < 2; ++flip) {
+    const W w = wrist.FlippedWhere(Each<L>(flip) > Each<L>(0));
+    branches[flip] = {{shoulder.angle, angle2, angle3, w.first, w.second, w.third},
+                      shoulder.reached & reached};
   }
-  Solutions solutions;
-  solutions.Add(arm.body, branches);
-  return solutions;
+}
+
+/// The tool frame from sines and cosines of the model angles.
+template <class T>
+QAL_INLINED FrameOf<T> ForwardOf(const SphericalWristArm& arm, const SinCos<T> (&sincos)[6]) {
+  const Body& body = arm.body;
+  Matrix<T> flange = Rotated<0>(sincos[3], Rotated<1>(sincos[4], Rotated<0>(sincos[5], body.tool)));
+  if (arm.skew.sine != 0) flange = Rotated<2>(arm.skew, flange);
+  const SinCos<T> pitch = sincos[1] * sincos[2];
+  flange = Rotated<1>(pitch * arm.lean, flange);
+  const T x = body.shoulder + body.upper_arm * sincos[1].sine + body.forearm * pitch.sine;
+  const T z = body.upper_arm * sincos[1].cosine + body.forearm * pitch.cosine;
+  return ToolFrame(body, sincos[0], Vector<T>{{x, T{} + body.lateral, z}}, flange);
 }
 
 /// The tool frame of six joints [rad].
 inline Frame Forward(const SphericalWristArm& arm, const double* joints) {
-  const Body& body = arm.body;
   SinCos<double> sincos[6];
-  ModelSinCos(body, joints, sincos);
-  Matrix<double> flange =
-      Rotated<0>(sincos[3], Rotated<1>(sincos[4], Rotated<0>(sincos[5], body.tool)));
-  if (arm.skew.sine != 0) flange = Rotated<2>(arm.skew, flange);
-  const SinCos<double> pitch = sincos[1] * sincos[2];
-  flange = Rotated<1>(pitch * arm.lean, flange);
-  const double x = body.shoulder + body.upper_arm * sincos[1].sine + body.forearm * pitch.sine;
-  const double z = body.upper_arm * sincos[1].cosine + body.forearm * pitch.cosine;
-  return ToolFrame(body, sincos[0], {{x, body.lateral, z}}, flange);
+  ModelSinCos(arm.body, joints, sincos);
+  return ForwardOf(arm, sincos);
 }
 
 }  // namespace qal::closed_form

@@ -15,7 +15,7 @@ class ClosedFormSolver final : public SolverFunctions {
   explicit ClosedFormSolver(const Geometry& geometry) : geometry_(geometry) {}
 
   bool Inverse(const double* eetrans, const double* eerot, SolutionList& solutions) const override {
-    const closed_form::Solutions found = SolveTarget(geometry_, eetrans, eerot);
+    const closed_form::Solutions found = SolveTarget(&geometry_, eetrans, eerot);
     for (const closed_form::Joints& joints : found) solutions.AddJoints(joints.data());
     return found.Count() > 0;
   }

@@ -38,11 +38,6 @@ inline Transform FromFrame(const Frame& frame) {
   return transform;
 }
 
-/// `inner` as `outer` is seen from.
-inline Frame operator*(const Frame& outer, const Frame& inner) {
-  return {outer.rotation * inner.rotation, outer.position + outer.rotation * inner.position};
-}
-
 inline Frame Inverse(const Frame& frame) {
   const Matrix3 rotation = Transposed(frame.rotation);
   return {rotation, -1.0 * (rotation * frame.position)};
