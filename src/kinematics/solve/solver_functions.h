@@ -5,6 +5,8 @@
 
 namespace qal {
 
+class BlockFunctions;
+
 /// The two functions of a solver, as `ikfast.h` defines them. Whose they are (those that the loader
 /// has found, those of a library opened at run time, a closed form of our own) is said once, where
 /// an object of a derived class is made.
@@ -15,6 +17,8 @@ class SolverFunctions {
   virtual bool Inverse(const double* eetrans, const double* eerot,
                        SolutionList& solutions) const = 0;
   virtual void Forward(const double* joints, double* eetrans, double* eerot) const = 0;
+  /// The same for many targets and joint sets at once; null where there is nothing to be gained.
+  virtual const BlockFunctions* Blocks() const { return nullptr; }
 
  protected:
   constexpr SolverFunctions() = default;

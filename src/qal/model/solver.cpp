@@ -38,7 +38,7 @@ Result<Solver> Solver::ClosedForm(const ArmDescription& description, Geometry ge
   if (!fitted) return fitted.error();
   return std::visit(
       [&](const auto& arm) {
-        using Functions = ClosedFormSolver<std::decay_t<decltype(arm)>>;
+        using Functions = SolverOf<std::decay_t<decltype(arm)>>;
         return Solver(
             std::make_shared<const Held>(Held{FamilyName(fitted->family), HashOf(fitted->model), "",
                                               std::make_shared<Functions>(arm)}));
@@ -47,7 +47,7 @@ Result<Solver> Solver::ClosedForm(const ArmDescription& description, Geometry ge
 }
 
 Solver Solver::Reference() {
-  using Functions = ClosedFormSolver<closed_form::SphericalWristArm>;
+  using Functions = SolverOf<closed_form::SphericalWristArm>;
   return Solver(std::make_shared<const Held>(
       Held{FamilyName(Family::kSphericalWrist), reference_arm::kGeometryHash, "",
            std::make_shared<Functions>(reference_arm::kArm)}));

@@ -12,9 +12,6 @@ namespace qal {
 
 namespace {
 
-// A shorter quaternion is what rounding has left of components that were to cancel.
-constexpr double kShortestQuaternion = 1e-6;
-
 std::optional<Error> RefusedRequest(const Pose& pose, const Joints& near,
                                     const InverseOptions& options) {
   if (auto refused = RefusedPose(pose)) return refused;
@@ -99,7 +96,7 @@ std::optional<Error> RefusedPose(const Pose& pose) {
   for (const double value : {position.x, position.y, position.z, q.w, q.x, q.y, q.z}) {
     if (!std::isfinite(value)) return Error{Reason::kNotFinite, -1, value};
   }
-  const double length2 = q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w;
+  const double length2 = SquareOfLength(q.w, q.x, q.y, q.z);
   if (!std::isfinite(length2)) return Error{Reason::kNotFinite, -1, length2};
   if (length2 >= kShortestQuaternion * kShortestQuaternion) return std::nullopt;
   return Error{Reason::kNotAnOrientation, -1, std::sqrt(length2)};

@@ -16,6 +16,9 @@ Result<Frame> CallForward(const Arm& arm, const Joints& joints);
 /// The quaternion of a rotation matrix, its largest component positive.
 Quat QuaternionOf(const Matrix3& m);
 
+/// A shorter quaternion is what rounding has left of components that were to cancel.
+constexpr double kShortestQuaternion = 1e-6;
+
 /// Refuses a pose that is none.
 /// @return kNotFinite; kNotAnOrientation for a quaternion too short to be a direction
 std::optional<Error> RefusedPose(const Pose& pose);
