@@ -49,6 +49,12 @@ set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
 
 # Many at once, by several threads; under the thread sanitizer as well.
 qal_test_program(qal_batch_test SOURCES qal/batch_test.cpp LIBRARIES qal_static)
+# In four lanes and in two, where the processor has more.
+foreach(hidden AVX512F AVX2)
+  add_test(NAME BatchLanes.Without.${hidden}
+           COMMAND ${CMAKE_COMMAND} -E env GLIBC_TUNABLES=glibc.cpu.hwcaps=-${hidden}
+                   $<TARGET_FILE:qal_batch_test> --gtest_filter=BatchLanes.*)
+endforeach()
 
 # The classic operations by value, vs Ikfunc's in one program.
 qal_test_program(

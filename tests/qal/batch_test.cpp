@@ -164,6 +164,91 @@ TEST(BatchThreads, StopWhenProgressSaysSoOrSomethingThrows) {
   }
 }
 
+// Joints with limits that make each of them turn on, or not at all.
+Arm WithLimits(double lower_rad, double upper_rad) {
+  ArmSettings settings;
+  for (JointSettings& joint : settings.joints) {
+    joint.lower_rad = lower_rad;
+    joint.upper_rad = upper_rad;
+  }
+  return *Arm::FromSolver(Solver::Reference(), settings);
+}
+
+Arm WithoutLimits() {
+  ArmDescription description;
+  for (auto& joint : description.joints) joint.continuous = true;
+  return *Arm::FromSolver(Solver::Reference(), description, {});
+}
+
+// A pose and reference joints, one of the two mostly odd.
+struct Request {
+  Pose pose;
+  Joints near;
+};
+
+std::vector<Request> OddRequests(const Arm& arm) {
+  std::mt19937_64 random(26);
+  std::uniform_real_distribution<double> angle(-3.1, 3.1);
+  std::vector<Request> requests(3000);
+  for (auto& [pose, near] : requests) {
+    Joints joints;
+    for (double& joint : joints) joint = angle(random);
+    const auto kind = random() % 16;
+    if (kind < 4) {  // singular ones
+      for (double& joint : joints) joint = std::round(joint) * 1.5707963267948966;
+    }
+    pose = *Forward(arm, joints);
+    near = joints;
+    double& number = near[random() % 6];
+    if (kind == 4) number = std::nan("");
+    if (kind == 5) number = 1e300;
+    if (kind == 6) number += 1e5;
+    if (kind >= 7 && kind < 11) {
+      for (double& joint : near) joint = 3 * angle(random);
+    }
+    if (kind == 11) pose.position.y = HUGE_VAL;
+    if (kind == 12) pose.orientation = {0, 0, 1e-7, 0};
+    if (kind == 13) pose.position.z += 1.5;
+    if (kind == 14) pose.position = {0, 0, pose.position.z};
+  }
+  return requests;
+}
+
+// Also by fewer lanes than the processor has: see the tests of this name that hide some.
+TEST(BatchLanes, AnswerOddRequestsAsSingleCallsDo) {
+  Transform tool;
+  tool.position = {0.01, -0.02, 0.1};
+  for (const Arm& arm : {kArm, *kArm.WithTool(tool), WithLimits(-1, 5.2), WithLimits(-7.5, 7),
+                         WithLimits(-0.5, 0.1), WithLimits(6, 12), WithoutLimits()}) {
+    std::vector<Pose> poses;
+    std::vector<Joints> near;
+    for (const auto& [pose, joints] : OddRequests(arm)) {
+      poses.push_back(pose);
+      near.push_back(joints);
+    }
+    for (const double bound : {HUGE_VAL, 0.4, 0.0, std::nan("")}) {
+      std::vector<Joints> nearest(poses.size());
+      std::vector<Reason> reasons(poses.size());
+      (void)Nearest(arm, poses, near, nearest, reasons, {bound});
+      const BatchSolutions all = Inverse(arm, poses, near, {bound});
+      for (size_t i = 0; i < poses.size(); ++i) {
+        const auto expected = Nearest(arm, poses[i], near[i], {bound});
+        ASSERT_EQ(expected ? Reason::kNone : expected.error().reason, reasons[i]) << i;
+        ASSERT_TRUE(!expected || SameBits(expected->joints, nearest[i])) << i;
+        const auto candidates = Inverse(arm, poses[i], near[i], {bound});
+        ASSERT_EQ(candidates ? candidates->size() : 0, all.first[i + 1] - all.first[i]) << i;
+        ASSERT_EQ(candidates ? Reason::kNone : candidates.error().reason, all.reasons[i]) << i;
+        for (size_t k = all.first[i]; k < all.first[i + 1]; ++k) {
+          const Candidate& candidate = (*candidates)[k - all.first[i]];
+          ASSERT_TRUE(SameBits(candidate.joints, all.joints[k])) << i;
+          ASSERT_TRUE(SameBits(candidate.distance_rad, all.distances_rad[k])) << i;
+          ASSERT_EQ(candidate.refusal ? candidate.refusal->reason : Reason::kNone, all.refusals[k]);
+        }
+      }
+    }
+  }
+}
+
 TEST(Batch, OfNothingIsDone) {
   EXPECT_EQ(0U, Forward(kArm, {}, {}).done);
   EXPECT_EQ(std::vector<size_t>{0}, Inverse(kArm, Span<const Pose>(), {}).first);
