@@ -45,10 +45,9 @@ QAL_INLINED L WrapAngle(const L& either) {
   return angle;
 }
 
-/// The angle [rad] of a sine and a cosine, in [-pi, pi], within 4e-16. The two may have a common
-/// positive factor, but not both be 0.
+/// `Atan2`, inlined.
 template <class L>
-QAL_INLINED L Atan2(const SinCos<L>& of) {
+QAL_INLINED L InlinedAtan2(const SinCos<L>& of) {
   constexpr double kTan22Degrees = 0.41421356237309503;
   // The tangent of the angle from the nearest axis, less 45 degrees where that is above 22.5.
   const L s = Abs(of.sine);
@@ -78,6 +77,15 @@ QAL_INLINED L Atan2(const SinCos<L>& of) {
 /// Beyond it the number of quarter turns no longer multiplies the parts of pi/2 without rounding
 /// [rad].
 constexpr double kLargestAngle = 1e5;
+
+/// The angle [rad] of a sine and a cosine, in [-pi, pi], within 4e-16. The two may have a common
+/// positive factor, but not both be 0.
+template <class L>
+QAL_INLINED L Atan2(const SinCos<L>& of) {
+  return InlinedAtan2(of);
+}
+/// Of two lanes, which every processor has: code in one place, not in ten.
+inline Lanes Atan2(const SinCos<Lanes>& of) { return InlinedAtan2(of); }
 
 /// Sine and cosine of as many quarter turns as a number's last two bits say.
 template <class L>

@@ -207,30 +207,32 @@ QAL_INLINED void StoreFlags(const MaskOf<L>& mask, std::int64_t* to) {
   *reinterpret_cast<There*>(to) = VectorOf(mask);  // NOLINT(*-reinterpret-cast)
 }
 
-/// Six numbers of each lane, lane after lane.
+/// Six numbers of each lane, to an address for each lane.
 template <class L>
-QAL_INLINED void StoreByLane(const L (&v)[6], double* to) {
-  if constexpr (kLaneCount<L> == 2) {
-    for (int lane = 0; lane < 2; ++lane) {
-      for (int j = 0; j < 6; ++j) to[6 * lane + j] = v[j][lane];
-    }
-  } else {
-    using Four = typename LaneVector<4>::Numbers;
-    for (int first = 0; first < kLaneCount<L>; first += 4) {
-      for (int i = 0; i < 6; i += 2) {
-        Four a;
-        Four b;
-        for (int lane = 0; lane < 4; ++lane) {
-          a[lane] = v[i][first + lane];
-          b[lane] = v[i + 1][first + lane];
-        }
-        // Of the first and the third lane, and of the second and the fourth.
-        const Four even = __builtin_shufflevector(a, b, 0, 4, 2, 6);
-        const Four odd = __builtin_shufflevector(a, b, 1, 5, 3, 7);
-        for (int k = 0; k < 4; ++k) {
-          to[6 * (first + k / 2 * 2) + i + k % 2] = even[k];
-          to[6 * (first + k / 2 * 2 + 1) + i + k % 2] = odd[k];
-        }
+QAL_INLINED void StoreByLane(const L (&v)[6], double* const (&to)[kLaneCount<L>]) {
+  constexpr int kStep = kLaneCount<L> == 2 ? 2 : 4;
+  using Few = typename LaneVector<kStep>::Numbers;
+  for (int first = 0; first < kLaneCount<L>; first += kStep) {
+    for (int i = 0; i < 6; i += 2) {
+      Few a;
+      Few b;
+      for (int lane = 0; lane < kStep; ++lane) {
+        a[lane] = v[i][first + lane];
+        b[lane] = v[i + 1][first + lane];
+      }
+      // Pairs of every other lane.
+      Few even;
+      Few odd;
+      if constexpr (kStep == 2) {
+        even = __builtin_shufflevector(a, b, 0, 2);
+        odd = __builtin_shufflevector(a, b, 1, 3);
+      } else {
+        even = __builtin_shufflevector(a, b, 0, 4, 2, 6);
+        odd = __builtin_shufflevector(a, b, 1, 5, 3, 7);
+      }
+      for (int lane = 0; lane < kStep; ++lane) {
+        const Few& pairs = lane % 2 == 0 ? even : odd;
+        for (int k = 0; k < 2; ++k) to[first + lane][i + k] = pairs[lane / 2 * 2 + k];
       }
     }
   }

@@ -49,25 +49,22 @@ class Solutions {
   QAL_INLINED void Take(const Body& body, const Branch<L> (&branches)[count]) {
     constexpr int kLanes = kLaneCount<L>;
     static_assert(count * kLanes == 8);
-    double joints[count][kLanes][6];
-    bool reached[count][kLanes];
-    for (int k = 0; k < count; ++k) {
-      L lanes[6];
-      JointsOf(body, branches[k].angle, lanes);
-      StoreByLane(lanes, joints[k][0]);
-      for (int lane = 0; lane < kLanes; ++lane) {
-        reached[k][lane] = branches[k].reached[lane] != 0;
-      }
-    }
+    // Where each way goes: those that aren't reached all to the last place, where nobody looks.
+    double* to[count][kLanes];
     count_ = 0;
     for (int way = 0; way < 8; ++way) {
       const int side = way / 4;
       const int choice = way / 2 % 2;
       const int lane = kLanes == 4 ? side + 2 * choice : side;
       const int k = kLanes == 4 ? way % 2 : way % 4;
-      // Where the target isn't reached the next way takes the place.
-      for (size_t j = 0; j < 6; ++j) joints_[count_][j] = joints[k][lane][j];
-      count_ += reached[k][lane] ? 1 : 0;
+      const bool reached = branches[k].reached[lane] != 0;
+      to[k][lane] = joints_[reached ? count_ : kMost - 1].data();
+      count_ += reached ? 1 : 0;
+    }
+    for (int k = 0; k < count; ++k) {
+      L joints[6];
+      JointsOf(body, branches[k].angle, joints);
+      StoreByLane(joints, to[k]);
     }
   }
 

@@ -37,8 +37,9 @@ QAL_INLINED void SolveFromShoulder(const Arm& arm, const Shoulder<L>& shoulder,
   const auto common = CommonTo(arm, shoulder);
   if constexpr (kLaneCount<L> == 2) {
     Branch<L> branches[4];
-    SolveChoice(arm, shoulder, common, Each<L>(1), &branches[0]);
-    SolveChoice(arm, shoulder, common, Each<L>(-1), &branches[2]);
+    for (int k = 0; k < 2; ++k) {
+      SolveChoice(arm, shoulder, common, Each<L>(1 - 2 * k), &branches[2 * k]);
+    }
     solutions.Take(arm.body, branches);
   } else {
     Branch<L> branches[2];
@@ -106,7 +107,7 @@ template <class Arm>
 /// All joints for the tool frame `target`.
 /// @param held a pointer to an arm, or what is like one
 template <class Held>
-Solutions SolveHeld(const Held& held, const Frame& target) {
+[[gnu::noinline]] Solutions SolveHeld(const Held& held, const Frame& target) {
   using Arm = std::decay_t<decltype(*held)>;
   if constexpr (kBranchesOut<Arm>) {
     // Rounding is judged by the size of the position: by an infinite one, all is within reach.

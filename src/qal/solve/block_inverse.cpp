@@ -45,6 +45,13 @@ struct EncodeBlock {
   }
 };
 
+template <class L>
+QAL_INLINED void StoreJoints(const L (&joints)[6], Joints* to) {
+  double* by_lane[kLaneCount<L>];
+  for (int lane = 0; lane < kLaneCount<L>; ++lane) by_lane[lane] = to[lane].data();
+  StoreByLane(joints, by_lane);
+}
+
 // One way, judged.
 template <class L>
 struct JudgedWay {
@@ -171,7 +178,7 @@ struct ChooseNearest {
       solved = solved | reached;
       odd = odd | (reached & way.odd);
     }
-    StoreByLane(joints, nearest[first].data());
+    StoreJoints(joints, &nearest[first]);
     StoreFlags<L>(solved, &outcome.solved[first]);
     StoreFlags<L>(admissible, &outcome.admissible[first]);
     StoreFlags<L>(step, &outcome.step[first]);
@@ -193,7 +200,7 @@ struct JudgeAll {
       for (int k = 0; k < 8; ++k) {
         const M reached = LoadFlags<L>(&ways.reached[k][first]);
         const JudgedWay<L> way = JudgeWay(ways.way[k], reference, inverse, first);
-        StoreByLane(way.joints, answers.joints[k][first].data());
+        StoreJoints(way.joints, &answers.joints[k][first]);
         Store(way.distance, &answers.distance_rad[k][first]);
         StoreFlags<L>(reached, &answers.reached[k][first]);
         StoreFlags<L>((way.range & kForRange) | (way.step & kForStep), &answers.refused[k][first]);
