@@ -30,7 +30,7 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
   size_t AddSolution(const std::vector<Joint>& vinfos, const std::vector<int>& vfree) override {
     if (vinfos.size() == size_t{kJointCount} && vfree.empty() && kept_count_ < kMostKept &&
         _listsolutions.empty()) {
-      std::uninitialized_copy(vinfos.begin(), vinfos.end(), kept_[kept_count_]);
+      std::uninitialized_copy_n(vinfos.begin(), kJointCount, kept_[kept_count_]);
       return kept_count_++;
     }
     MoveToList();

@@ -114,6 +114,7 @@ Result<std::vector<Candidate>> Inverse(const Arm& arm, const Pose& pose, const J
     if (!arm.functions().Inverse(eetrans, eerot, solutions)) return Error{Reason::kOutOfReach};
     const SolutionJudge judge(arm, near, options.step_bound_rad);
     std::vector<Candidate> candidates;
+    candidates.reserve(solutions.GetNumSolutions());
     solutions.ForEach([&](const double* joints) { candidates.push_back(judge(joints)); });
     if (candidates.empty()) {
       return Error{Reason::kSolverFault, -1, 0, 0, "ComputeIk says solved, without six joints"};
