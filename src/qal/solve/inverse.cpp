@@ -28,6 +28,10 @@ std::optional<Error> RefusedRequest(const Pose& pose, const Joints& near,
 // `angle` and whole turns: of those within the limits the one nearest `near`; where none is within,
 // the one nearest the limits.
 double TakenOn(double angle, double near, const JointRange& range) {
+  // Mostly no other turn is within the limits, wherever `near` is.
+  constexpr double kTurn = 2 * kPi;
+  const bool within = angle >= range.lower && angle <= range.upper;
+  if (within && angle + kTurn > range.upper && angle - kTurn < range.lower) return angle;
   const auto turned = [angle](double turns) {
     // Without turns the solver's angle to the last digit.
     return turns == 0 ? angle : angle + turns * (2 * kPi);
@@ -89,6 +93,32 @@ class SolutionJudge {
   JointRange ranges_[kJointCount] = {};
 };
 
+// Calls visit(candidate) with every solution of a pose, in the solver's order.
+// @return how many; the errors of `Inverse`
+template <class Visit>
+Result<size_t> VisitCandidates(const Arm& arm, const Pose& pose, const Joints& near,
+                               const InverseOptions& options, Visit visit) {
+  if (const std::optional<Error> refused = RefusedRequest(pose, near, options)) return *refused;
+  double eerot[9];
+  double eetrans[3];
+  const auto& [position, q] = pose;
+  EncodePose({position.x, position.y, position.z}, {q.w, q.x, q.y, q.z}, eerot, eetrans);
+  return CatchingSolver([&]() -> Result<size_t> {
+    SolutionList solutions;
+    if (!arm.functions().Inverse(eetrans, eerot, solutions)) return Error{Reason::kOutOfReach};
+    const SolutionJudge judge(arm, near, options.step_bound_rad);
+    size_t count = 0;
+    solutions.ForEach([&](const double* joints) {
+      visit(judge(joints));
+      ++count;
+    });
+    if (count == 0) {
+      return Error{Reason::kSolverFault, -1, 0, 0, "ComputeIk says solved, without six joints"};
+    }
+    return count;
+  });
+}
+
 }  // namespace
 
 std::optional<Error> RefusedPose(const Pose& pose) {
@@ -104,29 +134,18 @@ std::optional<Error> RefusedPose(const Pose& pose) {
 
 Result<std::vector<Candidate>> Inverse(const Arm& arm, const Pose& pose, const Joints& near,
                                        const InverseOptions& options) {
-  if (const std::optional<Error> refused = RefusedRequest(pose, near, options)) return *refused;
-  double eerot[9];
-  double eetrans[3];
-  const auto& [position, q] = pose;
-  EncodePose({position.x, position.y, position.z}, {q.w, q.x, q.y, q.z}, eerot, eetrans);
-  return CatchingSolver([&]() -> Result<std::vector<Candidate>> {
-    SolutionList solutions;
-    if (!arm.functions().Inverse(eetrans, eerot, solutions)) return Error{Reason::kOutOfReach};
-    const SolutionJudge judge(arm, near, options.step_bound_rad);
-    std::vector<Candidate> candidates;
-    candidates.reserve(solutions.GetNumSolutions());
-    solutions.ForEach([&](const double* joints) { candidates.push_back(judge(joints)); });
-    if (candidates.empty()) {
-      return Error{Reason::kSolverFault, -1, 0, 0, "ComputeIk says solved, without six joints"};
-    }
-    return candidates;
-  });
+  constexpr size_t kMostOfFamily = 8;
+  std::vector<Candidate> candidates;
+  candidates.reserve(kMostOfFamily);
+  const Result<size_t> count =
+      VisitCandidates(arm, pose, near, options,
+                      [&](Candidate&& candidate) { candidates.push_back(std::move(candidate)); });
+  if (!count) return count.error();
+  return candidates;
 }
 
 Result<State> Nearest(const Arm& arm, const Pose& pose, const Joints& near,
                       const InverseOptions& options) {
-  const Result<std::vector<Candidate>> candidates = Inverse(arm, pose, near, options);
-  if (!candidates) return candidates.error();
   // Admissible ones first, then by distance; the earlier one in a tie. A distance that is no number
   // is behind every other.
   const auto before = [](const Candidate& a, const Candidate& b) {
@@ -134,7 +153,12 @@ Result<State> Nearest(const Arm& arm, const Pose& pose, const Joints& near,
     return a.distance_rad < b.distance_rad ||
            (std::isnan(b.distance_rad) && !std::isnan(a.distance_rad));
   };
-  const auto nearest = std::min_element(candidates->begin(), candidates->end(), before);
+  std::optional<Candidate> nearest;
+  const Result<size_t> count =
+      VisitCandidates(arm, pose, near, options, [&](Candidate&& candidate) {
+        if (!nearest || before(candidate, *nearest)) nearest = std::move(candidate);
+      });
+  if (!count) return count.error();
   if (nearest->refusal) return *nearest->refusal;
   return State{nearest->joints, pose};
 }
