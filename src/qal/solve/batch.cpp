@@ -10,7 +10,7 @@
 #include "../../kinematics/solve/solver_functions.h"
 #include "batch_run.h"
 #include "block_forward.h"
-#include "block_inverse.h"
+#include "chunk_solver.h"
 
 namespace qal {
 
@@ -27,33 +27,39 @@ JacobianMatrix NoJacobian() {
   return matrix;
 }
 
-// Whether element `k` of a block is answered.
-bool IsIn(unsigned answered, size_t k) { return (answered >> k & 1U) != 0; }
+// Answers a block of elements from element `i` on: those that `block(i, size, found)` says it has
+// answered, with their reasons, and the others by `answer`.
+// @return how many have no answer
+template <class T, class Answer, class Block>
+size_t AnswerBlock(size_t i, size_t size, Span<T> answers, const T& none, Span<Reason> reasons,
+                   Answer answer, Block block) {
+  Reason found[kBlock] = {};
+  const unsigned answered = block(i, static_cast<int>(size), found);
+  size_t without = 0;
+  for (size_t k = 0; k < size; ++k) {
+    if ((answered >> k & 1U) == 0) {
+      const auto result = answer(i + k);
+      answers[i + k] = result ? *result : none;
+      found[k] = result ? Reason::kNone : result.error().reason;
+    }
+    without += found[k] == Reason::kNone ? 0 : 1;
+    if (reasons.size > 0) reasons[i + k] = found[k];
+  }
+  return without;
+}
 
-// `answer(i)` for each element, but for those of a block from element `i` on that `block(i, count)`
-// answers, with their reasons. It returns which, from the lowest bit on.
+// `answer(i)` for each element, but for those of a block from element `i` on that
+// `block(i, count, reasons)` answers. It returns which, from the lowest bit on.
 template <class T, class Answer, class Block>
 BatchCount AnswerAll(size_t count, Span<T> answers, const T& none, Span<Reason> reasons,
                      const BatchOptions& options, Answer answer, Block block) {
   std::atomic<size_t> refused{0};
   BatchCount told;
   told.done = RunBatch(count, options, [&](size_t begin, size_t end) {
-    size_t without = 0;
     for (size_t i = begin; i < end; i += kBlock) {
       const size_t size = std::min<size_t>(kBlock, end - i);
-      Reason found[kBlock] = {};
-      const unsigned answered = block(i, static_cast<int>(size), found);
-      for (size_t k = 0; k < size; ++k) {
-        if (!IsIn(answered, k)) {
-          const auto result = answer(i + k);
-          answers[i + k] = result ? *result : none;
-          found[k] = result ? Reason::kNone : result.error().reason;
-        }
-        if (found[k] != Reason::kNone) ++without;
-        if (reasons.size > 0) reasons[i + k] = found[k];
-      }
+      refused += AnswerBlock(i, size, answers, none, reasons, answer, block);
     }
-    refused += without;
   });
   told.refused = refused;
   return told;
@@ -65,120 +71,6 @@ BatchCount AnswerAll(size_t count, Span<T> answers, const T& none, Span<Reason> 
   return AnswerAll(count, answers, none, reasons, options, answer,
                    [](size_t, int, Reason*) { return 0U; });
 }
-
-const Joints& NearOf(Span<const Joints> near, size_t i) { return near[near.size == 1 ? 0 : i]; }
-
-RequestBlock RequestsFrom(Span<const Pose> poses, Span<const Joints> near, size_t i, int count) {
-  return {&poses[i], &NearOf(near, i), near.size == 1, count};
-}
-
-// What solves a batch block by block: null where poses go one by one.
-const BlockFunctions* BlocksOf(const Arm& arm, const InverseOptions& inverse) {
-  // Written so that NaN goes one by one, and is refused there.
-  return inverse.step_bound_rad >= 0 ? arm.functions().Blocks() : nullptr;
-}
-
-// The solutions of a chunk of poses: room for the most that a family of arms has of each, which a
-// solver library may need more than.
-class ChunkSolutions {
- public:
-  ChunkSolutions() = default;
-  explicit ChunkSolutions(size_t poses) {
-    constexpr size_t kMostOfFamily = 8;
-    counts.reserve(poses);
-    Grow(kMostOfFamily * poses);
-  }
-
-  void Add(const Joints& solution, double distance_rad, Reason refusal) {
-    if (size == room_) Grow(2 * room_);
-    joints[size] = solution;
-    distances_rad[size] = distance_rad;
-    refusals[size] = refusal;
-    ++size;
-  }
-
-  std::vector<size_t> counts = {};
-  // Of the first `size` elements; the others are not even cleared.
-  std::unique_ptr<Joints[]> joints = {};
-  std::unique_ptr<double[]> distances_rad = {};
-  std::unique_ptr<Reason[]> refusals = {};
-  size_t size = 0;
-
- private:
-  template <class T>
-  void Grow(size_t room, std::unique_ptr<T[]>& array) const {
-    std::unique_ptr<T[]> larger(new T[room]);
-    std::copy_n(array.get(), size, larger.get());
-    array = std::move(larger);
-  }
-  void Grow(size_t room) {
-    Grow(room, joints);
-    Grow(room, distances_rad);
-    Grow(room, refusals);
-    room_ = room;
-  }
-
-  size_t room_ = 0;
-};
-
-class ChunkSolver {
- public:
-  ChunkSolver(const Arm& arm, Span<const Pose> poses, Span<const Joints> near,
-              const InverseOptions& inverse)
-      : arm_(arm), poses_(poses), near_(near), inverse_(inverse) {
-    if (const BlockFunctions* const blocks = BlocksOf(arm, inverse)) {
-      blocks_.emplace(arm, *blocks, inverse.step_bound_rad);
-    }
-  }
-
-  ChunkSolutions operator()(size_t begin, size_t end, std::vector<Reason>& reasons) const {
-    ChunkSolutions solved(end - begin);
-    for (size_t i = begin; i < end; i += kBlock) {
-      const size_t size = std::min<size_t>(kBlock, end - i);
-      CandidateBlock block;
-      if (blocks_) {
-        CandidatesOfBlock(*blocks_, RequestsFrom(poses_, near_, i, static_cast<int>(size)), block);
-      }
-      for (size_t k = 0; k < size; ++k) {
-        const size_t before = solved.size;
-        reasons[i + k] =
-            blocks_ && block.alone[k] == 0 ? AddOfBlock(block, k, solved) : AddAlone(i + k, solved);
-        solved.counts.push_back(solved.size - before);
-      }
-    }
-    return solved;
-  }
-
- private:
-  static Reason AddOfBlock(const CandidateBlock& block, size_t k, ChunkSolutions& solved) {
-    Reason reason = Reason::kOutOfReach;
-    for (size_t way = 0; way < 8; ++way) {
-      if (block.reached[way][k] == 0) continue;
-      const std::int64_t refused = block.refused[way][k];
-      solved.Add(block.joints[way][k], block.distance_rad[way][k],
-                 refused == 0           ? Reason::kNone
-                 : refused == kForRange ? Reason::kJointRange
-                                        : Reason::kStepBound);
-      reason = Reason::kNone;
-    }
-    return reason;
-  }
-
-  Reason AddAlone(size_t i, ChunkSolutions& solved) const {
-    const auto candidates = Inverse(arm_, poses_[i], NearOf(near_, i), inverse_);
-    if (!candidates) return candidates.error().reason;
-    for (const auto& [joints, distance_rad, refusal] : *candidates) {
-      solved.Add(joints, distance_rad, refusal ? refusal->reason : Reason::kNone);
-    }
-    return Reason::kNone;
-  }
-
-  const Arm& arm_;
-  Span<const Pose> poses_;
-  Span<const Joints> near_;
-  const InverseOptions& inverse_;
-  std::optional<BlockInverse> blocks_;
-};
 
 template <class T>
 void Append(const std::unique_ptr<T[]>& from, size_t size, std::vector<T>& to) {
@@ -201,21 +93,19 @@ BatchCount Forward(const Arm& arm, Span<const Joints> joints, Span<Pose> poses,
 BatchCount Nearest(const Arm& arm, Span<const Pose> poses, Span<const Joints> near,
                    Span<Joints> joints, Span<Reason> reasons, const InverseOptions& inverse,
                    const BatchOptions& options) {
-  std::optional<BlockInverse> blocks;
-  if (const BlockFunctions* const functions = BlocksOf(arm, inverse)) {
-    blocks.emplace(arm, *functions, inverse.step_bound_rad);
-  }
+  const BatchRequests requests = {poses, near};
+  const std::optional<BlockInverse> blocks = BlocksFor(arm, inverse);
   return AnswerAll(
       poses.size, joints, kNoJoints, reasons, options,
       [&](size_t i) -> Result<Joints> {
-        const auto state = Nearest(arm, poses[i], NearOf(near, i), inverse);
+        const auto state = Nearest(arm, poses[i], requests.Near(i), inverse);
         if (!state) return state.error();
         return state->joints;
       },
       [&](size_t i, int count, Reason* found) {
         if (!blocks) return 0U;
         NearestBlock block;
-        NearestOfBlock(*blocks, RequestsFrom(poses, near, i, count), block);
+        NearestOfBlock(*blocks, requests.Block(i, count), block);
         unsigned answered = 0;
         for (int k = 0; k < count; ++k) {
           if (block.alone[k]) continue;
@@ -233,7 +123,8 @@ BatchSolutions Inverse(const Arm& arm, Span<const Pose> poses, Span<const Joints
   BatchSolutions all;
   all.reasons.resize(poses.size);
   std::vector<ChunkSolutions> chunks((poses.size + kBatchChunk - 1) / kBatchChunk);
-  const ChunkSolver solve(arm, poses, near, inverse);
+  const BatchRequests requests = {poses, near};
+  const ChunkSolver solve(arm, requests, inverse);
   all.done = RunBatch(poses.size, options, [&](size_t begin, size_t end) {
     chunks[begin / kBatchChunk] = solve(begin, end, all.reasons);
   });
