@@ -32,6 +32,7 @@ using Cases = std::vector<Case>;
 // Each adds a family of cases; `work` has to outlive them.
 void AddKinematics(const Workload& work, Cases& cases);    ///< solver, forward, inverse, jog
 void AddTrajectories(const Workload& work, Cases& cases);  ///< lines and joint moves
+void AddLanes(const Workload& work, Cases& cases);  ///< the solver by number of lanes; batches
 void AddArms(Cases& cases);      ///< solvers of arms near a family and of the other families
 void AddMoves(Cases& cases);     ///< joint moves within limits, and their samples
 void AddPlayback(Cases& cases);  ///< stops of programs, decided cycle by cycle

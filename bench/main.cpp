@@ -8,8 +8,9 @@
 #include "case.h"
 
 // Two uses: times every case with Google Benchmark and its options, or, with --once, runs each
-// once over a small workload and says whether it did what it should. Under callgrind the latter
-// dumps the instruction count of every case of ours.
+// once over a small workload and says whether it did what it should; with --once=lanes those alone
+// that make use of wide lanes. Under callgrind it dumps the instruction count of every case of
+// ours.
 
 namespace qal::bench {
 namespace {
@@ -22,6 +23,7 @@ Cases AllCases(const Workload& work) {
   AddKinematics(work, cases);
   AddTrajectories(work, cases);
   AddLines(work, cases);
+  AddLanes(work, cases);
   AddArms(cases);
   AddMoves(cases);
   AddPlayback(cases);
@@ -30,10 +32,17 @@ Cases AllCases(const Workload& work) {
   return cases;
 }
 
-int RunOnce() {
+Cases CasesInLanes(const Workload& work) {
+  Cases cases;
+  AddKinematics(work, cases);
+  AddLanes(work, cases);
+  return cases;
+}
+
+int RunOnce(bool lanes_alone) {
   const Workload work = MakeWorkload(kCountedPoses);
   int failures = 0;
-  for (const Case& one : AllCases(work)) {
+  for (const Case& one : lanes_alone ? CasesInLanes(work) : AllCases(work)) {
     if (one.kind == Kind::kScaling && one.items > 10000) continue;
     const bool counted = one.kind == Kind::kOurs;
     if (counted) (void)one.run();  // so that what happens at the first call only isn't counted
@@ -81,6 +90,7 @@ int TimeAll(int argc, char** argv) {
 }  // namespace qal::bench
 
 int main(int argc, char** argv) {
-  if (argc == 2 && std::string_view(argv[1]) == "--once") return qal::bench::RunOnce();
+  const std::string_view once = argc == 2 ? argv[1] : "";
+  if (once == "--once" || once == "--once=lanes") return qal::bench::RunOnce(once != "--once");
   return qal::bench::TimeAll(argc, argv);
 }

@@ -50,6 +50,16 @@ RATIOS = [
     ("sample of six joints", "plan/sample", "ArmFk", "fk/ArmFk", 0.35),
     ("cycle of a playback", "play/stop and resume", "ArmIk", "ik/ArmIk", 12),
     ("line within limits", "line/limited", "its waypoints' solves", "line/its solves", 3),
+    ("one pose in 4 lanes", "lanes/one pose in 4", "in 2", "lanes/one pose in 2", None),
+    ("a pose each in 2 lanes", "lanes/a pose each in 2", "one pose in 2", "lanes/one pose in 2",
+     None),
+    ("a pose each in 4 lanes", "lanes/a pose each in 4", "one pose in 2", "lanes/one pose in 2",
+     None),
+    ("a pose each in 8 lanes", "lanes/a pose each in 8", "one pose in 2", "lanes/one pose in 2",
+     None),
+    ("batch of Nearest", "batch/nearest", "one pose in 2 lanes", "lanes/one pose in 2", None),
+    ("batch of Inverse", "batch/all", "one pose in 2 lanes", "lanes/one pose in 2", None),
+    ("batch of Forward", "batch/forward", "ArmFk", "fk/ArmFk", 0.35),
     ("near a spherical wrist", "arm/spherical wrist", "its nearest member",
      "arm/spherical wrist nominal", 7.0),
     ("near three parallel axes", "arm/parallel axes", "its nearest member",
@@ -93,6 +103,8 @@ def table(head, rows):
 def compare(times):
     ratios = []
     for what, ours, beside, other, target in RATIOS:
+        if ours not in times and ours.startswith("lanes/"):
+            continue  # the processor has not so many
         ratio = statistics.median(times[ours]) / statistics.median(times[other])
         ratios.append({"what": what, "beside": beside, "ratio": ratio, "target": target,
                        "spread": spread(times[ours]) + spread(times[other])})
@@ -157,7 +169,7 @@ def main():
     parser.add_argument("--repetitions", type=int, default=15)
     arguments = parser.parse_args()
 
-    times = run(arguments.timer, "^(fk|ik|jog|line|joint|arm|plan)/", arguments.repetitions, core=0)
+    times = run(arguments.timer, "^(fk|ik|jog|line|joint|arm|plan|play|lanes|batch)/", arguments.repetitions, core=0)
     scaling = run(arguments.timer, "^scaling/", 5, core=0)
     threads = run(arguments.timer, "^threads/", arguments.repetitions)
     memory = measure_memory(arguments.memory)

@@ -1,0 +1,105 @@
+#include <benchmark/benchmark.h>
+
+#include <memory>
+
+#include "../solver/reference_arm.h"
+#include "../src/qal/model/block_functions.h"
+#include "../src/qal/solve/batch.h"
+#include "case.h"
+
+// The reference arm's solver by number of lanes, as far as the processor has them, and batches.
+
+namespace qal::bench {
+
+namespace {
+
+using closed_form::Frame;
+using closed_form::RunInLanes;
+
+// Targets, as they are and in blocks, and the joints that they are of.
+struct Targets {
+  std::vector<Frame> frames;
+  std::vector<FrameBlock> blocks;
+  std::vector<Pose> poses;
+  std::vector<Joints> joints;
+};
+
+Targets TargetsOf(const Workload& work) {
+  const size_t blocks = work.joints.size() / kBlock;
+  Targets targets;
+  targets.joints.assign(work.joints.begin(), work.joints.begin() + blocks * kBlock);
+  targets.blocks.resize(blocks);
+  const Arm arm = Arm::Reference();
+  for (size_t i = 0; i < targets.joints.size(); ++i) {
+    const Frame frame = Forward(reference_arm::kArm, targets.joints[i].data());
+    FrameBlock& block = targets.blocks[i / kBlock];
+    for (int k = 0; k < 3; ++k) block.position[k][i % kBlock] = frame.position[k];
+    for (int k = 0; k < 9; ++k) block.rotation[k][i % kBlock] = frame.rotation[k / 3][k % 3];
+    targets.frames.push_back(frame);
+    targets.poses.push_back(*Forward(arm, targets.joints[i]));
+  }
+  return targets;
+}
+
+Case OnePose(int lanes, const std::shared_ptr<const Targets>& targets) {
+  return {"lanes/one pose in " + std::to_string(lanes), Kind::kPeer, targets->frames.size(),
+          [lanes, targets] {
+            size_t done = 0;
+            const closed_form::KnownArm<reference_arm::kArm> held;
+            for (const Frame& frame : targets->frames) {
+              closed_form::Solutions solutions;
+              bool unsettled = false;
+              RunInLanes<closed_form::FirstChoice, 4>(lanes, held, frame, solutions, unsettled);
+              done += solutions.Count() > 0 ? 1 : 0;
+            }
+            return done;
+          }};
+}
+
+Case Block(int lanes, const std::shared_ptr<const Targets>& targets) {
+  return {"lanes/a pose each in " + std::to_string(lanes), Kind::kPeer, targets->frames.size(),
+          [lanes, targets] {
+            size_t done = 0;
+            for (const FrameBlock& block : targets->blocks) {
+              WaysBlock ways;
+              RunInLanes<closed_form::SolveBlock, kBlock>(lanes, reference_arm::kArm, block, ways);
+              benchmark::DoNotOptimize(ways);
+              done += kBlock;
+            }
+            return done;
+          }};
+}
+
+}  // namespace
+
+void AddLanes(const Workload& work, Cases& cases) {
+  const auto targets = std::make_shared<const Targets>(TargetsOf(work));
+  const size_t count = targets->poses.size();
+  for (int lanes = 2; lanes <= closed_form::WidestLanes(); lanes *= 2) {
+    if (lanes <= 4) cases.push_back(OnePose(lanes, targets));
+    cases.push_back(Block(lanes, targets));
+  }
+  const auto add = [&](const char* name, Kind kind, unsigned threads, auto batch) {
+    cases.push_back({name, kind, count, [=] {
+                       const size_t refused = batch(*targets, BatchOptions{threads});
+                       return count - refused;
+                     }});
+  };
+  const Arm arm = Arm::Reference();
+  const auto nearest = [arm](const Targets& of, const BatchOptions& options) {
+    std::vector<Joints> joints(of.poses.size());
+    return Nearest(arm, of.poses, of.joints, joints, {}, {}, options).refused;
+  };
+  add("batch/nearest", Kind::kOurs, 1, nearest);
+  add("batch/all", Kind::kOurs, 1, [arm](const Targets& of, const BatchOptions& options) {
+    const BatchSolutions all = Inverse(arm, of.poses, of.joints, {}, options);
+    return of.poses.size() - all.done;
+  });
+  add("batch/forward", Kind::kOurs, 1, [arm](const Targets& of, const BatchOptions& options) {
+    std::vector<Pose> poses(of.joints.size());
+    return Forward(arm, of.joints, poses, {}, options).refused;
+  });
+  add("batch/nearest on two cores", Kind::kPeer, 2, nearest);
+}
+
+}  // namespace qal::bench
