@@ -1,6 +1,13 @@
 #ifndef QAL_SOLVER_CLOSED_FORM_WIDEST_H_
 #define QAL_SOLVER_CLOSED_FORM_WIDEST_H_
 
+#ifdef __x86_64__
+#include <cpuid.h>
+
+#include <cstdlib>
+#include <cstring>
+#endif
+
 #include "lanes.h"
 
 /// The same code for two, four or eight lanes, as many as the processor takes at once. Every
@@ -8,27 +15,36 @@
 namespace qal::closed_form {
 
 #ifdef __x86_64__
-/// What glibc knows of the processor (`sys/platform/x86.h`, which not every compiler takes), by
-/// leaves of the CPUID instruction. An older one, or another C library, has no such function.
-struct ProcessorFeatures {
-  unsigned present[4];
-  unsigned active[4];  ///< what programs can use
-};
-extern "C" const ProcessorFeatures* QalProcessorFeatures(unsigned leaf) __asm__(
-    "__x86_get_cpuid_feature_leaf") __attribute__((weak));
+/// Whether the processor has lanes, the system keeps them from one program to the next, and the
+/// user doesn't hide them, as one does from the C library: GLIBC_TUNABLES=glibc.cpu.hwcaps=-AVX2.
+/// @param features in EBX of leaf 7 of the CPUID instruction
+/// @param state    bits of the register XCR0
+inline bool HasLanes(unsigned features, unsigned state, const char* hidden_by) {
+  unsigned eax = 0;
+  unsigned ebx = 0;
+  unsigned ecx = 0;
+  unsigned edx = 0;
+  constexpr unsigned kTellsState = 1U << 27;
+  if (__get_cpuid(1, &eax, &ebx, &ecx, &edx) == 0 || (ecx & kTellsState) == 0) return false;
+  __asm__("xgetbv" : "=a"(eax), "=d"(edx) : "c"(0));
+  if ((eax & state) != state) return false;
+  if (__get_cpuid_count(7, 0, &eax, &ebx, &ecx, &edx) == 0) return false;
+  const char* const tunables = std::getenv("GLIBC_TUNABLES");  // NOLINT(concurrency-mt-unsafe)
+  const bool hidden = tunables != nullptr && std::strstr(tunables, hidden_by) != nullptr;
+  return (ebx & features) == features && !hidden;
+}
 #endif
 
-/// How many: what the C library says, which can be told to hide what the processor has
-/// (GLIBC_TUNABLES). Where it says nothing, two.
+/// How many there are here.
 inline int FindWidestLanes() {
 #ifdef __x86_64__
-  if (&QalProcessorFeatures == nullptr) return 2;
   constexpr unsigned kAvx2 = 1U << 5;
   constexpr unsigned kAvx512 = 1U << 16 | 1U << 17 | 1U << 31;  // F, DQ and VL
-  const unsigned has = QalProcessorFeatures(1)->active[1];      // of leaf 7: EBX
-  if ((has & kAvx2) != 0) return (has & kAvx512) == kAvx512 ? 8 : 4;
-#endif
+  if (!HasLanes(kAvx2, 0x06, "-AVX2")) return 2;
+  return HasLanes(kAvx512, 0xe6, "-AVX512F") ? 8 : 4;
+#else
   return 2;
+#endif
 }
 
 /// The same, found at the first call: nothing runs when a library is loaded.
