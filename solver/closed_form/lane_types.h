@@ -74,6 +74,7 @@ struct WideLanes {
 
   WideLanes() = default;
   // A number is the same in every lane.
+  // cppcheck-suppress noExplicitConstructor
   QAL_INLINED WideLanes(double value) : numbers(value - Numbers{}) {}  // NOLINT(*-explicit-*)
   QAL_INLINED explicit WideLanes(const Numbers& values) : numbers(values) {}
 

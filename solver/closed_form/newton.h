@@ -73,8 +73,8 @@ inline void PutJoints(const Chain& chain, const Frame& within, const double* a, 
 
 /// The largest of six in size.
 inline Lanes LargestOf(const Lanes (&values)[6]) {
-  Lanes largest = Abs(values[0]);
-  for (int j = 1; j < 6; ++j) largest = Larger(largest, Abs(values[j]));
+  Lanes largest = kZero;
+  for (const Lanes value : values) largest = Larger(largest, Abs(value));
   return largest;
 }
 
