@@ -100,7 +100,7 @@ struct SolveBlock {
         const Shoulder<L> shoulder = ShoulderTo(arm.body, to, Each<L>(1 - 2 * side));
         const auto common = CommonTo(arm, shoulder);
         for (int choice = 0; choice < 2; ++choice) {
-          Branch<L> branches[2];
+          BranchAngles<L> branches[2];
           SolveChoice(arm, shoulder, common, Each<L>(1 - 2 * choice), branches);
           for (int k = 0; k < 2; ++k) {
             const int way = 4 * side + 2 * choice + k;

@@ -162,7 +162,8 @@ QAL_INLINED ParallelWrist<L> CommonTo(const ParallelAxesArm& arm, const Shoulder
 /// @param branches out: two
 template <class L>
 QAL_INLINED void SolveChoice(const ParallelAxesArm& arm, const Shoulder<L>& shoulder,
-                             const ParallelWrist<L>& common, const L& flip, Branch<L>* branches) {
+                             const ParallelWrist<L>& common, const L& flip,
+                             BranchAngles<L>* branches) {
   const MaskOf<L> flipped = Flag<L>(flip < Each<L>(0));
   const Wrist<L, 1> wrist = common.wrist.FlippedWhere(flipped);
   const SinCos<L> pitch = {NegatedWhere(flipped, common.pitch.sine),

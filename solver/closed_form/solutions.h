@@ -10,7 +10,7 @@ namespace qal::closed_form {
 
 /// In each lane a way to reach a target.
 template <class L>
-struct Branch {
+struct BranchAngles {
   L angle[6];         ///< model angles
   MaskOf<L> reached;  ///< not 0 where the target is within reach so
 };
@@ -46,7 +46,7 @@ class Solutions {
   /// @param branches the lanes have in turn the shoulders, and where there are four the choices;
   ///                 where there are two, the first branches are the first choice's
   template <class L, int count>
-  QAL_INLINED void Take(const Body& body, const Branch<L> (&branches)[count]) {
+  QAL_INLINED void Take(const Body& body, const BranchAngles<L> (&branches)[count]) {
     constexpr int kLanes = kLaneCount<L>;
     static_assert(count * kLanes == 8);
     // Where each way goes: those that aren't reached all to the last place, where nobody looks.

@@ -36,13 +36,13 @@ QAL_INLINED void SolveFromShoulder(const Arm& arm, const Shoulder<L>& shoulder,
                                    Solutions& solutions) {
   const auto common = CommonTo(arm, shoulder);
   if constexpr (kLaneCount<L> == 2) {
-    Branch<L> branches[4];
+    BranchAngles<L> branches[4];
     for (int k = 0; k < 2; ++k) {
       SolveChoice(arm, shoulder, common, Each<L>(1 - 2 * k), &branches[2 * k]);
     }
     solutions.Take(arm.body, branches);
   } else {
-    Branch<L> branches[2];
+    BranchAngles<L> branches[2];
     alignas(L) constexpr double kChoices[] = {1, 1, -1, -1};
     const L choice = Load<L>(kChoices);
     SolveChoice(arm, shoulder, common, choice, branches);

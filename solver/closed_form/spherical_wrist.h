@@ -46,7 +46,7 @@ QAL_INLINED ElbowTriangle<L> CommonTo(const SphericalWristArm& arm, const Should
 template <class L>
 QAL_INLINED void SolveChoice(const SphericalWristArm& arm, const Shoulder<L>& shoulder,
                              const ElbowTriangle<L>& triangle, const L& elbow,
-                             Branch<L>* branches) {
+                             BranchAngles<L>* branches) {
   const auto [angle2, angle3, pitch, reached] = ElbowOf(triangle, elbow);
   Matrix<L> flange = Rotated<1>(Inverse(pitch * arm.lean), shoulder.flange);
   if (arm.skew.sine != 0) flange = Rotated<2>(Inverse(arm.skew), flange);
