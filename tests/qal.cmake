@@ -48,7 +48,7 @@ qal_test_program(
 set_target_properties(qal_core_test PROPERTIES ENABLE_EXPORTS ON)
 
 # Many at once, by several threads; under the thread sanitizer as well.
-qal_test_program(qal_batch_test SOURCES qal/batch_test.cpp LIBRARIES qal_static)
+qal_test_program(qal_batch_test SOURCES qal/batch_test.cpp qal/reach_test.cpp LIBRARIES qal_static)
 # In four lanes and in two, where the processor has more.
 foreach(hidden AVX512F AVX2)
   add_test(NAME BatchLanes.Without.${hidden}

@@ -1,0 +1,99 @@
+#ifndef QAL_STUDY_REACH_H_
+#define QAL_STUDY_REACH_H_
+
+/// @file
+/// Reach studies: from which directions the tool reaches the cells of a box.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "../solve/batch.h"
+
+namespace qal {
+
+/// What is studied: a box of cells, and the orientations of the tool that are tried at the centre
+/// of each.
+///
+/// Cells are cubes with edges of `step_m`, as few as cover the box and centred on it; a box without
+/// extent along an axis has one layer there. The tool works along its z axis. The directions of
+/// that axis are spread evenly over the cap within `tilt_cone_rad` of `tilt_axis`: direction k of n
+/// is turned by k golden sections of a turn about the tilt axis, and has the share (k + 1/2) / n of
+/// the cap's area between itself and that axis. Over the whole sphere this is the Fibonacci lattice
+/// (Gonzalez, Measurement of areas on a sphere using Fibonacci and latitude-longitude lattices,
+/// Mathematical Geosciences 42, 2010, equation 1), which is the default. A single direction is the
+/// tilt axis itself.
+///
+/// What is left of an orientation is its roll about the tool's z axis. The base frame taken by the
+/// shortest way from its z axis to the tilt axis, and on by the shortest way to the direction, is
+/// roll 0; spin r of s is rolled by r / s of a turn more. (Of the ways from z to -z the one about x
+/// is taken.)
+struct ReachStudy {
+  Vec3 box_min = {0, 0, 0};     ///< corner of the box [m, base frame]
+  Vec3 box_max = {0, 0, 0};     ///< the opposite corner [m, base frame], nowhere below the other
+  double step_m = 0.05;         ///< edge of a cell [m]
+  int directions = 100;         ///< of the tool's z axis, 1 to 100000
+  int spins = 1;                ///< rolls about each direction, 1 to 36
+  Vec3 tilt_axis = {0, 0, -1};  ///< the cap's middle [base frame], of any length
+  double tilt_cone_rad = 3.14159265358979323846;  ///< of the cap, from its middle, 0 to pi [rad]
+};
+
+/// The cells of a study. They are counted from 0, along x first, then y, then z.
+struct ReachGrid {
+  std::array<size_t, 3> count;  ///< of cells along x, y and z
+  Vec3 first;                   ///< centre of cell 0 [m, base frame]
+  double step_m;                ///< edge of a cell [m]
+
+  /// How many cells there are.
+  size_t cells() const { return count[0] * count[1] * count[2]; }
+  /// The centre of a cell [m, base frame].
+  QAL_API Vec3 Centre(size_t cell) const;
+};
+
+/// A study has no more cells.
+constexpr size_t kMostReachCells = 1000000000;
+
+/// The cells of a study.
+/// @return kNotFinite; kSetting when the study is none, `detail` names what of it
+QAL_API Result<ReachGrid> GridOf(const ReachStudy& study);
+
+/// The orientations that are tried in each cell: those of direction d are number d * spins to
+/// (d + 1) * spins - 1.
+/// @return as `GridOf`
+QAL_API Result<std::vector<Quat>> OrientationsOf(const ReachStudy& study);
+
+/// What a study says of one cell.
+struct ReachCell {
+  uint32_t directions = 0;   ///< how many of them are reached: in at least one of their spins there
+                             ///< is an admissible solution
+  uint32_t solutions = 0;    ///< admissible ones of all orientations together
+  int32_t orientation = -1;  ///< of the best solution; -1, and NaN below: nothing is reached
+  /// Of the best solution, which is the one whose joints stay furthest from their limits; the first
+  /// orientation's, the solver's first one, in a tie.
+  Joints joints = {kNone, kNone, kNone, kNone, kNone, kNone};  ///< [rad]
+  double margin_rad = kNone;  ///< from its nearest limit [rad]; infinity without limits
+  double smallest_singular_value = kNone;  ///< as in `Singularities`, at its joints
+
+ private:
+  static constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+};
+
+/// Studies some of the cells, on all cores. A cell's answer is that of `Inverse` for each of its
+/// poses, with the middle of each joint's range as reference, and the same bits whatever cells are
+/// studied with it and by however many threads.
+/// @param arm     the arm with the tool (`Arm::WithTool`)
+/// @param study   box and orientations
+/// @param first   cell to begin with
+/// @param last    the one after the last cell
+/// @param options threads; `progress` is told how many directions of cells are done, of
+///                (last - first) * directions
+/// @return last - first cells; the errors of `GridOf`; kSetting when there are no such cells;
+///         kInterrupted when `progress` stopped it; an error of `Inverse` other than kOutOfReach
+QAL_API Result<std::vector<ReachCell>> Reach(const Arm& arm, const ReachStudy& study, size_t first,
+                                             size_t last, const BatchOptions& options = {});
+
+}  // namespace qal
+
+#endif  // QAL_STUDY_REACH_H_
