@@ -1,8 +1,8 @@
 # Thin calls of the CMake presets. Each target first installs the Debian packages that it needs and
 # that are missing (as root, or through sudo).
 
-BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libtinyxml2-dev \
-              libtomlplusplus-dev libyaml-dev nlohmann-json3-dev pybind11-dev python3-dev python3-numpy
+BUILD_DEPS := g++ cmake make libcli11-dev libeigen3-dev libelf-dev libfmt-dev libhdf5-dev \
+              libtinyxml2-dev libtomlplusplus-dev libyaml-dev nlohmann-json3-dev pybind11-dev python3-dev python3-numpy
 # What the report's page is built by; a machine's own node and npm do as well.
 NODE_DEPS = $(shell packaging/node-deps)
 BENCH_DEPS := libbenchmark-dev libkdl-parser-dev liborocos-kdl-dev python3 python3-scipy valgrind

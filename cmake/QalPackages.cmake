@@ -16,6 +16,7 @@ set(QAL_TOOL_PACKAGES
     Eigen3=libeigen3-dev
     fmt=libfmt-dev
     libelf=libelf-dev
+    libhdf5=libhdf5-dev
     libyaml=libyaml-dev
     nlohmann_json=nlohmann-json3-dev
     tinyxml2=libtinyxml2-dev

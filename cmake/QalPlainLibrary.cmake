@@ -2,10 +2,11 @@
 
 include(FindPackageHandleStandardArgs)
 
-# Finds lib<NAME> with its header, as the target PACKAGE::PACKAGE.
+# Finds lib<NAME>, of several names the first that is there, with its header, as the target
+# PACKAGE::PACKAGE. What follows are folders below the usual ones where the header may be.
 macro(qal_find_plain_library package name header)
-  find_library(${package}_LIBRARY ${name})
-  find_path(${package}_INCLUDE_DIR ${header})
+  find_library(${package}_LIBRARY NAMES ${name})
+  find_path(${package}_INCLUDE_DIR ${header} PATH_SUFFIXES ${ARGN})
   find_package_handle_standard_args(${package} DEFAULT_MSG ${package}_LIBRARY ${package}_INCLUDE_DIR)
   mark_as_advanced(${package}_LIBRARY ${package}_INCLUDE_DIR)
   if(${package}_FOUND AND NOT TARGET ${package}::${package})

@@ -3,6 +3,7 @@ qal_test_program(
   qal_command_test
   SOURCES tool/usage_test.cpp tool/kinematics_commands_test.cpp tool/move_commands_test.cpp
           tool/file_commands_test.cpp tool/plan_command_test.cpp tool/explain_command_test.cpp
+          tool/reach_command_test.cpp
   LIBRARIES nlohmann_json::nlohmann_json
   DEFINITIONS QAL_BINARY="$<TARGET_FILE:qal>" QAL_FOREIGN_SOLVER_DIR="${foreign}/here"
               QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
@@ -15,6 +16,9 @@ add_test(NAME Tool.ProgramsDocument
 add_test(NAME Tool.ExplainDocument
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/explain.md
                  ${PROJECT_SOURCE_DIR}/arms/reference.urdf $<TARGET_FILE_DIR:qal> 14 cell.toml)
+add_test(NAME Tool.ReachDocument
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/reach.md
+                 ${PROJECT_SOURCE_DIR}/arms/reference.urdf $<TARGET_FILE_DIR:qal> 5)
 # What ROS 2 reads, by its own parser; and what docs/ros2.md says is what happens. Debian's Python has
 # the parser.
 add_test(NAME Ros.FilesFitTheInterfaces

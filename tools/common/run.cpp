@@ -41,11 +41,12 @@ std::string WhoOf(const CLI::App& app) {
   return commands.empty() ? app.get_name() : app.get_name() + ' ' + WhoOf(*commands.front());
 }
 
-// The command of `app` that has others, and none of them was read; null: there is no such.
+// The command of `app` that needs one of others, and none of them was read; null: there is no such.
 const CLI::App* Unfinished(const CLI::App& app) {
   const std::vector<CLI::App*> commands = app.get_subcommands();
   if (!commands.empty()) return Unfinished(*commands.front());
-  return app.get_subcommands([](const CLI::App*) { return true; }).empty() ? nullptr : &app;
+  const bool has_others = !app.get_subcommands([](const CLI::App*) { return true; }).empty();
+  return has_others && app.get_require_subcommand_max() > 0 ? &app : nullptr;
 }
 
 void Parse(CLI::App& app, const std::vector<std::string>& arguments) {

@@ -22,7 +22,8 @@ std::vector<std::string> ForParser(const std::vector<std::string>& arguments);
 /// UsageError and what the parser refuses 2, a Failure and everything else 1.
 /// @param name     of the tool, as messages and the help call it
 /// @param describe adds the options and commands to the parser; their callbacks do the work. A tool
-///                 of commands calls `require_subcommand`
+///                 of commands calls `require_subcommand`, and a command of others that works
+///                 without one as well `require_subcommand(0, 0)`
 int RunTool(const std::string& name, const std::vector<std::string>& arguments,
             const std::function<void(CLI::App&)>& describe);
 

@@ -25,6 +25,7 @@ void AddExplain(CLI::App& app, const SharedArm& arm);
 void AddConvert(CLI::App& app, const SharedArm& arm);
 void AddVerify(CLI::App& app, const SharedArm& arm);
 void AddPlot(CLI::App& app, const SharedArm& arm);
+void AddReach(CLI::App& app, const SharedArm& arm);
 void AddReport(CLI::App& app, const SharedArm& arm);
 
 }  // namespace qal::tools

@@ -61,7 +61,7 @@ void Describe(CLI::App& app) {
       "the version, and the arm that would be used");
   app.require_subcommand(0, 1);
   for (auto* add : {AddFk, AddIk, AddJog, AddLine, AddJoint, AddPlan, AddExplain, AddConvert,
-                    AddVerify, AddReport, AddPlot})
+                    AddVerify, AddReport, AddPlot, AddReach})
     add(app, arm);
   AddHelp(app);
 }

@@ -1,0 +1,78 @@
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#include "qal_run.h"
+
+namespace {
+
+using ReachCommand = InOwnFolder;
+
+const std::string kBox = "reach --box 0.1 -0.2 0.2 1.3 0.2 1 --step 0.2 --directions 20 ";
+
+// 6 x 2 x 4 cells in three shards of 16, merged in another order.
+TEST_F(ReachCommand, MergesShardsToTheBytesOfOneRun) {
+  const Json whole = QalJson(kBox + "-o whole.h5");
+  EXPECT_EQ(48, whole["end_cell"]);
+  EXPECT_GT(whole["cells_reached"], 20);
+  EXPECT_LT(whole["cells_reached"], 48);
+  for (const char* shard : {"1/3", "2/3", "3/3"}) {
+    const ToolRun run = Qal(kBox + "--threads 1 --shard " + shard + " -o " + shard[0] + ".h5");
+    ASSERT_EQ(0, run.status) << run.err;
+  }
+  EXPECT_EQ(whole, QalJson("reach merge 3.h5 1.h5 2.h5 -o merged.h5"));
+  EXPECT_GT(FileContent("whole.h5").size(), 48U * 80);
+  EXPECT_TRUE(FileContent("whole.h5") == FileContent("merged.h5"));
+}
+
+TEST_F(ReachCommand, RefusesInOneLine) {
+  ASSERT_EQ(0, Qal(kBox + "-o whole.h5").status);
+  ASSERT_EQ(0, Qal(kBox + "--shard 1/2 -o 1.h5").status);
+  ASSERT_EQ(0, Qal(kBox + "--spins 2 --shard 2/2 -o other.h5").status);
+  std::ofstream("text.h5") << "text";
+  std::ofstream("cut.h5") << FileContent("whole.h5").substr(0, 6000);
+  const struct {
+    std::string arguments;
+    const char* said;
+  } kCases[] = {
+      {"reach --step 0.1 -o a.h5", "--box is missing"},
+      {"reach --box 0 0 0 1 1 -1 --step 0.1 -o a.h5", "the box extent along z is -1 m"},
+      {"reach --box 0 0 0 1 1 1 --step 0 -o a.h5",
+       "the step is 0 m; the nearest that works is 0.0009999"},
+      {kBox + "--shard 3/2 -o a.h5", "'3' is no whole number from 1 to 2"},
+      {kBox + "--spins 2 -o whole.h5", "whole.h5 is there already, and of another study"},
+      {kBox + "-o text.h5", "text.h5 is there already, and no file of a reach study"},
+      {kBox + "-o none/a.h5", "cannot write none/a.h5.part"},
+      {"reach merge 1.h5 -o a.h5", "the end is missing: cells 24 to 47 are in no file"},
+      {"reach merge 1.h5 whole.h5 -o a.h5", "are in another file as well"},
+      {"reach merge 1.h5 other.h5 -o a.h5", "of another study than"},
+      {"reach merge cut.h5 -o a.h5", "cut.h5: no file of a reach study"},
+  };
+  for (const auto& [arguments, said] : kCases) {
+    const ToolRun run = Qal(arguments);
+    EXPECT_EQ(2, run.status) << arguments;
+    EXPECT_NE(std::string::npos, run.err.find(said)) << run.err;
+    EXPECT_EQ(run.err.size() - 1, run.err.find('\n')) << run.err;
+    EXPECT_EQ("(none)", FileContent("a.h5"));
+  }
+}
+
+// Stopped as soon as it has begun, and gone on from there, it has the bytes of one run.
+TEST_F(ReachCommand, GoesOnFromWhereItWasStopped) {
+  const std::string study = "reach --box -0.8 -0.8 0 0.8 0.8 0.8 --step 0.1 --directions 150 ";
+  const ToolRun stopped = Shell(QAL_BINARY " " + study +
+                                "--threads 1 -o a.h5 &\n"
+                                "until [ -e a.h5.part ]; do sleep 0.02; done\n"
+                                "sleep 0.05; kill -TERM $!; wait $!");
+  EXPECT_EQ(128 + SIGTERM, stopped.status);
+  ASSERT_NE(std::string::npos, stopped.err.find("the same command with --resume goes on"))
+      << stopped.err;
+  EXPECT_EQ("(none)", FileContent("a.h5"));
+  EXPECT_NE(std::string::npos, Qal(study + "-o a.h5").err.find("add --resume to go on"));
+  ASSERT_EQ(0, Qal(study + "--resume -o a.h5").status);
+  EXPECT_EQ("(none)", FileContent("a.h5.part"));
+  ASSERT_EQ(0, Qal(study + "-o b.h5").status);
+  EXPECT_TRUE(FileContent("a.h5") == FileContent("b.h5"));
+}
+
+}  // namespace

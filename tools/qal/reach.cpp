@@ -1,0 +1,271 @@
+#include <fmt/format.h>
+#include <qal/model/chain.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <memory>
+
+#include "../../io/error.h"
+#include "../../io/error_text.h"
+#include "../../io/files.h"
+#include "../../io/numbers.h"
+#include "../../io/reach_study.h"
+#include "../common/values.h"
+#include "commands.h"
+#include "number_option.h"
+#include "reach_run.h"
+#include "tables.h"
+#include "units.h"
+
+namespace qal::tools {
+
+using namespace io;
+
+namespace {
+
+struct ReachArguments {
+  NumberOption box, step, directions, spins, tilt, toward, tool, threads;
+  std::string shard = "1/1";
+  std::string out;
+  std::vector<std::string> files;  // of merge
+  bool resume = false;
+  bool json = false;
+  SharedArm arm;
+  Units units;
+};
+
+Vec3 VectorAt(const std::vector<double>& numbers, size_t first, const Units& units) {
+  return {units.Metres(numbers[first]), units.Metres(numbers[first + 1]),
+          units.Metres(numbers[first + 2])};
+}
+
+ReachStudy StudyOf(const ReachArguments& a) {
+  if (!a.box.given()) throw UsageError("--box is missing: XMIN YMIN ZMIN XMAX YMAX ZMAX");
+  if (!a.step.given()) throw UsageError("--step is missing: the edge of a cell");
+  const std::vector<double> box = a.box.Read(6, "6 numbers: XMIN YMIN ZMIN XMAX YMAX ZMAX");
+  ReachStudy study;
+  study.box_min = VectorAt(box, 0, a.units);
+  study.box_max = VectorAt(box, 3, a.units);
+  study.step_m = a.units.Metres(a.step.Read(1, "a length")[0]);
+  if (a.directions.given()) study.directions = a.directions.ReadWhole(1, 100000);
+  if (a.spins.given()) study.spins = a.spins.ReadWhole(1, 36);
+  if (a.tilt.given()) study.tilt_cone_rad = a.units.Radians(a.tilt.Read(1, "an angle")[0]);
+  if (a.toward.given()) {
+    const std::vector<double> axis = a.toward.Read(3, "3 numbers: a direction");
+    study.tilt_axis = {axis[0], axis[1], axis[2]};
+  }
+  return study;
+}
+
+LoadedArm ArmOf(const ReachArguments& a) {
+  LoadedArm loaded = a.arm->Load();
+  if (!a.tool.given()) return loaded;
+  const std::vector<double> frame = a.tool.Read(6, "6 numbers: X Y Z ROLL PITCH YAW");
+  Transform tool = FromRollPitchYaw(
+      {a.units.Radians(frame[3]), a.units.Radians(frame[4]), a.units.Radians(frame[5])});
+  tool.position = VectorAt(frame, 0, a.units);
+  const Result<Arm> with_tool = loaded.arm.WithTool(tool);
+  if (!with_tool) throw UsageError("--tool: " + ErrorText(with_tool.error(), a.units.text()));
+  loaded.arm = *with_tool;
+  return loaded;
+}
+
+struct CellRange {
+  size_t first;
+  size_t last;
+};
+
+CellRange ShardOf(const std::string& text, size_t cells) {
+  constexpr int kMostShards = 1000000;
+  const size_t slash = std::min(text.find('/'), text.size());
+  const std::string count = slash < text.size() ? text.substr(slash + 1) : "";
+  const int shards = ParseWhole(count, "--shard I/N, N", 1, kMostShards);
+  const int shard = ParseWhole(text.substr(0, slash), "--shard I/N, I", 1, shards);
+  const auto all = static_cast<size_t>(shards);
+  const auto end = static_cast<size_t>(shard);
+  return {cells * (end - 1) / all, cells * end / all};
+}
+
+// Cells, what their file is made from, and its bytes.
+void ExpectMemory(size_t cells) {
+  constexpr double kBytesOfCell = 400;
+  const double machine =
+      static_cast<double>(::sysconf(_SC_PHYS_PAGES)) * static_cast<double>(::sysconf(_SC_PAGESIZE));
+  const double needed = static_cast<double>(cells) * kBytesOfCell;
+  if (needed <= machine) return;
+  throw UsageError(fmt::format(
+      "{} cells need about {:.1f} GB of memory, the machine has {:.1f}; take a larger --step, or "
+      "cut the study with --shard",
+      cells, needed / 1e9, machine / 1e9));
+}
+
+struct ReachSummary {
+  size_t reached = 0;  // cells, in at least one direction
+  size_t fully = 0;    // cells, in all of them
+  double share = 0;    // of directions, mean of the cells
+  size_t best = 0;     // cell of the file: most directions, then the largest margin
+};
+
+ReachSummary SummaryOf(const ReachFile& file) {
+  ReachSummary summary;
+  const auto directions = static_cast<uint32_t>(file.study.directions);
+  double sum = 0;
+  for (size_t i = 0; i < file.cells.size(); ++i) {
+    const ReachCell& cell = file.cells[i];
+    const ReachCell& best = file.cells[summary.best];
+    if (cell.directions > 0) ++summary.reached;
+    if (cell.directions == directions) ++summary.fully;
+    sum += cell.directions;
+    if (cell.directions > best.directions ||
+        (cell.directions == best.directions && cell.margin_rad > best.margin_rad)) {
+      summary.best = i;
+    }
+  }
+  if (!file.cells.empty())
+    summary.share = sum / static_cast<double>(file.cells.size()) / directions;
+  return summary;
+}
+
+std::string SummaryTable(const ReachFile& file, const ReachSummary& summary, const Units& units) {
+  const auto cells = [&](size_t count) {
+    return fmt::format("{} of {} ({:.2f} %)", count, file.cells.size(),
+                       100.0 * static_cast<double>(count) /
+                           static_cast<double>(std::max<size_t>(1, file.cells.size())));
+  };
+  std::string table = TextRow("cells reached", cells(summary.reached)) +
+                      TextRow("from all directions", cells(summary.fully)) +
+                      TextRow("mean share of directions", fmt::format("{:.4f}", summary.share));
+  if (summary.reached == 0) return table;
+  const ReachCell& best = file.cells[summary.best];
+  const Vec3 centre = GridOf(file.study)->Centre(file.first + summary.best);
+  return table +
+         TextRow("best cell",
+                 fmt::format("{}, {} of {} directions, {} solutions", file.first + summary.best,
+                             best.directions, file.study.directions, best.solutions)) +
+         Row(fmt::format("  centre x y z [{}]", units.length()),
+             {units.Length(centre.x), units.Length(centre.y), units.Length(centre.z)}, 4) +
+         Row(fmt::format("  limit margin [{}]", units.angle()), {units.Angle(best.margin_rad)}, 4) +
+         Row("  smallest singular value", {best.smallest_singular_value}, 4);
+}
+
+std::string SummaryJson(const ReachFile& file, const ReachSummary& summary) {
+  Json json = {{"study", Json::parse(file.description)},
+               {"first_cell", file.first},
+               {"end_cell", file.end()},
+               {"cells_reached", summary.reached},
+               {"cells_reached_from_all_directions", summary.fully},
+               {"mean_share_of_directions", summary.share},
+               {"best_cell", nullptr}};
+  if (summary.reached > 0) {
+    const ReachCell& best = file.cells[summary.best];
+    const Vec3 centre = GridOf(file.study)->Centre(file.first + summary.best);
+    json["best_cell"] = {{"cell", file.first + summary.best},
+                         {"centre_m", {centre.x, centre.y, centre.z}},
+                         {"directions", best.directions},
+                         {"solutions", best.solutions},
+                         {"margin_rad", best.margin_rad},
+                         {"smallest_singular_value", best.smallest_singular_value},
+                         {"joints_rad", best.joints}};
+  }
+  return json.dump(2) + '\n';
+}
+
+void WriteSummary(const ReachFile& file, bool json, const Units& units) {
+  const ReachSummary summary = SummaryOf(file);
+  WriteStandardOutput(json ? SummaryJson(file, summary) : SummaryTable(file, summary, units));
+}
+
+void RunStudy(const ReachArguments& a) {
+  if (a.out.empty()) throw UsageError("-o is missing: the file to write");
+  const ReachStudy study = StudyOf(a);
+  const Result<ReachGrid> grid = GridOf(study);
+  if (!grid) throw UsageError(ErrorText(grid.error(), a.units.text()));
+  const auto [first, last] = ShardOf(a.shard, grid->cells());
+  ExpectMemory(last - first);
+  const LoadedArm loaded = ArmOf(a);
+  const unsigned threads =
+      a.threads.given() ? static_cast<unsigned>(a.threads.ReadWhole(1, 1024)) : 0;
+  const ReachFile file = RunReach({loaded.arm, ReachStudyJson(loaded, study).dump(), study, first,
+                                   last, a.out, a.resume, threads});
+  WriteSummary(file, a.json, a.units);
+}
+
+void RunMerge(const ReachArguments& a) {
+  std::vector<ReachFile> files;
+  for (const std::string& path : a.files) files.push_back(ReadReachFile(path));
+  const ReachFile whole = MergeReachFiles(std::move(files), a.files);
+  ExpectOwnOutput(a.out, whole.description);
+  WriteReachFile(a.out, whole);
+  WriteSummary(whole, a.json, a.units);
+}
+
+void AddMerge(CLI::App& reach) {
+  const auto arguments = std::make_shared<ReachArguments>();
+  CLI::App* merge = reach.add_subcommand("merge", "Make one file of all shards of a study");
+  TakesFile(merge->add_option("FILE", arguments->files, "the shards' files, in any order"), "*.h5")
+      ->required();
+  TakesFile(merge->add_option("-o,--out", arguments->out,
+                              "HDF5 file to write, with the bytes of a study that was not cut"),
+            "*.h5")
+      ->required();
+  merge->add_flag("--json", arguments->json, "JSON instead of the table, always in rad and m");
+  arguments->units.AddTo(*merge);
+  merge->footer(
+      "Exit status: 0 done, 2 when cells are missing, or a file is of another study.\n"
+      "Example: qal reach merge reach-1.h5 reach-2.h5 -o reach.h5");
+  merge->callback([arguments] { RunMerge(*arguments); });
+}
+
+void AddStudyOptions(CLI::App& reach, ReachArguments& a) {
+  a.box.AddTo(reach, "--box", "XMIN .. ZMAX",
+              "box to study: XMIN YMIN ZMIN XMAX YMAX ZMAX [m, base frame; --mm: mm]");
+  a.step.AddTo(reach, "--step", "N", "edge of a cell [m; --mm: mm]");
+  a.directions.AddTo(reach, "--directions", "N",
+                     "directions of the tool's z axis that are tried in each cell, spread\n"
+                     "evenly (default: 100)");
+  a.tilt.AddTo(reach, "--tilt", "N",
+               "only directions within this angle of --toward [rad; --deg: deg]\n"
+               "(default: all)");
+  a.toward.AddTo(reach, "--toward", "X Y Z",
+                 "direction in the base frame that the tool's z axis has without tilt\n"
+                 "(default: 0 0 -1, down)");
+  a.spins.AddTo(reach, "--spins", "N",
+                "rolls about each direction, one of which has to be reached (default: 1)");
+  a.tool.AddTo(reach, "--tool", "X Y Z R P Y",
+               "tool frame in the arm's tip frame, in place of the arm's own:\n"
+               "position [m; --mm: mm], roll pitch yaw [rad; --deg: deg]");
+}
+
+}  // namespace
+
+void AddReach(CLI::App& app, const SharedArm& arm) {
+  const auto arguments = std::make_shared<ReachArguments>();
+  CLI::App* reach = app.add_subcommand(
+      "reach", "Reach study: from which directions the tool reaches the cells of a box");
+  AddStudyOptions(*reach, *arguments);
+  TakesFile(reach->add_option("-o,--out", arguments->out, "HDF5 file to write"), "*.h5");
+  reach
+      ->add_option("--shard", arguments->shard,
+                   "part I of N of the study alone; qal reach merge makes one of all")
+      ->type_name("I/N");
+  reach->add_flag("--resume", arguments->resume,
+                  "go on from OUT.part, what a stopped study has left");
+  arguments->threads.AddTo(*reach, "--threads", "N",
+                           "threads (default: as many as the processor runs at once)");
+  reach->add_flag("--json", arguments->json, "JSON instead of the table, always in rad and m");
+  arguments->arm = arm;
+  arm->AddTo(*reach);
+  arguments->units.AddTo(*reach);
+  AddMerge(*reach);
+  reach->require_subcommand(0, 0);  // it works without one as well
+  reach->footer(
+      "docs/reach.md says what a study is and what the file holds. Ctrl-C leaves OUT.part, which\n"
+      "--resume goes on from.\n"
+      "Exit status: 0 done, 1 when the solver fails, 2 bad usage.\n"
+      "Example: qal reach --box 0 -0.5 0 1 0.5 1 --step 0.05 --directions 100 -o reach.h5");
+  reach->callback([arguments, reach] {
+    if (reach->get_subcommands().empty()) RunStudy(*arguments);
+  });
+}
+
+}  // namespace qal::tools
