@@ -16,6 +16,7 @@ class NumberBytes {
   void Add(double value);
   void Add(float value);
   void Add(uint32_t value) { AddBytes(value, sizeof(value)); }
+  const std::string& bytes() const { return bytes_; }
   std::string Text() const { return Base64(bytes_); }
 
  private:

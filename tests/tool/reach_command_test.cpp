@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <cstring>
 
 #include "qal_run.h"
 
@@ -55,6 +56,28 @@ TEST_F(ReachCommand, RefusesInOneLine) {
     EXPECT_EQ(run.err.size() - 1, run.err.find('\n')) << run.err;
     EXPECT_EQ("(none)", FileContent("a.h5"));
   }
+}
+
+// ParaView's file: behind the offsets that it says the arrays have as many bytes as cells need.
+TEST_F(ReachCommand, WritesTheCellsForParaView) {
+  const Json study = QalJson(kBox + "-o whole.h5 --vti whole.vti");
+  const std::string vti = FileContent("whole.vti");
+  EXPECT_NE(std::string::npos, vti.find("WholeExtent=\"0 6 0 2 0 4\"")) << vti.substr(0, 1000);
+  const size_t data = vti.find("<AppendedData encoding=\"raw\">\n_") + 31;
+  const auto number = [&](size_t place, auto value) {
+    std::memcpy(&value, vti.data() + data + place, sizeof value);
+    return value;
+  };
+  const auto best = study["best_cell"]["cell"].get<size_t>();
+  EXPECT_EQ(48U * 8, number(0, uint64_t{}));
+  EXPECT_EQ(study["best_cell"]["directions"].get<double>() / 20, number(8 + best * 8, double{}));
+  const size_t joints = vti.find("Name=\"joints\"");
+  const size_t offset = std::stoul(vti.substr(vti.find("offset=\"", joints) + 8));
+  EXPECT_EQ(48U * 48, number(offset, uint64_t{}));
+  EXPECT_EQ(study["best_cell"]["joints_rad"][5].get<double>(),
+            number(offset + 8 + best * 48 + 40, double{}));
+  EXPECT_EQ("\n  </AppendedData>\n</VTKFile>\n", vti.substr(data + offset + 8 + 48 * 48));
+  EXPECT_EQ(2, Qal(kBox + "--shard 1/2 -o 1.h5 --vti 1.vti").status);
 }
 
 // Stopped as soon as it has begun, and gone on from there, it has the bytes of one run.

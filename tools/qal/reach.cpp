@@ -10,11 +10,12 @@
 #include "../../io/files.h"
 #include "../../io/numbers.h"
 #include "../../io/reach_study.h"
+#include "../../io/reach_vti.h"
 #include "../common/values.h"
 #include "commands.h"
 #include "number_option.h"
 #include "reach_run.h"
-#include "tables.h"
+#include "reach_summary.h"
 #include "units.h"
 
 namespace qal::tools {
@@ -27,6 +28,7 @@ struct ReachArguments {
   NumberOption box, step, directions, spins, tilt, toward, tool, threads;
   std::string shard = "1/1";
   std::string out;
+  std::string vti;
   std::vector<std::string> files;  // of merge
   bool resume = false;
   bool json = false;
@@ -99,104 +101,44 @@ void ExpectMemory(size_t cells) {
       cells, needed / 1e9, machine / 1e9));
 }
 
-struct ReachSummary {
-  size_t reached = 0;  // cells, in at least one direction
-  size_t fully = 0;    // cells, in all of them
-  double share = 0;    // of directions, mean of the cells
-  size_t best = 0;     // cell of the file: most directions, then the largest margin
-};
-
-ReachSummary SummaryOf(const ReachFile& file) {
-  ReachSummary summary;
-  const auto directions = static_cast<uint32_t>(file.study.directions);
-  double sum = 0;
-  for (size_t i = 0; i < file.cells.size(); ++i) {
-    const ReachCell& cell = file.cells[i];
-    const ReachCell& best = file.cells[summary.best];
-    if (cell.directions > 0) ++summary.reached;
-    if (cell.directions == directions) ++summary.fully;
-    sum += cell.directions;
-    if (cell.directions > best.directions ||
-        (cell.directions == best.directions && cell.margin_rad > best.margin_rad)) {
-      summary.best = i;
-    }
-  }
-  if (!file.cells.empty())
-    summary.share = sum / static_cast<double>(file.cells.size()) / directions;
-  return summary;
+// What there is besides the HDF5 file.
+void WriteOthers(const ReachArguments& a, const ReachFile& file) {
+  if (!a.vti.empty()) WriteFile(a.vti, ReachVti(file));
+  WriteStandardOutput(a.json ? ReachSummaryJson(file) : ReachSummaryTable(file, a.units));
 }
 
-std::string SummaryTable(const ReachFile& file, const ReachSummary& summary, const Units& units) {
-  const auto cells = [&](size_t count) {
-    return fmt::format("{} of {} ({:.2f} %)", count, file.cells.size(),
-                       100.0 * static_cast<double>(count) /
-                           static_cast<double>(std::max<size_t>(1, file.cells.size())));
-  };
-  std::string table = TextRow("cells reached", cells(summary.reached)) +
-                      TextRow("from all directions", cells(summary.fully)) +
-                      TextRow("mean share of directions", fmt::format("{:.4f}", summary.share));
-  if (summary.reached == 0) return table;
-  const ReachCell& best = file.cells[summary.best];
-  const Vec3 centre = GridOf(file.study)->Centre(file.first + summary.best);
-  return table +
-         TextRow("best cell",
-                 fmt::format("{}, {} of {} directions, {} solutions", file.first + summary.best,
-                             best.directions, file.study.directions, best.solutions)) +
-         Row(fmt::format("  centre x y z [{}]", units.length()),
-             {units.Length(centre.x), units.Length(centre.y), units.Length(centre.z)}, 4) +
-         Row(fmt::format("  limit margin [{}]", units.angle()), {units.Angle(best.margin_rad)}, 4) +
-         Row("  smallest singular value", {best.smallest_singular_value}, 4);
-}
-
-std::string SummaryJson(const ReachFile& file, const ReachSummary& summary) {
-  Json json = {{"study", Json::parse(file.description)},
-               {"first_cell", file.first},
-               {"end_cell", file.end()},
-               {"cells_reached", summary.reached},
-               {"cells_reached_from_all_directions", summary.fully},
-               {"mean_share_of_directions", summary.share},
-               {"best_cell", nullptr}};
-  if (summary.reached > 0) {
-    const ReachCell& best = file.cells[summary.best];
-    const Vec3 centre = GridOf(file.study)->Centre(file.first + summary.best);
-    json["best_cell"] = {{"cell", file.first + summary.best},
-                         {"centre_m", {centre.x, centre.y, centre.z}},
-                         {"directions", best.directions},
-                         {"solutions", best.solutions},
-                         {"margin_rad", best.margin_rad},
-                         {"smallest_singular_value", best.smallest_singular_value},
-                         {"joints_rad", best.joints}};
-  }
-  return json.dump(2) + '\n';
-}
-
-void WriteSummary(const ReachFile& file, bool json, const Units& units) {
-  const ReachSummary summary = SummaryOf(file);
-  WriteStandardOutput(json ? SummaryJson(file, summary) : SummaryTable(file, summary, units));
+void ExpectTwoFiles(const ReachArguments& a) {
+  if (a.vti.empty() || !SameFile(a.vti, a.out)) return;
+  throw UsageError(fmt::format("--vti and -o are both {}", a.out));
 }
 
 void RunStudy(const ReachArguments& a) {
   if (a.out.empty()) throw UsageError("-o is missing: the file to write");
+  ExpectTwoFiles(a);
   const ReachStudy study = StudyOf(a);
   const Result<ReachGrid> grid = GridOf(study);
   if (!grid) throw UsageError(ErrorText(grid.error(), a.units.text()));
   const auto [first, last] = ShardOf(a.shard, grid->cells());
   ExpectMemory(last - first);
+  if (!a.vti.empty() && last - first < grid->cells()) {
+    throw UsageError("--vti is of a whole study; give it to qal reach merge");
+  }
   const LoadedArm loaded = ArmOf(a);
   const unsigned threads =
       a.threads.given() ? static_cast<unsigned>(a.threads.ReadWhole(1, 1024)) : 0;
   const ReachFile file = RunReach({loaded.arm, ReachStudyJson(loaded, study).dump(), study, first,
                                    last, a.out, a.resume, threads});
-  WriteSummary(file, a.json, a.units);
+  WriteOthers(a, file);
 }
 
 void RunMerge(const ReachArguments& a) {
+  ExpectTwoFiles(a);
   std::vector<ReachFile> files;
   for (const std::string& path : a.files) files.push_back(ReadReachFile(path));
   const ReachFile whole = MergeReachFiles(std::move(files), a.files);
   ExpectOwnOutput(a.out, whole.description);
   WriteReachFile(a.out, whole);
-  WriteSummary(whole, a.json, a.units);
+  WriteOthers(a, whole);
 }
 
 void AddMerge(CLI::App& reach) {
@@ -208,6 +150,9 @@ void AddMerge(CLI::App& reach) {
                               "HDF5 file to write, with the bytes of a study that was not cut"),
             "*.h5")
       ->required();
+  TakesFile(merge->add_option("--vti", arguments->vti,
+                              "also write the cells as VTK's ImageData, for ParaView"),
+            "*.vti");
   merge->add_flag("--json", arguments->json, "JSON instead of the table, always in rad and m");
   arguments->units.AddTo(*merge);
   merge->footer(
@@ -244,6 +189,9 @@ void AddReach(CLI::App& app, const SharedArm& arm) {
       "reach", "Reach study: from which directions the tool reaches the cells of a box");
   AddStudyOptions(*reach, *arguments);
   TakesFile(reach->add_option("-o,--out", arguments->out, "HDF5 file to write"), "*.h5");
+  TakesFile(reach->add_option("--vti", arguments->vti,
+                              "also write the cells as VTK's ImageData, for ParaView"),
+            "*.vti");
   reach
       ->add_option("--shard", arguments->shard,
                    "part I of N of the study alone; qal reach merge makes one of all")
