@@ -23,7 +23,7 @@ namespace qal {
 /// is turned by k golden sections of a turn about the tilt axis, and has the share (k + 1/2) / n of
 /// the cap's area between itself and that axis. Over the whole sphere this is the Fibonacci lattice
 /// (Gonzalez, Measurement of areas on a sphere using Fibonacci and latitude-longitude lattices,
-/// Mathematical Geosciences 42, 2010, equation 1), which is the default. A single direction is the
+/// Mathematical Geosciences 42, 2010), which is the default. A single direction is the
 /// tilt axis itself.
 ///
 /// What is left of an orientation is its roll about the tool's z axis. The base frame taken by the
