@@ -86,8 +86,8 @@ QAL_INLINED void StoreByLane(const L (&v)[6], double* const (&to)[kLaneCount<L>]
   using Few = typename LaneVector<kStep>::Numbers;
   for (int first = 0; first < kLaneCount<L>; first += kStep) {
     for (int i = 0; i < 6; i += 2) {
-      Few a;
-      Few b;
+      Few a = {};
+      Few b = {};
       for (int lane = 0; lane < kStep; ++lane) {
         a[lane] = v[i][first + lane];
         b[lane] = v[i + 1][first + lane];
@@ -180,7 +180,7 @@ QAL_INLINED M SecondLastBitAsSign(const M& bits) {
 /// The root; NaN of what is negative.
 template <class L>
 QAL_INLINED L Root(const L& v) {
-  L root;
+  L root = v;
   for (int i = 0; i < kLaneCount<L>; ++i) SetLane(root, i, std::sqrt(v[i]));
   return root;
 }
