@@ -27,7 +27,8 @@ struct Targets {
 Targets TargetsOf(const Workload& work) {
   const size_t blocks = work.joints.size() / kBlock;
   Targets targets;
-  targets.joints.assign(work.joints.begin(), work.joints.begin() + blocks * kBlock);
+  targets.joints.assign(work.joints.begin(),
+                        work.joints.begin() + static_cast<std::ptrdiff_t>(blocks * kBlock));
   targets.blocks.resize(blocks);
   const Arm arm = Arm::Reference();
   for (size_t i = 0; i < targets.joints.size(); ++i) {

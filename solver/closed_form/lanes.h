@@ -96,11 +96,11 @@ QAL_INLINED void StoreByLane(const L (&v)[6], double* const (&to)[kLaneCount<L>]
       Few even;
       Few odd;
       if constexpr (kStep == 2) {
-        even = __builtin_shufflevector(a, b, 0, 2);
-        odd = __builtin_shufflevector(a, b, 1, 3);
+        even = Few{a[0], b[0]};
+        odd = Few{a[1], b[1]};
       } else {
-        even = __builtin_shufflevector(a, b, 0, 4, 2, 6);
-        odd = __builtin_shufflevector(a, b, 1, 5, 3, 7);
+        even = Few{a[0], b[0], a[2], b[2]};
+        odd = Few{a[1], b[1], a[3], b[3]};
       }
       for (int lane = 0; lane < kStep; ++lane) {
         const Few& pairs = lane % 2 == 0 ? even : odd;
