@@ -12,8 +12,8 @@
 #include "../tests/solver/urdf_chain.h"
 #include "workload.h"
 
-// How many poses that the reference arm reaches within its joint limits are solved within them, from
-// one set of joints, far away from most: ours and Orocos KDL's, as a table of Markdown.
+// How many poses that the reference arm reaches within its joint limits are solved within them,
+// from one set of joints, far away from most: ours and Orocos KDL's, as a table of Markdown.
 namespace qal::bench {
 
 namespace {
@@ -40,7 +40,8 @@ bool Solves(const Arm& arm, const Pose& pose, const qal::Joints& joints) {
   const auto& [x, y, z] = pose.position;
   const auto& [qw, qx, qy, qz] = pose.orientation;
   const auto& [tw, tx, ty, tz] = there->orientation;
-  const double off = std::hypot(there->position.x - x, there->position.y - y, there->position.z - z);
+  const double off =
+      std::hypot(there->position.x - x, there->position.y - y, there->position.z - z);
   return off <= 1e-5 && std::fabs(qw * tw + qx * tx + qy * ty + qz * tz) >= 1 - 1e-9;
 }
 
@@ -70,7 +71,8 @@ int main() {
     const char* name;
     KDL::ChainIkSolverPos& solver;
     size_t solved = 0;
-  } peers[] = {{"KDL NR, wdls", newton}, {"KDL NR with joint limits, wdls", limited},
+  } peers[] = {{"KDL NR, wdls", newton},
+               {"KDL NR with joint limits, wdls", limited},
                {"KDL LMA", levenberg}};
   const KDL::JntArray home = ToKdl(kHome.data());
   KDL::JntArray found(6);
@@ -93,8 +95,9 @@ int main() {
   const auto share = [&](size_t solved) {
     return 100 * static_cast<double>(solved) / static_cast<double>(work.joints.size());
   };
-  std::printf("| of %zu poses, from one set of joints | solved within the joint limits |\n| --- | --- |\n",
-              work.joints.size());
+  std::printf(
+      "| of %zu poses, from one set of joints | solved within the joint limits |\n| --- | --- |\n",
+      work.joints.size());
   std::printf("| qal::Nearest | %.2f %% |\n", share(ours));
   for (const Peer& peer : peers) std::printf("| %s | %.2f %% |\n", peer.name, share(peer.solved));
 }

@@ -54,8 +54,9 @@ py::object PosesOf(const PyTrajectory& self) {
   return py::cast(*self.poses);
 }
 
-PyTrajectory MadeTrajectory(const py::object& time, const py::object& joints, const py::object& velocities,
-                  const py::object& accelerations, const std::optional<Poses>& pose) {
+PyTrajectory MadeTrajectory(const py::object& time, const py::object& joints,
+                            const py::object& velocities, const py::object& accelerations,
+                            const std::optional<Poses>& pose) {
   const Rows q = ReadRows(joints, 6, "joints");
   const py::array_t<double> t = ReadColumn(time, q.count, "time");
   const auto rows_of = [&](const py::object& given, const char* name) {
@@ -209,7 +210,7 @@ dict
           },
           [](const py::tuple& state) {
             return MadeTrajectory(state[0], state[1], state[2], state[3],
-                        state[4].cast<std::optional<Poses>>());
+                                  state[4].cast<std::optional<Poses>>());
           }));
 }
 
