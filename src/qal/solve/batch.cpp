@@ -72,11 +72,6 @@ BatchCount AnswerAll(size_t count, Span<T> answers, const T& none, Span<Reason> 
                    [](size_t, int, Reason*) { return 0U; });
 }
 
-template <class T>
-void Append(const std::unique_ptr<T[]>& from, size_t size, std::vector<T>& to) {
-  to.insert(to.end(), from.get(), from.get() + size);
-}
-
 }  // namespace
 
 BatchCount Forward(const Arm& arm, Span<const Joints> joints, Span<Pose> poses,
@@ -122,26 +117,15 @@ BatchSolutions Inverse(const Arm& arm, Span<const Pose> poses, Span<const Joints
                        const InverseOptions& inverse, const BatchOptions& options) {
   BatchSolutions all;
   all.reasons.resize(poses.size);
-  std::vector<ChunkSolutions> chunks((poses.size + kBatchChunk - 1) / kBatchChunk);
   const BatchRequests requests = {poses, near};
   const ChunkSolver solve(arm, requests, inverse);
+  SolutionsInOrder in_order(all, poses.size);
   all.done = RunBatch(poses.size, options, [&](size_t begin, size_t end) {
-    chunks[begin / kBatchChunk] = solve(begin, end, all.reasons);
+    ChunkSolutions chunk = in_order.Take();
+    solve(begin, end, all.reasons, chunk);
+    in_order.Put(begin / kBatchChunk, std::move(chunk));
   });
-  size_t candidates = 0;
-  for (const ChunkSolutions& chunk : chunks) candidates += chunk.size;
-  all.joints.reserve(candidates);
-  all.distances_rad.reserve(candidates);
-  all.refusals.reserve(candidates);
-  all.first.reserve(poses.size + 1);
-  all.first.push_back(0);
-  for (ChunkSolutions& chunk : chunks) {
-    for (const size_t count : chunk.counts) all.first.push_back(all.first.back() + count);
-    Append(chunk.joints, chunk.size, all.joints);
-    Append(chunk.distances_rad, chunk.size, all.distances_rad);
-    Append(chunk.refusals, chunk.size, all.refusals);
-    chunk = {};
-  }
+  in_order.Finish();
   return all;
 }
 

@@ -2,7 +2,9 @@
 #define QAL_SOLVE_CHUNK_SOLVER_H_
 
 #include <algorithm>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <vector>
 
@@ -26,15 +28,17 @@ struct BatchRequests {
 /// What solves a batch block by block; nothing where poses go one by one.
 std::optional<BlockInverse> BlocksFor(const Arm& arm, const InverseOptions& inverse);
 
-/// The solutions of a chunk of poses: room for the most that a family of arms has of each, which a
-/// solver library may need more than.
+/// The solutions of a chunk of poses.
 class ChunkSolutions {
  public:
-  ChunkSolutions() = default;
-  explicit ChunkSolutions(size_t poses) {
+  /// Has none, and room for the most that a family of arms has of so many poses, which a solver
+  /// library may need more than.
+  void Begin(size_t poses) {
     constexpr size_t kMostOfFamily = 8;
+    size = 0;
+    counts.clear();
     counts.reserve(poses);
-    Grow(kMostOfFamily * poses);
+    if (room_ < kMostOfFamily * poses) Grow(kMostOfFamily * poses);
   }
 
   void Add(const Joints& solution, double distance_rad, Reason refusal) {
@@ -69,6 +73,38 @@ class ChunkSolutions {
   size_t room_ = 0;
 };
 
+/// The solutions of a batch, to which chunks are added in their order, whoever has solved them.
+class SolutionsInOrder {
+ public:
+  /// @param all   out
+  /// @param poses of all chunks
+  SolutionsInOrder(BatchSolutions& all, size_t poses) : all_(all), poses_(poses) {
+    all_.first.reserve(poses + 1);
+    all_.first.push_back(0);
+  }
+
+  /// A chunk to fill, with room that has been used before.
+  ChunkSolutions Take();
+  /// Takes a chunk, and adds those whose turn it is, if no other thread does so: a few of them, so
+  /// that the thread goes on with its own work.
+  void Put(size_t index, ChunkSolutions&& chunk);
+  /// Adds what is left when all are put.
+  void Finish();
+
+ private:
+  // Of up to so many chunks; with the lock, which is open while one is appended.
+  void AppendNext(size_t most, std::unique_lock<std::mutex>& lock);
+  void Append(const ChunkSolutions& chunk);
+
+  BatchSolutions& all_;
+  size_t poses_;
+  std::mutex mutex_;
+  std::map<size_t, ChunkSolutions> waiting_;
+  std::vector<ChunkSolutions> spare_;
+  size_t next_ = 0;
+  bool appending_ = false;
+};
+
 /// Solves chunk after chunk.
 class ChunkSolver {
  public:
@@ -76,7 +112,9 @@ class ChunkSolver {
       : arm_(arm), requests_(requests), inverse_(inverse), blocks_(BlocksFor(arm, inverse)) {}
 
   /// @param reasons out: of the poses from `begin` up to `end`
-  ChunkSolutions operator()(size_t begin, size_t end, std::vector<Reason>& reasons) const;
+  /// @param solved  out
+  void operator()(size_t begin, size_t end, std::vector<Reason>& reasons,
+                  ChunkSolutions& solved) const;
 
  private:
   Reason AddAlone(size_t i, ChunkSolutions& solved) const;
