@@ -1,6 +1,7 @@
 #ifndef QAL_SOLVER_CLOSED_FORM_SOLVE_H_
 #define QAL_SOLVER_CLOSED_FORM_SOLVE_H_
 
+#include <algorithm>
 #include <type_traits>
 
 #include "shoulder.h"
@@ -150,6 +151,15 @@ Solutions SolveTarget(const Held& held, const double* eetrans, const double* eer
                         {{eetrans[0], eetrans[1], eetrans[2]}}};
   if (!IsRotation(target.rotation)) return {};
   return SolveHeld(held, target);
+}
+
+/// The solutions as an array has them, which has room for `Solutions::kMost`.
+/// @return how many
+inline int WriteSolutions(const Solutions& found, double (*joints)[6]) {
+  for (const Joints& solution : found) {
+    std::copy(solution.begin(), solution.end(), *joints++);
+  }
+  return static_cast<int>(found.Count());
 }
 
 /// The tool frame of six joints [rad] as the solver interface has it.

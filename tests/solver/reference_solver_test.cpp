@@ -24,6 +24,8 @@ TEST(ReferenceSolver, RefusesWhatIsNoReachablePoseAndLeavesTheListAlone) {
     list.AddSolution(std::vector<ikfast::IkSingleDOFSolutionBase<double>>(6), {});
     EXPECT_FALSE(ikfast::ComputeIk(&pose[0], &pose[3], nullptr, list));
     EXPECT_EQ(list.GetNumSolutions(), 1u);
+    double array[qal::ArraySolver::kMost][6];
+    EXPECT_EQ(qal_array_solver_1()->inverse(&pose[0], &pose[3], array), 0);
   }
 }
 

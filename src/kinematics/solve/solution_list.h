@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "../../core/joint_count.h"
+#include "../array_solver.h"
 #include "../ikfast.h"
 
 namespace qal {
@@ -17,6 +18,9 @@ namespace qal {
 /// It keeps only what every pose brings: solutions of six joints without a free one, as many as an
 /// arm with a spherical wrist has. With the first that is none of these, and when a solution is
 /// asked for by its index, all move to the inherited list and stay there.
+///
+/// A solver of ours writes joints to an array instead, which comes to stand first; a solver library
+/// never sees a list that has any.
 class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
   using Base = ikfast::IkSolutionList<ikfast::IkReal>;
   using Joint = ikfast::IkSingleDOFSolutionBase<ikfast::IkReal>;
@@ -37,20 +41,6 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
     return Base::AddSolution(vinfos, vfree);
   }
 
-  /// Adds six joints [rad] without the vectors that a solver library has to bring.
-  void AddJoints(const double* joints) {
-    if (kept_count_ == kMostKept || !_listsolutions.empty()) MoveToList();
-    if (!_listsolutions.empty()) {
-      std::vector<Joint> entries(kJointCount);
-      for (size_t j = 0; j < entries.size(); ++j) entries[j].foffset = joints[j];
-      (void)Base::AddSolution(entries, {});
-      return;
-    }
-    Joint* const kept = kept_[kept_count_++];
-    std::uninitialized_value_construct_n(kept, kJointCount);
-    for (int j = 0; j < kJointCount; ++j) kept[j].foffset = joints[j];
-  }
-
   const ikfast::IkSolutionBase<ikfast::IkReal>& GetSolution(size_t index) const override {
     // What the list holds doesn't change, only where.
     // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast)
@@ -61,14 +51,25 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
   size_t GetNumSolutions() const override { return kept_count_ + _listsolutions.size(); }
 
   void Clear() override {
+    array_count_ = 0;
     kept_count_ = 0;
     Base::Clear();
+  }
+
+  /// Has `solve(array)` write solutions, each six joints [rad], to an array of
+  /// `ArraySolver::kMost` and return how many there are.
+  /// @return whether there are any
+  template <typename Solve>
+  bool TakeArray(Solve solve) {
+    array_count_ = solve(array_);
+    return array_count_ > 0;
   }
 
   /// Calls visit(joints) with the six joints [rad] of each solution, in the solver's order. Passes
   /// over solutions that don't have six joints.
   template <typename Visit>
   void ForEach(Visit visit) const {
+    for (int i = 0; i < array_count_; ++i) visit(array_[i]);
     double joints[kJointCount] = {};
     for (size_t i = 0; i < kept_count_; ++i) {
       for (int j = 0; j < kJointCount; ++j) joints[j] = kept_[i][j].foffset;
@@ -93,9 +94,11 @@ class SolutionList final : public ikfast::IkSolutionList<ikfast::IkReal> {
   }
 
   size_t kept_count_ = 0;
+  int array_count_ = 0;
   union {
     Joint kept_[kMostKept][kJointCount];
   };
+  double array_[ArraySolver::kMost][kJointCount];
 };
 
 }  // namespace qal

@@ -15,9 +15,9 @@ class GeometrySolver : public SolverFunctions {
   explicit GeometrySolver(const Geometry& geometry) : geometry_(geometry) {}
 
   bool Inverse(const double* eetrans, const double* eerot, SolutionList& solutions) const override {
-    const closed_form::Solutions found = SolveTarget(&geometry_, eetrans, eerot);
-    for (const closed_form::Joints& joints : found) solutions.AddJoints(joints.data());
-    return found.Count() > 0;
+    return solutions.TakeArray([&](double(*joints)[6]) {
+      return WriteSolutions(SolveTarget(&geometry_, eetrans, eerot), joints);
+    });
   }
 
   void Forward(const double* joints, double* eetrans, double* eerot) const override {

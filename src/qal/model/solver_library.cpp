@@ -11,6 +11,7 @@ namespace {
 
 constexpr char kComputeIk[] = "_ZN6ikfast9ComputeIkEPKdS1_S1_RNS_18IkSolutionListBaseIdEE";
 constexpr char kComputeFk[] = "_ZN6ikfast9ComputeFkEPKdPdS2_";
+constexpr char kArraySolver[] = "qal_array_solver_1";
 constexpr int kFullPoseType = 0x67000001;
 
 // Private in both directions: nobody else sees the library's names, and it sees its own before the
@@ -80,6 +81,9 @@ SolverLibrary::SolverLibrary(const std::string& path) : library_(Open(path)) {
   }
   compute_ik_ = Find<ComputeIk>(library_, kComputeIk);
   compute_fk_ = Find<ComputeFk>(library_, kComputeFk);
+  const auto arrays = Find<decltype(&qal_array_solver_1)>(library_, kArraySolver);
+  // Another one's if the library has it from a library that it needs.
+  if (arrays != nullptr && arrays()->compute_ik == compute_ik_) array_inverse_ = arrays()->inverse;
 }
 
 SolverLibrary::~SolverLibrary() {
@@ -123,7 +127,9 @@ std::string SolverLibrary::GeometryHash() const {
 
 bool SolverLibrary::Inverse(const double* eetrans, const double* eerot,
                             SolutionList& solutions) const {
-  return compute_ik_(eetrans, eerot, nullptr, solutions);
+  if (array_inverse_ == nullptr) return compute_ik_(eetrans, eerot, nullptr, solutions);
+  return solutions.TakeArray(
+      [&](double(*joints)[6]) { return array_inverse_(eetrans, eerot, joints); });
 }
 
 void SolverLibrary::Forward(const double* joints, double* eetrans, double* eerot) const {
