@@ -15,6 +15,7 @@ enum class Kind {
   kPeer,     ///< timed beside ours only
   kScaling,  ///< one of a row of sizes
   kThreads,  ///< timed on one thread and on two
+  kBatches,  ///< timed by the clock, as it takes threads of its own
 };
 
 /// One thing that is measured.

@@ -42,6 +42,16 @@ Targets TargetsOf(const Workload& work) {
   return targets;
 }
 
+// What batches take of them, so many times.
+Targets Repeated(const Targets& targets, int times) {
+  Targets repeated;
+  for (int i = 0; i < times; ++i) {
+    repeated.poses.insert(repeated.poses.end(), targets.poses.begin(), targets.poses.end());
+    repeated.joints.insert(repeated.joints.end(), targets.joints.begin(), targets.joints.end());
+  }
+  return repeated;
+}
+
 Case OnePose(int lanes, const std::shared_ptr<const Targets>& targets) {
   return {"lanes/one pose in " + std::to_string(lanes), Kind::kPeer, targets->frames.size(),
           [lanes, targets] {
@@ -80,27 +90,33 @@ void AddLanes(const Workload& work, Cases& cases) {
     if (lanes <= 4) cases.push_back(OnePose(lanes, targets));
     cases.push_back(Block(lanes, targets));
   }
-  const auto add = [&](const char* name, Kind kind, unsigned threads, auto batch) {
-    cases.push_back({name, kind, count, [=] {
-                       const size_t refused = batch(*targets, BatchOptions{threads});
-                       return count - refused;
-                     }});
-  };
   const Arm arm = Arm::Reference();
   const auto nearest = [arm](const Targets& of, const BatchOptions& options) {
     std::vector<Joints> joints(of.poses.size());
     return Nearest(arm, of.poses, of.joints, joints, {}, {}, options).refused;
   };
-  add("batch/nearest", Kind::kOurs, 1, nearest);
-  add("batch/all", Kind::kOurs, 1, [arm](const Targets& of, const BatchOptions& options) {
+  const auto add = [&](const char* name, auto batch) {
+    cases.push_back({name, Kind::kOurs, count, [=] {
+                       const size_t refused = batch(*targets, BatchOptions{1});
+                       return count - refused;
+                     }});
+  };
+  add("batch/nearest", nearest);
+  add("batch/all", [arm](const Targets& of, const BatchOptions& options) {
     const BatchSolutions all = Inverse(arm, of.poses, of.joints, {}, options);
     return of.poses.size() - all.done;
   });
-  add("batch/forward", Kind::kOurs, 1, [arm](const Targets& of, const BatchOptions& options) {
+  add("batch/forward", [arm](const Targets& of, const BatchOptions& options) {
     std::vector<Pose> poses(of.joints.size());
     return Forward(arm, of.joints, poses, {}, options).refused;
   });
-  add("batch/nearest on two cores", Kind::kPeer, 2, nearest);
+  // Long enough that what it takes to begin threads doesn't show.
+  const auto many = std::make_shared<const Targets>(Repeated(*targets, 20));
+  for (const unsigned threads : {1U, 2U}) {
+    cases.push_back({"threads/batch of Nearest/" + std::to_string(threads), Kind::kBatches,
+                     many->poses.size(),
+                     [=] { return many->poses.size() - nearest(*many, BatchOptions{threads}); }});
+  }
 }
 
 }  // namespace qal::bench

@@ -80,6 +80,7 @@ int TimeAll(int argc, char** argv) {
     auto* timed = benchmark::RegisterBenchmark(
         one.name.c_str(), [&one](benchmark::State& state) { Time(state, one); });
     if (one.kind == Kind::kThreads) timed->ThreadRange(1, 2)->UseRealTime();
+    if (one.kind == Kind::kBatches) timed->UseRealTime();
   }
   benchmark::RunSpecifiedBenchmarks();
   benchmark::Shutdown();
