@@ -39,7 +39,7 @@ TEST_F(ReachCommand, RefusesInOneLine) {
       {"reach --step 0.1 -o a.h5", "--box is missing"},
       {"reach --box 0 0 0 1 1 -1 --step 0.1 -o a.h5", "the box extent along z is -1 m"},
       {"reach --box 0 0 0 1 1 1 --step 0 -o a.h5",
-       "the step is 0 m; the nearest that works is 0.0009999"},
+       "the step is 0 m; the nearest that works is 0.001 m"},
       {kBox + "--shard 3/2 -o a.h5", "'3' is no whole number from 1 to 2"},
       {kBox + "--spins 2 -o whole.h5", "whole.h5 is there already, and of another study"},
       {kBox + "-o text.h5", "text.h5 is there already, and no file of a reach study"},

@@ -40,7 +40,13 @@ bool StepWorks(const std::array<double, 3>& extents_m, double step_m) {
          CellsOf(extents_m, step_m) <= static_cast<double>(kMostReachCells);
 }
 
-// The smallest step that works.
+// The next number of three digits.
+double RoundedUp(double value) {
+  const double scale = std::pow(10, 2 - std::floor(std::log10(value)));
+  return std::ceil(value * scale) / scale;
+}
+
+// The smallest step that works and is short to write.
 double SmallestStep(const std::array<double, 3>& extents_m) {
   double fails = 0;
   double works = std::max({extents_m[0], extents_m[1], extents_m[2], 1e-3});
@@ -49,7 +55,7 @@ double SmallestStep(const std::array<double, 3>& extents_m) {
     const double middle = (fails + works) / 2;
     (StepWorks(extents_m, middle) ? works : fails) = middle;
   }
-  return works;
+  return RoundedUp(works);
 }
 
 double LengthOf(const Vec3& v) { return std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z); }
