@@ -25,36 +25,87 @@ std::vector<T> ValuesOf(const ReachFile& file, Value value) {
   return values;
 }
 
+// What datasets of both kinds of studies say.
+struct CellTexts {
+  const char* share;
+  const char* directions;
+  const char* solutions;
+  const char* margin;
+  const char* singular;
+  const char* orientation;
+  const char* joints;
+};
+
+constexpr CellTexts kOfBox = {
+    "share of the directions that are reached",
+    "how many directions are reached, in at least one of their spins",
+    "admissible solutions of all orientations together",
+    "how far the best solution's joints stay from their limits; NaN: none",
+    "of the Jacobian in metres and radians, at the best solution",
+    "the best solution's, as a row of orientations from 0; -1: none",
+    "the best solution, joint 1 first; NaN: none"};
+
+constexpr CellTexts kOfPlacement = {
+    "share of the poses that are reached from this position of the base",
+    "how many poses are reached",
+    "admissible solutions of all poses together",
+    "the margin of the reached pose that has the least: how far its best solution's joints stay "
+    "from "
+    "their limits; NaN: no pose is reached",
+    "of the Jacobian in metres and radians, the smallest of the reached poses' best solutions",
+    "the pose with the least margin, as a row of poses from 0; -1: none",
+    "the best solution of the pose with the least margin, joint 1 first; NaN: none"};
+
 void WriteCells(Hdf5Writer& hdf5, const ReachFile& file) {
-  hdf5.Dataset("reached_share",
-               ValuesOf<double>(file,
-                                [&](const ReachCell& cell) {
-                                  return static_cast<double>(cell.directions) /
-                                         file.study.directions;
-                                }),
-               1, {"1", "share of the directions that are reached"});
+  const auto& [share, reached, all, margin, singular, orientation, solution] =
+      file.study.poses.empty() ? kOfBox : kOfPlacement;
+  const double directions = DirectionsOf(file.study);
+  hdf5.Dataset(
+      "reached_share",
+      ValuesOf<double>(file, [=](const ReachCell& cell) { return cell.directions / directions; }),
+      1, {"1", share});
   hdf5.Dataset("reached_directions",
                ValuesOf<uint32_t>(file, [](const ReachCell& cell) { return cell.directions; }),
-               {"1", "how many directions are reached, in at least one of their spins"});
+               {"1", reached});
   hdf5.Dataset("solutions",
                ValuesOf<uint32_t>(file, [](const ReachCell& cell) { return cell.solutions; }),
-               {"1", "admissible solutions of all orientations together"});
+               {"1", all});
   hdf5.Dataset("margin",
                ValuesOf<double>(file, [](const ReachCell& cell) { return cell.margin_rad; }), 1,
-               {"rad", "how far the best solution's joints stay from their limits; NaN: none"});
+               {"rad", margin});
   hdf5.Dataset(
       "smallest_singular_value",
       ValuesOf<double>(file, [](const ReachCell& cell) { return cell.smallest_singular_value; }), 1,
-      {"1", "of the Jacobian in metres and radians, at the best solution"});
+      {"1", singular});
   hdf5.Dataset("orientation",
                ValuesOf<int32_t>(file, [](const ReachCell& cell) { return cell.orientation; }),
-               {"1", "the best solution's, as a row of orientations from 0; -1: none"});
+               {"1", orientation});
   std::vector<double> joints;
   joints.reserve(file.cells.size() * 6);
   for (const ReachCell& cell : file.cells) {
     joints.insert(joints.end(), cell.joints.begin(), cell.joints.end());
   }
-  hdf5.Dataset("joints", joints, 6, {"rad", "the best solution, joint 1 first; NaN: none"});
+  hdf5.Dataset("joints", joints, 6, {"rad", solution});
+}
+
+void WritePoses(Hdf5Writer& hdf5, const std::vector<Pose>& poses) {
+  std::vector<double> numbers;
+  numbers.reserve(poses.size() * 7);
+  for (const auto& [p, q] : poses) {
+    numbers.insert(numbers.end(), {p.x, p.y, p.z, q.w, q.x, q.y, q.z});
+  }
+  hdf5.Dataset("poses", numbers, 7,
+               {"m, 1", "what is to be reached: x y z, then qw qx qy qz, in the box's frame"});
+}
+
+std::vector<Pose> PosesFrom(const Hdf5Reader& hdf5, size_t count) {
+  if (count > kMostReachPoses) throw UsageError(fmt::format("{} poses are too many", count));
+  const std::vector<double> n = hdf5.Doubles("poses", count * 7);
+  std::vector<Pose> poses;
+  for (size_t i = 0; i < n.size(); i += 7) {
+    poses.push_back({{n[i], n[i + 1], n[i + 2]}, {n[i + 3], n[i + 4], n[i + 5], n[i + 6]}});
+  }
+  return poses;
 }
 
 void WriteGrid(Hdf5Writer& hdf5, const ReachStudy& study) {
@@ -62,7 +113,7 @@ void WriteGrid(Hdf5Writer& hdf5, const ReachStudy& study) {
   hdf5.Dataset("grid_count", std::vector<uint32_t>(grid.count.begin(), grid.count.end()),
                {"1", "cells along x, y and z; they are in this order, along x first"});
   hdf5.Dataset("grid_first", {grid.first.x, grid.first.y, grid.first.z}, 1,
-               {"m", "centre of cell 0 in the base frame; the next ones are a step away"});
+               {"m", "centre of cell 0 in the box's frame; the next ones are a step away"});
   hdf5.Dataset("grid_step", {grid.step_m}, 1, {"m", "edge of a cell"});
   const std::vector<Quat> tried = *OrientationsOf(study);
   std::vector<double> orientations;
@@ -80,7 +131,8 @@ ReachFile ReadFrom(const Hdf5Reader& hdf5) {
   }
   ReachFile file;
   file.description = hdf5.Text("study");
-  file.study = ReadReachStudy(file.description);
+  file.study =
+      ReadReachStudy(file.description, [&hdf5](size_t count) { return PosesFrom(hdf5, count); });
   file.first = hdf5.Number("first_cell");
   const uint64_t end = hdf5.Number("end_cell");
   if (file.first > end || end > GridOf(file.study)->cells()) {
@@ -115,6 +167,7 @@ void WriteReachFile(const std::string& path, const ReachFile& file) {
   hdf5.Attribute("first_cell", file.first);
   hdf5.Attribute("end_cell", file.end());
   WriteGrid(hdf5, file.study);
+  if (!file.study.poses.empty()) WritePoses(hdf5, file.study.poses);
   WriteCells(hdf5, file);
   WriteFile(path, hdf5.Bytes());
 }

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cstring>
+
 #include "error.h"
 #include "error_text.h"
 #include "json_text.h"
@@ -14,6 +16,56 @@ Json NumbersOf(const Vec3& v) { return {v.x, v.y, v.z}; }
 
 Vec3 VectorOf(const nlohmann::json& numbers) {
   return {numbers.at(0).get<double>(), numbers.at(1).get<double>(), numbers.at(2).get<double>()};
+}
+
+std::vector<double> NumbersOf(const Pose& pose) {
+  const auto& [p, q] = pose;
+  return {p.x, p.y, p.z, q.w, q.x, q.y, q.z};
+}
+
+// FNV-1a over the bits of the poses, the lowest byte of each number first: two studies of other
+// poses have another description.
+std::string HashOf(const std::vector<Pose>& poses) {
+  uint64_t hash = 0xcbf29ce484222325u;
+  for (const Pose& pose : poses) {
+    for (const double number : NumbersOf(pose)) {
+      uint64_t bits = 0;
+      std::memcpy(&bits, &number, sizeof bits);
+      for (int i = 0; i < 64; i += 8) hash = (hash ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
+    }
+  }
+  return fmt::format("{:016x}", hash);
+}
+
+// What is tried in each cell.
+Json TriedJson(const ReachStudy& study) {
+  if (!study.poses.empty()) {
+    return {
+        {"kind", "placement"}, {"poses", study.poses.size()}, {"poses_hash", HashOf(study.poses)}};
+  }
+  return {{"kind", "reach"},
+          {"directions", study.directions},
+          {"spins", study.spins},
+          {"tilt_axis", NumbersOf(study.tilt_axis)},
+          {"tilt_cone_rad", study.tilt_cone_rad}};
+}
+
+void ReadTried(const nlohmann::json& json, const ReachPoses& poses, ReachStudy& study) {
+  const auto kind = json.at("kind").get<std::string>();
+  if (kind == "reach") {
+    study.directions = json.at("directions").get<int>();
+    study.spins = json.at("spins").get<int>();
+    study.tilt_axis = VectorOf(json.at("tilt_axis"));
+    study.tilt_cone_rad = json.at("tilt_cone_rad").get<double>();
+    return;
+  }
+  if (kind != "placement") {
+    throw UsageError(fmt::format("its kind is '{}'; reach or placement is expected", kind));
+  }
+  study.poses = poses(json.at("poses").get<size_t>());
+  if (json.at("poses_hash").get<std::string>() != HashOf(study.poses)) {
+    throw UsageError("its poses are not those of its study");
+  }
 }
 
 Json FrameJson(const Transform& frame) {
@@ -29,30 +81,25 @@ Json ReachStudyJson(const LoadedArm& loaded, const ReachStudy& study) {
   for (const JointModel& joint : loaded.arm.joints()) {
     ranges.push_back({joint.lower_rad.value, joint.upper_rad.value});
   }
-  return {{"arm", arm},
-          {"joint_ranges_rad", ranges},
-          {"base", FrameJson(loaded.arm.base())},
-          {"tool", FrameJson(loaded.arm.tool())},
-          {"box_min_m", NumbersOf(study.box_min)},
-          {"box_max_m", NumbersOf(study.box_max)},
-          {"step_m", study.step_m},
-          {"directions", study.directions},
-          {"spins", study.spins},
-          {"tilt_axis", NumbersOf(study.tilt_axis)},
-          {"tilt_cone_rad", study.tilt_cone_rad}};
+  Json json = {{"arm", arm},
+               {"joint_ranges_rad", ranges},
+               {"base", FrameJson(loaded.arm.base())},
+               {"tool", FrameJson(loaded.arm.tool())},
+               {"box_min_m", NumbersOf(study.box_min)},
+               {"box_max_m", NumbersOf(study.box_max)},
+               {"step_m", study.step_m}};
+  json.update(TriedJson(study));
+  return json;
 }
 
-ReachStudy ReadReachStudy(const std::string& description) {
+ReachStudy ReadReachStudy(const std::string& description, const ReachPoses& poses) {
   ReachStudy study;
   try {
     const nlohmann::json json = ParseJsonText(description);
     study.box_min = VectorOf(json.at("box_min_m"));
     study.box_max = VectorOf(json.at("box_max_m"));
     study.step_m = json.at("step_m").get<double>();
-    study.directions = json.at("directions").get<int>();
-    study.spins = json.at("spins").get<int>();
-    study.tilt_axis = VectorOf(json.at("tilt_axis"));
-    study.tilt_cone_rad = json.at("tilt_cone_rad").get<double>();
+    ReadTried(json, poses, study);
   } catch (const nlohmann::json::exception& error) {
     throw UsageError(fmt::format("its study is none: {}", error.what()));
   }

@@ -64,7 +64,7 @@ std::string ReachVti(const ReachFile& whole) {
   const std::string extent =
       fmt::format("0 {} 0 {} 0 {}", grid.count[0], grid.count[1], grid.count[2]);
   VtiArrays arrays(whole);
-  AddArrays(arrays, whole.study.directions);
+  AddArrays(arrays, DirectionsOf(whole.study));
   return fmt::format(
              "<?xml version=\"1.0\"?>\n"
              "<VTKFile type=\"ImageData\" version=\"1.0\" byte_order=\"LittleEndian\" "

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <random>
 
+#include "qal/model/chain.h"
 #include "qal/model/rotations.h"
 
 namespace qal {
@@ -38,6 +39,29 @@ bool SameCell(const ReachCell& a, const ReachCell& b) {
          same(a.smallest_singular_value, b.smallest_singular_value);
 }
 
+double MarginOf(const Arm& arm, const Joints& joints) {
+  double margin = 10;
+  for (size_t j = 0; j < 6; ++j) {
+    const JointModel& joint = arm.joints()[j];
+    margin = std::min(
+        margin, std::min(joints[j] - joint.lower_rad.value, joint.upper_rad.value - joints[j]));
+  }
+  return margin;
+}
+
+// The admissible solution with the largest margin, and how many there are.
+std::pair<Joints, uint32_t> BestOf(const Arm& arm, const Pose& pose) {
+  std::pair<Joints, uint32_t> best = {};
+  const auto candidates = Inverse(arm, pose, {});
+  if (!candidates) return best;
+  for (const Candidate& candidate : *candidates) {
+    if (candidate.refusal) continue;
+    const double margin = MarginOf(arm, candidate.joints);
+    if (best.second++ == 0 || margin > MarginOf(arm, best.first)) best.first = candidate.joints;
+  }
+  return best;
+}
+
 // By single calls, orientation by orientation.
 ReachCell ByHand(const ReachStudy& study, const Vec3& centre, const std::vector<Quat>& tried) {
   ReachCell cell;
@@ -49,12 +73,7 @@ ReachCell ByHand(const ReachStudy& study, const Vec3& centre, const std::vector<
       if (candidate.refusal) continue;
       ++cell.solutions;
       reached[i / static_cast<size_t>(study.spins)] = true;
-      double margin = 10;
-      for (size_t j = 0; j < 6; ++j) {
-        const JointModel& joint = kReachArm.joints()[j];
-        margin = std::min(margin, std::min(candidate.joints[j] - joint.lower_rad.value,
-                                           joint.upper_rad.value - candidate.joints[j]));
-      }
+      const double margin = MarginOf(kReachArm, candidate.joints);
       if (cell.orientation >= 0 && !(margin > cell.margin_rad)) continue;
       cell.orientation = static_cast<int32_t>(i);
       cell.margin_rad = margin;
@@ -89,6 +108,81 @@ TEST(ReachThreads, GiveTheCellsOfSingleCallsHoweverTheyAreCut) {
     ASSERT_EQ(whole.size(), cells.size());
     EXPECT_TRUE(std::equal(whole.begin(), whole.end(), cells.begin(), SameCell)) << threads;
   }
+}
+
+// Of an arm whose base is turned and away from the origin: poses that were reached with it there,
+// moved by about half of what the box has of positions.
+ReachStudy PlacementStudy(const Arm& arm) {
+  std::mt19937_64 random(11);
+  std::uniform_real_distribution<double> joint(-2, 2);
+  ReachStudy study;
+  study.box_min = {-0.6, -0.6, 0.1};
+  study.box_max = {0.6, 0.6, 0.5};
+  study.step_m = 0.2;
+  while (study.poses.size() < 35) {
+    Joints joints;
+    for (double& value : joints) value = joint(random);
+    study.poses.push_back(*Forward(arm, joints));
+  }
+  return study;
+}
+
+Arm TurnedArm() {
+  ArmSettings settings;
+  settings.base = FromRollPitchYaw({0.1, -0.2, 0.9});
+  settings.base.position = {0.3, -0.1, 0.2};
+  return *Arm::FromSolver(kReachArm.solver(), settings);
+}
+
+// Pose by pose, for a base at `at`: the worst pose's best solution.
+ReachCell PlacedByHand(const Arm& arm, const ReachStudy& study, const Vec3& at) {
+  ReachCell cell;
+  for (size_t i = 0; i < study.poses.size(); ++i) {
+    const auto& [p, orientation] = study.poses[i];
+    const Vec3& base = arm.base().position;
+    const Pose seen = {{p.x - at.x + base.x, p.y - at.y + base.y, p.z - at.z + base.z},
+                       orientation};
+    const auto [best, solutions] = BestOf(arm, seen);
+    if (solutions == 0) continue;
+    ++cell.directions;
+    cell.solutions += solutions;
+    const double singular = DistanceToSingularities(arm, best)->smallest_singular_value;
+    if (!(cell.smallest_singular_value <= singular)) cell.smallest_singular_value = singular;
+    const double margin = MarginOf(arm, best);
+    if (cell.orientation >= 0 && !(margin < cell.margin_rad)) continue;
+    cell.orientation = static_cast<int32_t>(i);
+    cell.margin_rad = margin;
+    cell.joints = best;
+  }
+  return cell;
+}
+
+TEST(ReachPlacement, TellsTheWorstPoseOfEachPositionOfTheBase) {
+  const Arm arm = TurnedArm();
+  const ReachStudy study = PlacementStudy(arm);
+  const ReachGrid grid = *GridOf(study);
+  const std::vector<ReachCell> whole = *Reach(arm, study, 0, grid.cells());
+  size_t partly = 0;
+  for (size_t i = 0; i < whole.size(); ++i) {
+    ASSERT_TRUE(SameCell(PlacedByHand(arm, study, grid.Centre(i)), whole[i])) << "cell " << i;
+    if (whole[i].directions > 0 && whole[i].directions < 35) ++partly;
+  }
+  EXPECT_GE(partly, 20U);
+  const size_t middle = whole.size() / 2;
+  std::vector<ReachCell> cells = *Reach(arm, study, 0, middle, {7});
+  const std::vector<ReachCell> rest = *Reach(arm, study, middle, whole.size(), {1});
+  cells.insert(cells.end(), rest.begin(), rest.end());
+  EXPECT_TRUE(std::equal(whole.begin(), whole.end(), cells.begin(), SameCell));
+}
+
+// All poses are reached where the base was when they were made, up to the rounding of the shift.
+TEST(ReachPlacement, ReachesAllPosesWithTheBaseWhereItIs) {
+  const Arm arm = TurnedArm();
+  ReachStudy study = PlacementStudy(arm);
+  study.box_min = study.box_max = arm.base().position;
+  EXPECT_EQ(35U, (*Reach(arm, study, 0, 1))[0].directions);
+  study.poses[3].orientation = {0, 0, 0, 0};
+  EXPECT_EQ(Reason::kNotAnOrientation, Reach(arm, study, 0, 1).error().reason);
 }
 
 // 0.3 m in steps of 0.1 m are 3 cells, whatever 0.3 / 0.1 is in binary; 0.25 m take 3 as well,

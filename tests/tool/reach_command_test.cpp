@@ -58,6 +58,75 @@ TEST_F(ReachCommand, RefusesInOneLine) {
   }
 }
 
+// Three poses about a table, of which one is 3 m from another: no position of the base reaches
+// both.
+const std::string kTable =
+    "x_m,y_m,z_m,qw,qx,qy,qz\n"
+    "2,0.1,0.4,0,1,0,0\n"
+    "2.2,-0.1,0.5,0,0.8,0.6,0\n";
+const std::string kFarPose = "-1,0,0.4,0,1,0,0\n";
+const std::string kPlaces = "reach --box 1 -0.6 0 2 0.6 0.2 --step 0.2 --poses ";
+
+// Its poses as the base sees them from a position.
+std::string SeenFrom(const Json& position) {
+  const auto row = [&](double x, double y, double z, const char* orientation) {
+    std::string text;
+    for (const double value : {x - position[0].get<double>(), y - position[1].get<double>(),
+                               z - position[2].get<double>()}) {
+      text += std::to_string(value) + ',';
+    }
+    return text + orientation + '\n';
+  };
+  return "x_m,y_m,z_m,qw,qx,qy,qz\n" + row(2, 0.1, 0.4, "0,1,0,0") +
+         row(2.2, -0.1, 0.5, "0,0.8,0.6,0");
+}
+
+TEST_F(ReachCommand, FindsWhereTheBaseReachesAllPoses) {
+  std::ofstream("table.csv") << kTable;
+  const Json whole = QalJson(kPlaces + "table.csv -o place.h5 --vti place.vti");
+  EXPECT_EQ("placement", whole["study"]["kind"]);
+  const Json& best = whole["best_positions"];
+  ASSERT_EQ(5U, best.size());
+  EXPECT_GT(whole["positions_reaching_all_poses"], 5);
+  EXPECT_LT(whole["positions_reaching_all_poses"], 30);
+  for (size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(2, best[i]["poses_reached"]);
+    EXPECT_LE(best[i]["margin_rad"], best[i == 0 ? 0 : i - 1]["margin_rad"]);
+    std::ofstream("seen.csv") << SeenFrom(best[i]["position_m"]);
+    EXPECT_EQ(0, Qal("ik --file seen.csv").status);
+  }
+  for (const char* shard : {"1/2", "2/2"}) {
+    ASSERT_EQ(0, Qal(kPlaces + "table.csv --shard " + shard + " -o " + shard[0] + ".h5").status);
+  }
+  ASSERT_EQ(0, Qal("reach merge 2.h5 1.h5 -o merged.h5 --vti merged.vti").status);
+  EXPECT_TRUE(FileContent("place.h5") == FileContent("merged.h5"));
+  EXPECT_TRUE(FileContent("place.vti") == FileContent("merged.vti"));
+}
+
+TEST_F(ReachCommand, SaysWhichPosesTheBestPositionMisses) {
+  std::ofstream("far.csv") << kTable + kFarPose;
+  const Json none = QalJson(kPlaces + "far.csv -o far.h5");
+  EXPECT_EQ(0, none["positions_reaching_all_poses"]);
+  EXPECT_EQ(Json::parse(R"([{"pose": 2, "line": 4}])"), none["missed_at_the_best_position"]);
+  const std::string told = Qal(kPlaces + "far.csv -o far.h5").out;
+  EXPECT_NE(std::string::npos, told.find("missed at the best position, of far.csv: line 4\n"))
+      << told;
+  // A file of as many other poses is another study's.
+  std::ofstream("other.csv") << kTable + "-2,0,0.4,0,1,0,0\n";
+  std::ofstream("joints.csv") << kFourRows;
+  const std::pair<std::string, const char*> kRefused[] = {
+      {"other.csv -o far.h5", "far.h5 is there already, and of another study"},
+      {"far.csv --tilt 1 -o a.h5", "--tilt does not go with --poses"},
+      {"joints.csv -o a.h5", "joints.csv: line 1"},
+  };
+  for (const auto& [arguments, said] : kRefused) {
+    const ToolRun run = Qal(kPlaces + arguments);
+    EXPECT_EQ(2, run.status) << arguments;
+    EXPECT_NE(std::string::npos, run.err.find(said)) << run.err;
+    EXPECT_EQ(run.err.size() - 1, run.err.find('\n')) << run.err;
+  }
+}
+
 // ParaView's file: behind the offsets that it says the arrays have as many bytes as cells need.
 TEST_F(ReachCommand, WritesTheCellsForParaView) {
   const Json study = QalJson(kBox + "-o whole.h5 --vti whole.vti");

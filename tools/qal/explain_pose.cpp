@@ -4,11 +4,11 @@
 #include <memory>
 
 #include "../../io/files.h"
-#include "../../io/limits.h"
 #include "../../io/trajectory_csv.h"
 #include "../common/values.h"
 #include "explain.h"
 #include "ik_arguments.h"
+#include "point_file.h"
 #include "pose_option.h"
 
 namespace qal::tools {
@@ -112,14 +112,6 @@ void ExplainOne(const ExplainPoseArguments& arguments, const LoadedArm& loaded) 
   WriteExplained(ik.common, arguments.report, loaded, answer);
 }
 
-PointRows ReadPoses(const std::string& path) {
-  try {
-    return ParsePointsCsv(ReadFile(path, kLargestTrajectory), PointKind::kPoses);
-  } catch (const UsageError& error) {
-    throw UsageError(fmt::format("{}: {}", NameOf(path), error.what()));
-  }
-}
-
 std::vector<TimedPose> TimedOf(const PointRows& rows, double cycle_s) {
   std::vector<TimedPose> poses;
   for (const FileSample& sample : rows.points.samples) {
@@ -132,7 +124,7 @@ std::vector<TimedPose> TimedOf(const PointRows& rows, double cycle_s) {
 void ExplainFile(const ExplainPoseArguments& arguments, const std::string& path,
                  const LoadedArm& loaded) {
   const IkArguments& ik = arguments.ik;
-  const PointRows rows = ReadPoses(path);
+  const PointRows rows = ReadPointFile(path, PointKind::kPoses);
   const auto [near, options] = ik.ReadRequest();
   const std::vector<TimedPose> poses = TimedOf(rows, loaded.arm.cycle_s().value);
   ExplainedAnswer answer;

@@ -102,14 +102,18 @@ std::string Csv(const SolvedRows& rows) {
 
 }  // namespace
 
-void SolveFile(const std::string& path, PointKind kind, const LoadedArm& loaded,
-               const CommonOptions& options, const RowSolver& solve) {
-  SolvedRows rows;
+PointRows ReadPointFile(const std::string& path, PointKind kind) {
+  const std::string text = ReadFile(path, kLargestTrajectory);
   try {
-    rows.read = ParsePointsCsv(ReadFile(path, kLargestTrajectory), kind);
+    return ParsePointsCsv(text, kind);
   } catch (const UsageError& error) {
     throw UsageError(fmt::format("{}: {}", NameOf(path), error.what()));
   }
+}
+
+void SolveFile(const std::string& path, PointKind kind, const LoadedArm& loaded,
+               const CommonOptions& options, const RowSolver& solve) {
+  SolvedRows rows = {ReadPointFile(path, kind), {}};
   for (const FileSample& row : rows.read.points.samples) rows.states.push_back(solve(row));
   options.output.Write(
       options.output.json() ? JsonText(rows, loaded) : ArmRow(loaded) + Table(rows, options.units),

@@ -11,6 +11,11 @@
 
 namespace qal::tools {
 
+/// Reads the rows of a CSV file of joints or poses.
+/// @param path -: standard input
+/// @throw UsageError "FILE: ..."
+io::PointRows ReadPointFile(const std::string& path, io::PointKind kind);
+
 /// Solves a row of a file.
 using RowSolver = std::function<Result<State>(const io::FileSample& row)>;
 

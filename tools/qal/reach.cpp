@@ -14,6 +14,8 @@
 #include "../common/values.h"
 #include "commands.h"
 #include "number_option.h"
+#include "point_file.h"
+#include "reach_placement.h"
 #include "reach_run.h"
 #include "reach_summary.h"
 #include "units.h"
@@ -27,6 +29,7 @@ namespace {
 struct ReachArguments {
   NumberOption box, step, directions, spins, tilt, toward, tool, threads;
   std::string shard = "1/1";
+  std::string poses;  // file of them
   std::string out;
   std::string vti;
   std::vector<std::string> files;  // of merge
@@ -41,6 +44,7 @@ Vec3 VectorAt(const std::vector<double>& numbers, size_t first, const Units& uni
           units.Metres(numbers[first + 2])};
 }
 
+// The box, and what is tried in its cells, but for poses of a file.
 ReachStudy StudyOf(const ReachArguments& a) {
   if (!a.box.given()) throw UsageError("--box is missing: XMIN YMIN ZMIN XMAX YMAX ZMAX");
   if (!a.step.given()) throw UsageError("--step is missing: the edge of a cell");
@@ -49,6 +53,7 @@ ReachStudy StudyOf(const ReachArguments& a) {
   study.box_min = VectorAt(box, 0, a.units);
   study.box_max = VectorAt(box, 3, a.units);
   study.step_m = a.units.Metres(a.step.Read(1, "a length")[0]);
+  if (!a.poses.empty()) return study;
   if (a.directions.given()) study.directions = a.directions.ReadWhole(1, 100000);
   if (a.spins.given()) study.spins = a.spins.ReadWhole(1, 36);
   if (a.tilt.given()) study.tilt_cone_rad = a.units.Radians(a.tilt.Read(1, "an angle")[0]);
@@ -57,6 +62,17 @@ ReachStudy StudyOf(const ReachArguments& a) {
     study.tilt_axis = {axis[0], axis[1], axis[2]};
   }
   return study;
+}
+
+PlacementPoses ReadPoses(const ReachArguments& a, ReachStudy& study) {
+  for (const NumberOption* option : {&a.directions, &a.spins, &a.tilt, &a.toward}) {
+    if (!option->given()) continue;
+    throw UsageError(option->name() +
+                     " does not go with --poses: the poses are what is tried in each cell");
+  }
+  PointRows rows = ReadPointFile(a.poses, PointKind::kPoses);
+  for (const FileSample& row : rows.points.samples) study.poses.push_back(*row.pose);
+  return {NameOf(a.poses), std::move(rows.points.lines)};
 }
 
 LoadedArm ArmOf(const ReachArguments& a) {
@@ -102,9 +118,13 @@ void ExpectMemory(size_t cells) {
 }
 
 // What there is besides the HDF5 file.
-void WriteOthers(const ReachArguments& a, const ReachFile& file) {
+void WriteOthers(const ReachArguments& a, const ReachFile& file, const PlacementPoses& poses) {
   if (!a.vti.empty()) WriteFile(a.vti, ReachVti(file));
-  WriteStandardOutput(a.json ? ReachSummaryJson(file) : ReachSummaryTable(file, a.units));
+  if (file.study.poses.empty()) {
+    WriteStandardOutput(a.json ? ReachSummaryJson(file) : ReachSummaryTable(file, a.units));
+  } else {
+    WriteStandardOutput(a.json ? PlacementJson(file, poses) : PlacementTable(file, poses, a.units));
+  }
 }
 
 void ExpectTwoFiles(const ReachArguments& a) {
@@ -115,7 +135,9 @@ void ExpectTwoFiles(const ReachArguments& a) {
 void RunStudy(const ReachArguments& a) {
   if (a.out.empty()) throw UsageError("-o is missing: the file to write");
   ExpectTwoFiles(a);
-  const ReachStudy study = StudyOf(a);
+  ReachStudy study = StudyOf(a);
+  PlacementPoses poses;
+  if (!a.poses.empty()) poses = ReadPoses(a, study);
   const Result<ReachGrid> grid = GridOf(study);
   if (!grid) throw UsageError(ErrorText(grid.error(), a.units.text()));
   const auto [first, last] = ShardOf(a.shard, grid->cells());
@@ -128,7 +150,8 @@ void RunStudy(const ReachArguments& a) {
       a.threads.given() ? static_cast<unsigned>(a.threads.ReadWhole(1, 1024)) : 0;
   const ReachFile file = RunReach({loaded.arm, ReachStudyJson(loaded, study).dump(), study, first,
                                    last, a.out, a.resume, threads});
-  WriteOthers(a, file);
+  if (!a.poses.empty()) poses.missed = MissedPoses(loaded.arm, file);
+  WriteOthers(a, file, poses);
 }
 
 void RunMerge(const ReachArguments& a) {
@@ -138,7 +161,7 @@ void RunMerge(const ReachArguments& a) {
   const ReachFile whole = MergeReachFiles(std::move(files), a.files);
   ExpectOwnOutput(a.out, whole.description);
   WriteReachFile(a.out, whole);
-  WriteOthers(a, whole);
+  WriteOthers(a, whole, {});
 }
 
 void AddMerge(CLI::App& reach) {
@@ -163,7 +186,8 @@ void AddMerge(CLI::App& reach) {
 
 void AddStudyOptions(CLI::App& reach, ReachArguments& a) {
   a.box.AddTo(reach, "--box", "XMIN .. ZMAX",
-              "box to study: XMIN YMIN ZMIN XMAX YMAX ZMAX [m, base frame; --mm: mm]");
+              "box to study: XMIN YMIN ZMIN XMAX YMAX ZMAX [m, base frame; --mm: mm];\n"
+              "with --poses positions of the arm's base, in the frame of the poses");
   a.step.AddTo(reach, "--step", "N", "edge of a cell [m; --mm: mm]");
   a.directions.AddTo(reach, "--directions", "N",
                      "directions of the tool's z axis that are tried in each cell, spread\n"
@@ -176,6 +200,11 @@ void AddStudyOptions(CLI::App& reach, ReachArguments& a) {
                  "(default: 0 0 -1, down)");
   a.spins.AddTo(reach, "--spins", "N",
                 "rolls about each direction, one of which has to be reached (default: 1)");
+  TakesFile(reach.add_option(
+                "--poses", a.poses,
+                "from which positions of the base are these poses reached: a CSV file with the\n"
+                "columns x_m,y_m,z_m,qw,qx,qy,qz, in place of directions; -: standard input"),
+            kPointFiles);
   a.tool.AddTo(reach, "--tool", "X Y Z R P Y",
                "tool frame in the arm's tip frame, in place of the arm's own:\n"
                "position [m; --mm: mm], roll pitch yaw [rad; --deg: deg]");
@@ -186,7 +215,9 @@ void AddStudyOptions(CLI::App& reach, ReachArguments& a) {
 void AddReach(CLI::App& app, const SharedArm& arm) {
   const auto arguments = std::make_shared<ReachArguments>();
   CLI::App* reach = app.add_subcommand(
-      "reach", "Reach study: from which directions the tool reaches the cells of a box");
+      "reach",
+      "Reach study: from which directions the tool reaches the cells of a box, or from which\n"
+      "positions of its base the arm reaches the poses of a file");
   AddStudyOptions(*reach, *arguments);
   TakesFile(reach->add_option("-o,--out", arguments->out, "HDF5 file to write"), "*.h5");
   TakesFile(reach->add_option("--vti", arguments->vti,
@@ -210,7 +241,8 @@ void AddReach(CLI::App& app, const SharedArm& arm) {
       "docs/reach.md says what a study is and what the file holds. Ctrl-C leaves OUT.part, which\n"
       "--resume goes on from.\n"
       "Exit status: 0 done, 1 when the solver fails, 2 bad usage.\n"
-      "Example: qal reach --box 0 -0.5 0 1 0.5 1 --step 0.05 --directions 100 -o reach.h5");
+      "Example: qal reach --box 0 -0.5 0 1 0.5 1 --step 0.05 --directions 100 -o reach.h5\n"
+      "Example: qal reach --poses poses.csv --box -1 -1 0 1 1 0 --step 0.05 -o place.h5");
   reach->callback([arguments, reach] {
     if (reach->get_subcommands().empty()) RunStudy(*arguments);
   });

@@ -126,10 +126,10 @@ class ReachRun {
   // As many cells at a time as take half a second or so: what a stop loses.
   void Study() {
     constexpr double kSliceS = 0.5;
-    const auto directions = static_cast<double>(request_.study.directions);
+    const double directions = DirectionsOf(request_.study);
     ReachProgress progress(static_cast<double>(request_.last - request_.first) * directions,
                            static_cast<double>(file_.cells.size()) * directions,
-                           request_.study.spins);
+                           request_.study.poses.empty() ? request_.study.spins : 1);
     size_t slice = 1;
     while (file_.end() < request_.last && stop_signal == 0) {
       const auto before = static_cast<double>(file_.cells.size()) * directions;

@@ -21,7 +21,7 @@ struct ReachSummary {
 
 ReachSummary SummaryOf(const ReachFile& file) {
   ReachSummary summary;
-  const auto directions = static_cast<uint32_t>(file.study.directions);
+  const auto directions = static_cast<uint32_t>(DirectionsOf(file.study));
   double sum = 0;
   for (size_t i = 0; i < file.cells.size(); ++i) {
     const ReachCell& cell = file.cells[i];
@@ -57,7 +57,7 @@ std::string ReachSummaryTable(const ReachFile& file, const Units& units) {
   return table +
          TextRow("best cell",
                  fmt::format("{}, {} of {} directions, {} solutions", file.first + summary.best,
-                             best.directions, file.study.directions, best.solutions)) +
+                             best.directions, DirectionsOf(file.study), best.solutions)) +
          Row(fmt::format("  centre x y z [{}]", units.length()),
              {units.Length(centre.x), units.Length(centre.y), units.Length(centre.z)}, 4) +
          Row(fmt::format("  limit margin [{}]", units.angle()), {units.Angle(best.margin_rad)}, 4) +

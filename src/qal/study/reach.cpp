@@ -21,31 +21,77 @@ Joints MiddleOf(const Arm& arm) {
   return middle;
 }
 
-// Adds a part's counts, and keeps the better of two best solutions. Of any two different ones one
-// is the better, so that it doesn't matter which thread comes first.
-void Take(ReachCell& cell, const ReachCell& part) {
+// What of several best solutions is told, of a placement the worst one.
+enum class Told { kBest, kWorst };
+
+// Adds a part's counts, and keeps of two solutions the one that is told. Of two orientations' it is
+// the same one in whatever order they come, so that it doesn't matter which thread is first.
+void Take(ReachCell& cell, const ReachCell& part, Told told) {
   cell.directions += part.directions;
   cell.solutions += part.solutions;
   if (part.orientation < 0) return;
-  const bool better = cell.orientation < 0 || part.margin_rad > cell.margin_rad ||
-                      (part.margin_rad == cell.margin_rad && part.orientation < cell.orientation);
-  if (!better) return;
+  // Written so that NaN, of nothing yet, is replaced.
+  if (!(cell.smallest_singular_value <= part.smallest_singular_value)) {
+    cell.smallest_singular_value = part.smallest_singular_value;
+  }
+  const bool further = part.margin_rad > cell.margin_rad;
+  const bool tie = part.margin_rad == cell.margin_rad;
+  if (cell.orientation >= 0 &&
+      (tie ? part.orientation >= cell.orientation : further != (told == Told::kBest))) {
+    return;
+  }
   cell.orientation = part.orientation;
   cell.joints = part.joints;
   cell.margin_rad = part.margin_rad;
 }
 
+// What is tried in the cells.
+class TriedPoses {
+ public:
+  TriedPoses(const Arm& arm, const ReachStudy& study, const ReachGrid& grid,
+             std::vector<Quat> orientations)
+      : base_(arm.base().position),
+        placed_(study.poses),
+        grid_(grid),
+        orientations_(std::move(orientations)),
+        spins_(orientations_.size() / static_cast<size_t>(DirectionsOf(study))) {}
+
+  bool placement() const { return !placed_.empty(); }
+  size_t directions() const { return orientations_.size() / spins_; }
+  size_t spins() const { return spins_; }
+
+  // Adds a direction's poses, one for each spin.
+  void Add(size_t cell, size_t direction, std::vector<Pose>& poses) const {
+    const Vec3 centre = grid_.Centre(cell);
+    if (placement()) {
+      const auto& [p, orientation] = placed_[direction];
+      poses.push_back(
+          {{p.x - centre.x + base_.x, p.y - centre.y + base_.y, p.z - centre.z + base_.z},
+           orientation});
+      return;
+    }
+    for (size_t s = 0; s < spins_; ++s) {
+      poses.push_back({centre, orientations_[direction * spins_ + s]});
+    }
+  }
+
+ private:
+  Vec3 base_;
+  const std::vector<Pose>& placed_;
+  ReachGrid grid_;
+  std::vector<Quat> orientations_;
+  size_t spins_;
+};
+
 // The work on some cells. An element of it is one direction of one cell, with all its spins: the
 // memory is that of the cells and of what threads have in hand.
 class ReachRun {
  public:
-  ReachRun(const Arm& arm, const ReachStudy& study, const ReachGrid& grid,
-           std::vector<Quat> orientations, size_t first, size_t last)
+  ReachRun(const Arm& arm, TriedPoses tried, size_t first, size_t last)
       : arm_(arm),
-        grid_(grid),
-        orientations_(std::move(orientations)),
-        spins_(static_cast<size_t>(study.spins)),
-        directions_(static_cast<size_t>(study.directions)),
+        tried_(std::move(tried)),
+        directions_(tried_.directions()),
+        spins_(tried_.spins()),
         first_(first),
         middle_(MiddleOf(arm)),
         cells_(last - first) {}
@@ -61,6 +107,7 @@ class ReachRun {
     });
     if (failure_) return *failure_;
     if (done < count) return Error{Reason::kInterrupted};
+    if (tried_.placement()) return std::move(cells_);
     if (const auto failure = MeasureBest(options, count)) return *failure;
     return std::move(cells_);
   }
@@ -75,10 +122,7 @@ class ReachRun {
     std::vector<Pose> poses;
     poses.reserve((end - begin) * spins_);
     for (size_t i = begin; i < end; ++i) {
-      const Vec3 centre = grid_.Centre(first_ + i / directions_);
-      for (size_t s = 0; s < spins_; ++s) {
-        poses.push_back({centre, orientations_[i % directions_ * spins_ + s]});
-      }
+      tried_.Add(first_ + i / directions_, i % directions_, poses);
     }
     BatchOptions here;
     here.threads = 1;
@@ -89,24 +133,29 @@ class ReachRun {
       ReachCell part;
       for (; i < cell_end; ++i) AddDirection(part, solved, i, (i - begin) * spins_);
       const std::lock_guard<std::mutex> lock(mutex_);
-      Take(cells_[cell], part);
+      Take(cells_[cell], part, told());
     }
     ExpectSound(poses, solved.reasons);
   }
 
+  Told told() const { return tried_.placement() ? Told::kWorst : Told::kBest; }
+
   // @param first_pose of the direction in `solved`
   void AddDirection(ReachCell& part, const BatchSolutions& solved, size_t element,
-                    size_t first_pose) const {
-    const uint32_t before = part.solutions;
+                    size_t first_pose) {
+    ReachCell best;
     for (size_t s = 0; s < spins_; ++s) {
       const size_t pose = first_pose + s;
       const auto orientation = static_cast<int32_t>(element % directions_ * spins_ + s);
       for (size_t k = solved.first[pose]; k < solved.first[pose + 1]; ++k) {
         if (solved.refusals[k] != Reason::kNone) continue;
-        Take(part, {0, 1, orientation, solved.joints[k], MarginOf(solved.joints[k])});
+        Take(best, {0, 1, orientation, solved.joints[k], MarginOf(solved.joints[k])}, Told::kBest);
       }
     }
-    if (part.solutions > before) ++part.directions;
+    if (best.orientation < 0) return;
+    best.directions = 1;
+    if (tried_.placement()) Measure(best);
+    Take(part, best, told());
   }
 
   double MarginOf(const Joints& joints) const {
@@ -131,20 +180,23 @@ class ReachRun {
     }
   }
 
-  // Once for each cell, as a Jacobian takes 13 times forward kinematics.
+  // A Jacobian takes 13 times forward kinematics: of a box once for each cell.
+  void Measure(ReachCell& solution) {
+    const auto distances = DistanceToSingularities(arm_, solution.joints);
+    if (distances) {
+      solution.smallest_singular_value = distances->smallest_singular_value;
+      return;
+    }
+    const std::lock_guard<std::mutex> lock(mutex_);
+    failure_ = distances.error();
+  }
+
   std::optional<Error> MeasureBest(const BatchOptions& options, size_t all) {
     BatchOptions told = options;
     if (options.progress) told.progress = [&](size_t) { return options.progress(all); };
     const size_t done = RunBatch(cells_.size(), told, [this](size_t begin, size_t end) {
       for (size_t i = begin; i < end; ++i) {
-        if (cells_[i].orientation < 0) continue;
-        const auto distances = DistanceToSingularities(arm_, cells_[i].joints);
-        if (distances) {
-          cells_[i].smallest_singular_value = distances->smallest_singular_value;
-          continue;
-        }
-        const std::lock_guard<std::mutex> lock(mutex_);
-        failure_ = distances.error();
+        if (cells_[i].orientation >= 0) Measure(cells_[i]);
       }
     });
     if (failure_) return failure_;
@@ -153,10 +205,9 @@ class ReachRun {
   }
 
   const Arm& arm_;
-  ReachGrid grid_;
-  std::vector<Quat> orientations_;
-  size_t spins_;
+  TriedPoses tried_;
   size_t directions_;
+  size_t spins_;
   size_t first_;
   Joints middle_;
   std::mutex mutex_;  // of what follows; a thread takes it for a chunk's sum, not for each pose
@@ -180,7 +231,8 @@ Result<std::vector<ReachCell>> Reach(const Arm& arm, const ReachStudy& study, si
   }
   Result<std::vector<Quat>> orientations = OrientationsOf(study);
   if (!orientations) return orientations.error();
-  return ReachRun(arm, study, *grid, std::move(*orientations), first, last)(options);
+  return ReachRun(arm, TriedPoses(arm, study, *grid, std::move(*orientations)), first,
+                  last)(options);
 }
 
 }  // namespace qal

@@ -2,7 +2,8 @@
 #define QAL_STUDY_REACH_H_
 
 /// @file
-/// Reach studies: from which directions the tool reaches the cells of a box.
+/// Reach studies: from which directions the tool reaches the cells of a box; from which places of
+/// the arm's base it reaches poses.
 
 #include <array>
 #include <cstddef>
@@ -30,6 +31,11 @@ namespace qal {
 /// shortest way from its z axis to the tilt axis, and on by the shortest way to the direction, is
 /// roll 0; spin r of s is rolled by r / s of a turn more. (Of the ways from z to -z the one about x
 /// is taken.)
+///
+/// With `poses` it is the placement of the arm's base that is studied: cells are positions of the
+/// base, which keeps its orientation, and what is tried in each are the poses, which take the place
+/// of the directions. A pose at p is for a base at c, with the arm's own base at b (`Arm::base`),
+/// the pose of the same orientation at p - c + b, in this order.
 struct ReachStudy {
   Vec3 box_min = {0, 0, 0};     ///< corner of the box [m, base frame]
   Vec3 box_max = {0, 0, 0};     ///< the opposite corner [m, base frame], nowhere below the other
@@ -38,57 +44,72 @@ struct ReachStudy {
   int spins = 1;                ///< rolls about each direction, 1 to 36
   Vec3 tilt_axis = {0, 0, -1};  ///< the cap's middle [base frame], of any length
   double tilt_cone_rad = 3.14159265358979323846;  ///< of the cap, from its middle, 0 to pi [rad]
+  /// Poses of the tool that are to be reached, up to `kMostReachPoses`, in a frame that stands
+  /// still while the base takes one cell's place after the other; the box is in it, too. The four
+  /// members before are then not looked at. Empty: no placement is studied.
+  std::vector<Pose> poses = {};
 };
 
 /// The cells of a study. They are counted from 0, along x first, then y, then z.
 struct ReachGrid {
   std::array<size_t, 3> count;  ///< of cells along x, y and z
-  Vec3 first;                   ///< centre of cell 0 [m, base frame]
+  Vec3 first;                   ///< centre of cell 0 [m, the box's frame]
   double step_m;                ///< edge of a cell [m]
 
   /// How many cells there are.
   size_t cells() const { return count[0] * count[1] * count[2]; }
-  /// The centre of a cell [m, base frame].
+  /// The centre of a cell [m, the box's frame].
   QAL_API Vec3 Centre(size_t cell) const;
 };
 
 /// A study has no more cells.
 constexpr size_t kMostReachCells = 1000000000;
+/// Nor more poses.
+constexpr size_t kMostReachPoses = 1000000;
 
 /// The cells of a study.
-/// @return kNotFinite; kSetting when the study is none, `detail` names what of it
+/// @return kNotFinite; kNotAnOrientation; kSetting when the study is none, `detail` names what of
+///         it
 QAL_API Result<ReachGrid> GridOf(const ReachStudy& study);
 
+/// How many directions are tried in each cell; of a placement how many poses.
+QAL_API int DirectionsOf(const ReachStudy& study);
+
 /// The orientations that are tried in each cell: those of direction d are number d * spins to
-/// (d + 1) * spins - 1.
+/// (d + 1) * spins - 1; of a placement those of the poses, one each.
 /// @return as `GridOf`
 QAL_API Result<std::vector<Quat>> OrientationsOf(const ReachStudy& study);
 
-/// What a study says of one cell.
+/// What a study says of one cell. The best solution of an orientation is the one whose joints stay
+/// furthest from their limits. Of a box's cell the best of all orientations is told: how well the
+/// tool can work there. Of a placement, where all poses have to be reached, the pose is told whose
+/// best solution stays least far: how well the worst of them is reached. In a tie it is the first
+/// orientation, and the solver's first solution of it.
 struct ReachCell {
   uint32_t directions = 0;   ///< how many of them are reached: in at least one of their spins there
                              ///< is an admissible solution
   uint32_t solutions = 0;    ///< admissible ones of all orientations together
-  int32_t orientation = -1;  ///< of the best solution; -1, and NaN below: nothing is reached
-  /// Of the best solution, which is the one whose joints stay furthest from their limits; the first
-  /// orientation's, the solver's first one, in a tie.
-  Joints joints = {kNone, kNone, kNone, kNone, kNone, kNone};  ///< [rad]
+  int32_t orientation = -1;  ///< of the told solution; -1, and NaN below: nothing is reached
+  Joints joints = {kNone, kNone, kNone, kNone, kNone, kNone};  ///< the told solution [rad]
   double margin_rad = kNone;  ///< from its nearest limit [rad]; infinity without limits
-  double smallest_singular_value = kNone;  ///< as in `Singularities`, at its joints
+  /// As in `Singularities`, at its joints; of a placement the smallest of all reached poses' best
+  /// solutions.
+  double smallest_singular_value = kNone;
 
  private:
   static constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 };
 
 /// Studies some of the cells, on all cores. A cell's answer is that of `Inverse` for each of its
-/// poses, with the middle of each joint's range as reference, and the same bits whatever cells are
-/// studied with it and by however many threads.
+/// poses (of a placement, for each pose as the base at the cell sees it), with the middle of each
+/// joint's range as reference, and the same bits whatever cells are studied with it and by however
+/// many threads.
 /// @param arm     the arm with the tool (`Arm::WithTool`)
 /// @param study   box and orientations
 /// @param first   cell to begin with
 /// @param last    the one after the last cell
 /// @param options threads; `progress` is told how many directions of cells are done, of
-///                (last - first) * directions
+///                (last - first) * DirectionsOf(study)
 /// @return last - first cells; the errors of `GridOf`; kSetting when there are no such cells;
 ///         kInterrupted when `progress` stopped it; an error of `Inverse` other than kOutOfReach
 QAL_API Result<std::vector<ReachCell>> Reach(const Arm& arm, const ReachStudy& study, size_t first,

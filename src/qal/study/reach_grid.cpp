@@ -4,6 +4,7 @@
 
 #include "../../../solver/closed_form/angles.h"
 #include "../model/rotations.h"
+#include "../solve/solver_calls.h"
 #include "reach.h"
 
 namespace qal {
@@ -95,6 +96,17 @@ std::optional<Error> RefusedOrientations(const ReachStudy& study) {
   return std::nullopt;
 }
 
+std::optional<Error> RefusedPoses(const ReachStudy& study) {
+  if (study.poses.size() > kMostReachPoses) {
+    return Error{Reason::kSetting, -1, static_cast<double>(study.poses.size()),
+                 static_cast<double>(kMostReachPoses), "number_of_poses"};
+  }
+  for (const Pose& pose : study.poses) {
+    if (auto refused = RefusedPose(pose)) return refused;
+  }
+  return std::nullopt;
+}
+
 // The orientation that takes z to a unit vector by the shortest way; to -z about x.
 Quat FromZTo(const Vec3& v) {
   // Nearer -z than this the sum below has lost its digits.
@@ -134,7 +146,9 @@ Vec3 ReachGrid::Centre(size_t cell) const {
 
 Result<ReachGrid> GridOf(const ReachStudy& study) {
   if (const auto refused = RefusedBox(study)) return *refused;
-  if (const auto refused = RefusedOrientations(study)) return *refused;
+  if (const auto refused = study.poses.empty() ? RefusedOrientations(study) : RefusedPoses(study)) {
+    return *refused;
+  }
   const std::array<double, 3> extents_m = ExtentsOf(study);
   ReachGrid grid = {{}, {}, study.step_m};
   std::array<double, 3> firsts_m = {study.box_min.x, study.box_min.y, study.box_min.z};
@@ -147,13 +161,19 @@ Result<ReachGrid> GridOf(const ReachStudy& study) {
   return grid;
 }
 
+int DirectionsOf(const ReachStudy& study) {
+  return study.poses.empty() ? study.directions : static_cast<int>(study.poses.size());
+}
+
 Result<std::vector<Quat>> OrientationsOf(const ReachStudy& study) {
   if (const auto grid = GridOf(study); !grid) return grid.error();
+  std::vector<Quat> orientations;
+  for (const Pose& pose : study.poses) orientations.push_back(pose.orientation);
+  if (!study.poses.empty()) return orientations;
   const double length = LengthOf(study.tilt_axis);
   const Quat to_axis =
       FromZTo({study.tilt_axis.x / length, study.tilt_axis.y / length, study.tilt_axis.z / length});
   const double one_less_cos_cone = 1 - SinCosOf(study.tilt_cone_rad).cosine;
-  std::vector<Quat> orientations;
   for (int k = 0; k < study.directions; ++k) {
     const Quat direction = to_axis * FromZTo(CapDirection(k, study.directions, one_less_cos_cone));
     for (int r = 0; r < study.spins; ++r) {
