@@ -40,8 +40,9 @@ constexpr CellTexts kOfBox = {
     "share of the directions that are reached",
     "how many directions are reached, in at least one of their spins",
     "admissible solutions of all orientations together",
-    "how far the best solution's joints stay from their limits; NaN: none",
-    "of the Jacobian in metres and radians, at the best solution",
+    "how far the best solution's joints stay from their limits, with a line on all of it; NaN: "
+    "none",
+    "of the Jacobian in metres and radians, at the best solution, with a line the smallest on it",
     "the best solution's, as a row of orientations from 0; -1: none",
     "the best solution, joint 1 first; NaN: none"};
 
@@ -51,7 +52,7 @@ constexpr CellTexts kOfPlacement = {
     "admissible solutions of all poses together",
     "the margin of the reached pose that has the least: how far its best solution's joints stay "
     "from "
-    "their limits; NaN: no pose is reached",
+    "their limits, with a line on all of it; NaN: no pose is reached",
     "of the Jacobian in metres and radians, the smallest of the reached poses' best solutions",
     "the pose with the least margin, as a row of poses from 0; -1: none",
     "the best solution of the pose with the least margin, joint 1 first; NaN: none"};

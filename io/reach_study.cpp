@@ -81,13 +81,16 @@ Json ReachStudyJson(const LoadedArm& loaded, const ReachStudy& study) {
   for (const JointModel& joint : loaded.arm.joints()) {
     ranges.push_back({joint.lower_rad.value, joint.upper_rad.value});
   }
-  Json json = {{"arm", arm},
-               {"joint_ranges_rad", ranges},
-               {"base", FrameJson(loaded.arm.base())},
-               {"tool", FrameJson(loaded.arm.tool())},
-               {"box_min_m", NumbersOf(study.box_min)},
-               {"box_max_m", NumbersOf(study.box_max)},
-               {"step_m", study.step_m}};
+  Json json = {
+      {"arm", arm},
+      {"joint_ranges_rad", ranges},
+      {"base", FrameJson(loaded.arm.base())},
+      {"tool", FrameJson(loaded.arm.tool())},
+      {"box_min_m", NumbersOf(study.box_min)},
+      {"box_max_m", NumbersOf(study.box_max)},
+      {"step_m", study.step_m},
+      {"line_m", study.line_m},
+      {"line_direction", study.line_direction ? NumbersOf(*study.line_direction) : Json(nullptr)}};
   json.update(TriedJson(study));
   return json;
 }
@@ -99,6 +102,9 @@ ReachStudy ReadReachStudy(const std::string& description, const ReachPoses& pose
     study.box_min = VectorOf(json.at("box_min_m"));
     study.box_max = VectorOf(json.at("box_max_m"));
     study.step_m = json.at("step_m").get<double>();
+    study.line_m = json.at("line_m").get<double>();
+    const auto& direction = json.at("line_direction");
+    if (!direction.is_null()) study.line_direction = VectorOf(direction);
     ReadTried(json, poses, study);
   } catch (const nlohmann::json::exception& error) {
     throw UsageError(fmt::format("its study is none: {}", error.what()));

@@ -17,4 +17,4 @@ qal_test_layer(qal_layer_model src/qal/model pose.h ../solve/kinematics.h)
 qal_test_layer(qal_layer_answers src/qal/solve ../model/arm.h ../plan/classic.h)
 qal_test_layer(qal_layer_plan src/qal/plan ../../kinematics/trajectory/joint_move.h
                ../../kinematics/ikfunc.h)
-qal_test_layer(qal_layer_study src/qal/study ../solve/batch.h ../plan/line.h)
+qal_test_layer(qal_layer_study src/qal/study ../plan/line.h ../explain/explain.h)

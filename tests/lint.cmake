@@ -32,7 +32,7 @@ function(qal_lint target settings)
 endfunction()
 
 if(QAL_RUN_CLANG_TIDY)
-  foreach(layer core pose solve trajectory facade model answers plan explain)
+  foreach(layer core pose solve trajectory facade model answers plan explain study)
     qal_lint(qal_layer_${layer} .)
   endforeach()
   qal_lint(ik .)

@@ -66,7 +66,7 @@ qal_test_program(
 # Lines that keep every limit. QAL_LINES says how many for each arm.
 qal_test_program(
   qal_line_test
-  SOURCES qal/line_test.cpp
+  SOURCES qal/line_test.cpp qal/reach_line_test.cpp
   DEFINITIONS QAL_ARMS_DIR="${PROJECT_SOURCE_DIR}/arms"
   LIBRARIES qal_io)
 # Programs by hand, and their streams.

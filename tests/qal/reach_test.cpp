@@ -185,6 +185,25 @@ TEST(ReachPlacement, ReachesAllPosesWithTheBaseWhereItIs) {
   EXPECT_EQ(Reason::kNotAnOrientation, Reach(arm, study, 0, 1).error().reason);
 }
 
+// A pose p that a base at c is to reach is a cell's at p - c: with an approach as well.
+TEST(ReachPlacement, CountsWhatABoxCountsThatTheBaseSees) {
+  ReachStudy box = EdgeStudy();
+  box.box_min = box.box_max = {0.7, 0.1, 0.4};
+  box.spins = 1;
+  box.line_m = 0.15;
+  ReachStudy placement = box;
+  placement.box_min = placement.box_max = {-2, 1, 0.5};
+  const std::vector<Quat> tried = *OrientationsOf(box);
+  for (const Quat& q : tried) placement.poses.push_back({{-1.3, 1.1, 0.9}, q});
+  const ReachCell one = (*Reach(kReachArm, box, 0, 1))[0];
+  const ReachCell other = (*Reach(kReachArm, placement, 0, 1))[0];
+  EXPECT_EQ(one.directions, other.directions);
+  EXPECT_EQ(one.solutions, other.solutions);
+  EXPECT_GT(one.margin_rad, other.margin_rad);
+  placement.line_m = 0;
+  EXPECT_GT((*Reach(kReachArm, placement, 0, 1))[0].solutions, other.solutions);
+}
+
 // 0.3 m in steps of 0.1 m are 3 cells, whatever 0.3 / 0.1 is in binary; 0.25 m take 3 as well,
 // which stand out by 0.025 m at both ends; nothing along z is one layer at that height.
 TEST(ReachGrid, CoversTheBoxAboutItsMiddle) {
@@ -250,6 +269,11 @@ TEST(Reach, RefusesWhatIsNoStudy) {
       {[](ReachStudy& s) { s.step_m = std::nan(""); }, "step_m", 9.15e-4},
       {[](ReachStudy& s) { s.directions = 0; }, "number_of_directions", 1},
       {[](ReachStudy& s) { s.spins = 37; }, "number_of_spins", 36},
+      {[](ReachStudy& s) { s.line_m = -0.1; }, "line_m", 0},
+      {[](ReachStudy& s) {
+         s.line_direction = {0, 0, 1e-9};
+       },
+       "length_of_the_line_direction", 1},
       {[](ReachStudy& s) { s.tilt_cone_rad = 4; }, "tilt_cone_rad", 3.14159265358979},
       {[](ReachStudy& s) {
          s.tilt_axis = {0, 0, 0};

@@ -40,6 +40,8 @@ TEST_F(ReachCommand, RefusesInOneLine) {
       {"reach --box 0 0 0 1 1 -1 --step 0.1 -o a.h5", "the box extent along z is -1 m"},
       {"reach --box 0 0 0 1 1 1 --step 0 -o a.h5",
        "the step is 0 m; the nearest that works is 0.001 m"},
+      {kBox + "--line -0.1 -o a.h5", "the line is -0.1 m; the nearest that works is 0 m"},
+      {kBox + "--along 0 0 1 -o a.h5", "--along is the direction of --line, which is missing"},
       {kBox + "--shard 3/2 -o a.h5", "'3' is no whole number from 1 to 2"},
       {kBox + "--spins 2 -o whole.h5", "whole.h5 is there already, and of another study"},
       {kBox + "-o text.h5", "text.h5 is there already, and no file of a reach study"},
@@ -101,6 +103,12 @@ TEST_F(ReachCommand, FindsWhereTheBaseReachesAllPoses) {
   ASSERT_EQ(0, Qal("reach merge 2.h5 1.h5 -o merged.h5 --vti merged.vti").status);
   EXPECT_TRUE(FileContent("place.h5") == FileContent("merged.h5"));
   EXPECT_TRUE(FileContent("place.vti") == FileContent("merged.vti"));
+  // From above, both can be arrived at from fewer positions.
+  const Json above = QalJson(kPlaces + "table.csv --line 0.3 --along 0 0 -1 -o above.h5");
+  EXPECT_GT(above["positions_reaching_all_poses"], 0);
+  EXPECT_LT(above["positions_reaching_all_poses"], whole["positions_reaching_all_poses"]);
+  ASSERT_EQ(0, Qal("reach merge above.h5 -o again.h5").status);
+  EXPECT_TRUE(FileContent("above.h5") == FileContent("again.h5"));
 }
 
 TEST_F(ReachCommand, SaysWhichPosesTheBestPositionMisses) {

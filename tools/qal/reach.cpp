@@ -14,9 +14,9 @@
 #include "../common/values.h"
 #include "commands.h"
 #include "number_option.h"
-#include "point_file.h"
 #include "reach_placement.h"
 #include "reach_run.h"
+#include "reach_study_options.h"
 #include "reach_summary.h"
 #include "units.h"
 
@@ -27,9 +27,9 @@ using namespace io;
 namespace {
 
 struct ReachArguments {
-  NumberOption box, step, directions, spins, tilt, toward, tool, threads;
+  ReachStudyOptions study;
+  NumberOption tool, threads;
   std::string shard = "1/1";
-  std::string poses;  // file of them
   std::string out;
   std::string vti;
   std::vector<std::string> files;  // of merge
@@ -39,49 +39,13 @@ struct ReachArguments {
   Units units;
 };
 
-Vec3 VectorAt(const std::vector<double>& numbers, size_t first, const Units& units) {
-  return {units.Metres(numbers[first]), units.Metres(numbers[first + 1]),
-          units.Metres(numbers[first + 2])};
-}
-
-// The box, and what is tried in its cells, but for poses of a file.
-ReachStudy StudyOf(const ReachArguments& a) {
-  if (!a.box.given()) throw UsageError("--box is missing: XMIN YMIN ZMIN XMAX YMAX ZMAX");
-  if (!a.step.given()) throw UsageError("--step is missing: the edge of a cell");
-  const std::vector<double> box = a.box.Read(6, "6 numbers: XMIN YMIN ZMIN XMAX YMAX ZMAX");
-  ReachStudy study;
-  study.box_min = VectorAt(box, 0, a.units);
-  study.box_max = VectorAt(box, 3, a.units);
-  study.step_m = a.units.Metres(a.step.Read(1, "a length")[0]);
-  if (!a.poses.empty()) return study;
-  if (a.directions.given()) study.directions = a.directions.ReadWhole(1, 100000);
-  if (a.spins.given()) study.spins = a.spins.ReadWhole(1, 36);
-  if (a.tilt.given()) study.tilt_cone_rad = a.units.Radians(a.tilt.Read(1, "an angle")[0]);
-  if (a.toward.given()) {
-    const std::vector<double> axis = a.toward.Read(3, "3 numbers: a direction");
-    study.tilt_axis = {axis[0], axis[1], axis[2]};
-  }
-  return study;
-}
-
-PlacementPoses ReadPoses(const ReachArguments& a, ReachStudy& study) {
-  for (const NumberOption* option : {&a.directions, &a.spins, &a.tilt, &a.toward}) {
-    if (!option->given()) continue;
-    throw UsageError(option->name() +
-                     " does not go with --poses: the poses are what is tried in each cell");
-  }
-  PointRows rows = ReadPointFile(a.poses, PointKind::kPoses);
-  for (const FileSample& row : rows.points.samples) study.poses.push_back(*row.pose);
-  return {NameOf(a.poses), std::move(rows.points.lines)};
-}
-
 LoadedArm ArmOf(const ReachArguments& a) {
   LoadedArm loaded = a.arm->Load();
   if (!a.tool.given()) return loaded;
   const std::vector<double> frame = a.tool.Read(6, "6 numbers: X Y Z ROLL PITCH YAW");
   Transform tool = FromRollPitchYaw(
       {a.units.Radians(frame[3]), a.units.Radians(frame[4]), a.units.Radians(frame[5])});
-  tool.position = VectorAt(frame, 0, a.units);
+  tool.position = {a.units.Metres(frame[0]), a.units.Metres(frame[1]), a.units.Metres(frame[2])};
   const Result<Arm> with_tool = loaded.arm.WithTool(tool);
   if (!with_tool) throw UsageError("--tool: " + ErrorText(with_tool.error(), a.units.text()));
   loaded.arm = *with_tool;
@@ -135,9 +99,8 @@ void ExpectTwoFiles(const ReachArguments& a) {
 void RunStudy(const ReachArguments& a) {
   if (a.out.empty()) throw UsageError("-o is missing: the file to write");
   ExpectTwoFiles(a);
-  ReachStudy study = StudyOf(a);
   PlacementPoses poses;
-  if (!a.poses.empty()) poses = ReadPoses(a, study);
+  const ReachStudy study = a.study.Read(a.units, poses);
   const Result<ReachGrid> grid = GridOf(study);
   if (!grid) throw UsageError(ErrorText(grid.error(), a.units.text()));
   const auto [first, last] = ShardOf(a.shard, grid->cells());
@@ -150,7 +113,7 @@ void RunStudy(const ReachArguments& a) {
       a.threads.given() ? static_cast<unsigned>(a.threads.ReadWhole(1, 1024)) : 0;
   const ReachFile file = RunReach({loaded.arm, ReachStudyJson(loaded, study).dump(), study, first,
                                    last, a.out, a.resume, threads});
-  if (!a.poses.empty()) poses.missed = MissedPoses(loaded.arm, file);
+  if (!study.poses.empty()) poses.missed = MissedPoses(loaded.arm, file);
   WriteOthers(a, file, poses);
 }
 
@@ -184,32 +147,6 @@ void AddMerge(CLI::App& reach) {
   merge->callback([arguments] { RunMerge(*arguments); });
 }
 
-void AddStudyOptions(CLI::App& reach, ReachArguments& a) {
-  a.box.AddTo(reach, "--box", "XMIN .. ZMAX",
-              "box to study: XMIN YMIN ZMIN XMAX YMAX ZMAX [m, base frame; --mm: mm];\n"
-              "with --poses positions of the arm's base, in the frame of the poses");
-  a.step.AddTo(reach, "--step", "N", "edge of a cell [m; --mm: mm]");
-  a.directions.AddTo(reach, "--directions", "N",
-                     "directions of the tool's z axis that are tried in each cell, spread\n"
-                     "evenly (default: 100)");
-  a.tilt.AddTo(reach, "--tilt", "N",
-               "only directions within this angle of --toward [rad; --deg: deg]\n"
-               "(default: all)");
-  a.toward.AddTo(reach, "--toward", "X Y Z",
-                 "direction in the base frame that the tool's z axis has without tilt\n"
-                 "(default: 0 0 -1, down)");
-  a.spins.AddTo(reach, "--spins", "N",
-                "rolls about each direction, one of which has to be reached (default: 1)");
-  TakesFile(reach.add_option(
-                "--poses", a.poses,
-                "from which positions of the base are these poses reached: a CSV file with the\n"
-                "columns x_m,y_m,z_m,qw,qx,qy,qz, in place of directions; -: standard input"),
-            kPointFiles);
-  a.tool.AddTo(reach, "--tool", "X Y Z R P Y",
-               "tool frame in the arm's tip frame, in place of the arm's own:\n"
-               "position [m; --mm: mm], roll pitch yaw [rad; --deg: deg]");
-}
-
 }  // namespace
 
 void AddReach(CLI::App& app, const SharedArm& arm) {
@@ -218,7 +155,10 @@ void AddReach(CLI::App& app, const SharedArm& arm) {
       "reach",
       "Reach study: from which directions the tool reaches the cells of a box, or from which\n"
       "positions of its base the arm reaches the poses of a file");
-  AddStudyOptions(*reach, *arguments);
+  arguments->study.AddTo(*reach);
+  arguments->tool.AddTo(*reach, "--tool", "X Y Z R P Y",
+                        "tool frame in the arm's tip frame, in place of the arm's own:\n"
+                        "position [m; --mm: mm], roll pitch yaw [rad; --deg: deg]");
   TakesFile(reach->add_option("-o,--out", arguments->out, "HDF5 file to write"), "*.h5");
   TakesFile(reach->add_option("--vti", arguments->vti,
                               "also write the cells as VTK's ImageData, for ParaView"),

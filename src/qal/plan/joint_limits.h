@@ -2,6 +2,7 @@
 #define QAL_PLAN_JOINT_LIMITS_H_
 
 #include <algorithm>
+#include <limits>
 #include <optional>
 
 #include "axis_motion.h"
@@ -31,6 +32,16 @@ inline std::optional<Error> RefusedScale(const LimitScale& scale) {
 /// How far a position is outside of a joint's range [rad]; below 0 inside.
 inline double Outside(const JointModel& model, double position_rad) {
   return std::max(model.lower_rad.value - position_rad, position_rad - model.upper_rad.value);
+}
+
+/// How far joints stay from the nearest of their limits [rad]; below 0 out of them, infinity where
+/// there are none.
+inline double SmallestMargin(const Arm& arm, const Joints& joints) {
+  double margin_rad = std::numeric_limits<double>::infinity();
+  for (size_t j = 0; j < joints.size(); ++j) {
+    margin_rad = std::min(margin_rad, -Outside(arm.joints()[j], joints[j]));
+  }
+  return margin_rad;
 }
 
 /// The failure of a joint that would be at a position outside of its range.

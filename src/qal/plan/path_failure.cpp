@@ -80,6 +80,14 @@ std::optional<PlanFailure> LeavesRange(const Arm& arm, const JointPath& path, si
   return failure;
 }
 
+double SmallestMargin(const Arm& arm, const JointPath& path) {
+  double margin_rad = std::numeric_limits<double>::infinity();
+  for (const PathPoint& point : PointsOf(path, 0)) {
+    margin_rad = std::min(margin_rad, SmallestMargin(arm, point.value));
+  }
+  return margin_rad;
+}
+
 namespace {
 
 const char* SingularityOf(const Singularities& distances) {

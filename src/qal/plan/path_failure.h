@@ -13,6 +13,9 @@ namespace qal {
 /// @param first the piece of the path to begin with
 std::optional<PlanFailure> LeavesRange(const Arm& arm, const JointPath& path, size_t first = 0);
 
+/// How far the joints stay from their limits on all of a path [rad]; below 0 where they leave them.
+double SmallestMargin(const Arm& arm, const JointPath& path);
+
 /// Why a path of the tool could be followed no further than `last`: the pose is out of reach, or
 /// the arm is singular. `along` is the place.
 /// @param begin where the tool's path begins

@@ -5,7 +5,11 @@
 #include <mutex>
 #include <optional>
 
+#include "../plan/joint_limits.h"
+#include "../plan/path_failure.h"
 #include "../solve/batch_run.h"
+#include "approaches.h"
+#include "tried_poses.h"
 
 namespace qal {
 
@@ -45,51 +49,24 @@ void Take(ReachCell& cell, const ReachCell& part, Told told) {
   cell.margin_rad = part.margin_rad;
 }
 
-// What is tried in the cells.
-class TriedPoses {
- public:
-  TriedPoses(const Arm& arm, const ReachStudy& study, const ReachGrid& grid,
-             std::vector<Quat> orientations)
-      : base_(arm.base().position),
-        placed_(study.poses),
-        grid_(grid),
-        orientations_(std::move(orientations)),
-        spins_(orientations_.size() / static_cast<size_t>(DirectionsOf(study))) {}
-
-  bool placement() const { return !placed_.empty(); }
-  size_t directions() const { return orientations_.size() / spins_; }
-  size_t spins() const { return spins_; }
-
-  // Adds a direction's poses, one for each spin.
-  void Add(size_t cell, size_t direction, std::vector<Pose>& poses) const {
-    const Vec3 centre = grid_.Centre(cell);
-    if (placement()) {
-      const auto& [p, orientation] = placed_[direction];
-      poses.push_back(
-          {{p.x - centre.x + base_.x, p.y - centre.y + base_.y, p.z - centre.z + base_.z},
-           orientation});
-      return;
-    }
-    for (size_t s = 0; s < spins_; ++s) {
-      poses.push_back({centre, orientations_[direction * spins_ + s]});
-    }
+// Joints at places of an approach, its ends among them.
+std::vector<Joints> PlacesOf(const JointPath& approach) {
+  std::vector<Joints> places;
+  for (int i = 0; i <= kReachLineParts; ++i) {
+    places.push_back(approach.At(static_cast<double>(i) / kReachLineParts).value);
   }
-
- private:
-  Vec3 base_;
-  const std::vector<Pose>& placed_;
-  ReachGrid grid_;
-  std::vector<Quat> orientations_;
-  size_t spins_;
-};
+  return places;
+}
 
 // The work on some cells. An element of it is one direction of one cell, with all its spins: the
 // memory is that of the cells and of what threads have in hand.
 class ReachRun {
  public:
-  ReachRun(const Arm& arm, TriedPoses tried, size_t first, size_t last)
+  ReachRun(const Arm& arm, TriedPoses tried, const std::optional<Approaches>& approaches,
+           size_t first, size_t last)
       : arm_(arm),
         tried_(std::move(tried)),
+        approaches_(approaches),
         directions_(tried_.directions()),
         spins_(tried_.spins()),
         first_(first),
@@ -122,7 +99,9 @@ class ReachRun {
     std::vector<Pose> poses;
     poses.reserve((end - begin) * spins_);
     for (size_t i = begin; i < end; ++i) {
-      tried_.Add(first_ + i / directions_, i % directions_, poses);
+      for (size_t s = 0; s < spins_; ++s) {
+        poses.push_back(tried_.At(first_ + i / directions_, i % directions_ * spins_ + s));
+      }
     }
     BatchOptions here;
     here.threads = 1;
@@ -130,41 +109,53 @@ class ReachRun {
     for (size_t i = begin; i < end;) {
       const size_t cell = i / directions_;
       const size_t cell_end = std::min(end, (cell + 1) * directions_);
-      ReachCell part;
-      for (; i < cell_end; ++i) AddDirection(part, solved, i, (i - begin) * spins_);
+      ReachCell sum;
+      for (; i < cell_end; ++i) AddDirection(sum, poses, solved, i, (i - begin) * spins_);
       const std::lock_guard<std::mutex> lock(mutex_);
-      Take(cells_[cell], part, told());
+      Take(cells_[cell], sum, told());
     }
     ExpectSound(poses, solved.reasons);
   }
 
   Told told() const { return tried_.placement() ? Told::kWorst : Told::kBest; }
 
-  // @param first_pose of the direction in `solved`
-  void AddDirection(ReachCell& part, const BatchSolutions& solved, size_t element,
-                    size_t first_pose) {
+  // @param first_pose of the direction
+  void AddDirection(ReachCell& sum, const std::vector<Pose>& poses, const BatchSolutions& solved,
+                    size_t element, size_t first_pose) {
     ReachCell best;
     for (size_t s = 0; s < spins_; ++s) {
       const size_t pose = first_pose + s;
+      if (solved.first[pose] == solved.first[pose + 1] || !Begins(poses[pose])) continue;
       const auto orientation = static_cast<int32_t>(element % directions_ * spins_ + s);
       for (size_t k = solved.first[pose]; k < solved.first[pose + 1]; ++k) {
         if (solved.refusals[k] != Reason::kNone) continue;
-        Take(best, {0, 1, orientation, solved.joints[k], MarginOf(solved.joints[k])}, Told::kBest);
+        const auto margin_rad = MarginOf(poses[pose], solved.joints[k]);
+        if (!margin_rad) continue;
+        Take(best, {0, 1, orientation, solved.joints[k], *margin_rad}, Told::kBest);
       }
     }
     if (best.orientation < 0) return;
     best.directions = 1;
-    if (tried_.placement()) Measure(best);
-    Take(part, best, told());
+    if (tried_.placement()) {
+      Measure(poses[first_pose + static_cast<size_t>(best.orientation) % spins_], best);
+    }
+    Take(sum, best, told());
   }
 
-  double MarginOf(const Joints& joints) const {
-    double margin_rad = std::numeric_limits<double>::infinity();
-    for (size_t j = 0; j < joints.size(); ++j) {
-      const JointModel& model = arm_.joints()[j];
-      margin_rad = std::min(
-          {margin_rad, joints[j] - model.lower_rad.value, model.upper_rad.value - joints[j]});
-    }
+  // Whether the approach to a pose begins within reach: the quickest way to tell that it can't be
+  // followed.
+  bool Begins(const Pose& pose) const {
+    return !approaches_ || Inverse(arm_, approaches_->BeginOf(pose), middle_);
+  }
+
+  // Of joints that are within their limits; with an approach the smallest margin on its way.
+  // Nothing where it can't be followed within them.
+  std::optional<double> MarginOf(const Pose& pose, const Joints& joints) const {
+    if (!approaches_) return SmallestMargin(arm_, joints);
+    const auto way = approaches_->Follow(pose, joints);
+    if (!way) return std::nullopt;
+    const double margin_rad = SmallestMargin(arm_, *way);
+    if (margin_rad < -kRangeRoundingRad) return std::nullopt;
     return margin_rad;
   }
 
@@ -181,14 +172,21 @@ class ReachRun {
   }
 
   // A Jacobian takes 13 times forward kinematics: of a box once for each cell.
-  void Measure(ReachCell& solution) {
-    const auto distances = DistanceToSingularities(arm_, solution.joints);
-    if (distances) {
-      solution.smallest_singular_value = distances->smallest_singular_value;
-      return;
+  // @param solution of the pose
+  void Measure(const Pose& pose, ReachCell& solution) {
+    std::vector<Joints> places = {solution.joints};
+    if (approaches_) places = PlacesOf(*approaches_->Follow(pose, solution.joints));
+    double smallest = std::numeric_limits<double>::infinity();
+    for (const Joints& joints : places) {
+      const auto distances = DistanceToSingularities(arm_, joints);
+      if (!distances) {
+        const std::lock_guard<std::mutex> lock(mutex_);
+        failure_ = distances.error();
+        return;
+      }
+      smallest = std::min(smallest, distances->smallest_singular_value);
     }
-    const std::lock_guard<std::mutex> lock(mutex_);
-    failure_ = distances.error();
+    solution.smallest_singular_value = smallest;
   }
 
   std::optional<Error> MeasureBest(const BatchOptions& options, size_t all) {
@@ -196,7 +194,9 @@ class ReachRun {
     if (options.progress) told.progress = [&](size_t) { return options.progress(all); };
     const size_t done = RunBatch(cells_.size(), told, [this](size_t begin, size_t end) {
       for (size_t i = begin; i < end; ++i) {
-        if (cells_[i].orientation >= 0) Measure(cells_[i]);
+        const int32_t orientation = cells_[i].orientation;
+        if (orientation < 0) continue;
+        Measure(tried_.At(first_ + i, static_cast<size_t>(orientation)), cells_[i]);
       }
     });
     if (failure_) return failure_;
@@ -206,6 +206,7 @@ class ReachRun {
 
   const Arm& arm_;
   TriedPoses tried_;
+  std::optional<Approaches> approaches_;
   size_t directions_;
   size_t spins_;
   size_t first_;
@@ -231,7 +232,13 @@ Result<std::vector<ReachCell>> Reach(const Arm& arm, const ReachStudy& study, si
   }
   Result<std::vector<Quat>> orientations = OrientationsOf(study);
   if (!orientations) return orientations.error();
-  return ReachRun(arm, TriedPoses(arm, study, *grid, std::move(*orientations)), first,
+  std::optional<Approaches> approaches;
+  if (study.line_m > 0) {
+    Result<Approaches> made = Approaches::Of(arm, study, MiddleOf(arm));
+    if (!made) return made.error();
+    approaches = *std::move(made);
+  }
+  return ReachRun(arm, TriedPoses(arm, study, *grid, std::move(*orientations)), approaches, first,
                   last)(options);
 }
 

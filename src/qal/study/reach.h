@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include "../solve/batch.h"
@@ -44,6 +45,13 @@ struct ReachStudy {
   int spins = 1;                ///< rolls about each direction, 1 to 36
   Vec3 tilt_axis = {0, 0, -1};  ///< the cap's middle [base frame], of any length
   double tilt_cone_rad = 3.14159265358979323846;  ///< of the cap, from its middle, 0 to pi [rad]
+  /// Length of the straight approach on which the tool has to arrive [m]; 0: none. What is tried in
+  /// a cell is then its end. A solution counts when the joints go on from it without a jump to
+  /// another one and within their limits along all of the line, back to where it begins; which is
+  /// to say, when `PlanLine` can follow the line from there to this solution.
+  double line_m = 0;
+  /// Where the approach leads [base frame], of any length; nothing: along the tool's z axis.
+  std::optional<Vec3> line_direction = {};
   /// Poses of the tool that are to be reached, up to `kMostReachPoses`, in a frame that stands
   /// still while the base takes one cell's place after the other; the box is in it, too. The four
   /// members before are then not looked at. Empty: no placement is studied.
@@ -66,6 +74,8 @@ struct ReachGrid {
 constexpr size_t kMostReachCells = 1000000000;
 /// Nor more poses.
 constexpr size_t kMostReachPoses = 1000000;
+/// In so many parts an approach is cut to look for its smallest singular value.
+constexpr int kReachLineParts = 16;
 
 /// The cells of a study.
 /// @return kNotFinite; kNotAnOrientation; kSetting when the study is none, `detail` names what of
@@ -87,13 +97,14 @@ QAL_API Result<std::vector<Quat>> OrientationsOf(const ReachStudy& study);
 /// orientation, and the solver's first solution of it.
 struct ReachCell {
   uint32_t directions = 0;   ///< how many of them are reached: in at least one of their spins there
-                             ///< is an admissible solution
+                             ///< is an admissible solution, with the study's approach if any
   uint32_t solutions = 0;    ///< admissible ones of all orientations together
   int32_t orientation = -1;  ///< of the told solution; -1, and NaN below: nothing is reached
   Joints joints = {kNone, kNone, kNone, kNone, kNone, kNone};  ///< the told solution [rad]
-  double margin_rad = kNone;  ///< from its nearest limit [rad]; infinity without limits
-  /// As in `Singularities`, at its joints; of a placement the smallest of all reached poses' best
-  /// solutions.
+  /// From its nearest limit [rad], the smallest on the approach if any; infinity without limits.
+  double margin_rad = kNone;
+  /// As in `Singularities`, at its joints, or the smallest of `kReachLineParts` + 1 places on its
+  /// approach; of a placement the smallest of all reached poses' best solutions.
   double smallest_singular_value = kNone;
 
  private:

@@ -96,6 +96,16 @@ std::optional<Error> RefusedOrientations(const ReachStudy& study) {
   return std::nullopt;
 }
 
+std::optional<Error> RefusedLine(const ReachStudy& study) {
+  if (!std::isfinite(study.line_m)) return Error{Reason::kNotFinite, -1, study.line_m};
+  if (study.line_m < 0) return Error{Reason::kSetting, -1, study.line_m, 0, "line_m"};
+  if (!study.line_direction) return std::nullopt;
+  const double length = LengthOf(*study.line_direction);
+  if (!std::isfinite(length)) return Error{Reason::kNotFinite, -1, length};
+  if (length >= kShortestAxis) return std::nullopt;
+  return Error{Reason::kSetting, -1, length, 1, "length_of_the_line_direction"};
+}
+
 std::optional<Error> RefusedPoses(const ReachStudy& study) {
   if (study.poses.size() > kMostReachPoses) {
     return Error{Reason::kSetting, -1, static_cast<double>(study.poses.size()),
@@ -146,6 +156,7 @@ Vec3 ReachGrid::Centre(size_t cell) const {
 
 Result<ReachGrid> GridOf(const ReachStudy& study) {
   if (const auto refused = RefusedBox(study)) return *refused;
+  if (const auto refused = RefusedLine(study)) return *refused;
   if (const auto refused = study.poses.empty() ? RefusedOrientations(study) : RefusedPoses(study)) {
     return *refused;
   }
