@@ -42,7 +42,7 @@ size_t ReachingAll(const ReachFile& file) {
 }
 
 // "line 12", or where lines aren't known "pose 11", counted from 0.
-std::string PlaceOf(const PlacementPoses& poses, size_t pose) {
+std::string PoseName(const PlacementPoses& poses, size_t pose) {
   return poses.lines.empty() ? fmt::format("pose {}", pose)
                              : fmt::format("line {}", poses.lines[pose]);
 }
@@ -64,7 +64,7 @@ std::string BestTable(const ReachFile& file, const std::vector<size_t>& best,
         "{:>10} {:>10} {:>10} {:>9} {:>14} {:>15}  {}\n", Decimal(units.Length(centre.x), 4),
         Decimal(units.Length(centre.y), 4), Decimal(units.Length(centre.z), 4), cell.directions,
         Decimal(units.Angle(cell.margin_rad), 4), Decimal(cell.smallest_singular_value, 4),
-        PlaceOf(poses, static_cast<size_t>(cell.orientation)));
+        PoseName(poses, static_cast<size_t>(cell.orientation)));
   }
   return table;
 }
@@ -83,7 +83,7 @@ std::string MissedText(const ReachFile& file, size_t best, const PlacementPoses&
   std::string text = fmt::format("missed at the best position, of {}:", poses.file);
   const std::vector<size_t>& missed = *poses.missed;
   for (size_t i = 0; i < std::min(kTold, missed.size()); ++i) {
-    text += (i > 0 ? ", " : " ") + PlaceOf(poses, missed[i]);
+    text += (i > 0 ? ", " : " ") + PoseName(poses, missed[i]);
   }
   if (missed.size() > kTold) text += fmt::format(" and {} more", missed.size() - kTold);
   return text;
@@ -94,7 +94,7 @@ std::string MissedText(const ReachFile& file, size_t best, const PlacementPoses&
 std::vector<size_t> MissedPoses(const Arm& arm, const ReachFile& file) {
   const std::vector<size_t> best = BestOf(file);
   std::vector<size_t> missed;
-  if (best.empty()) return missed;
+  if (best.empty() || file.cells[best[0]].directions == file.study.poses.size()) return missed;
   const size_t cell = file.first + best[0];
   ReachStudy single = file.study;
   for (size_t i = 0; i < file.study.poses.size(); ++i) {

@@ -2,6 +2,7 @@
 #define QAL_STUDY_APPROACHES_H_
 
 #include <optional>
+#include <vector>
 
 #include "../plan/joint_path.h"
 #include "../plan/screws.h"
@@ -16,24 +17,33 @@ namespace qal {
 class Approaches {
  public:
   /// @param study with a line
-  /// @param middle joints at which the arm's solver has a pose
+  /// @param near  reference joints of its solutions
   /// @return the errors of `Screws::Of`
-  static Result<Approaches> Of(const Arm& arm, const ReachStudy& study, const Joints& middle);
+  static Result<Approaches> Of(const Arm& arm, const ReachStudy& study, const Joints& near);
 
-  /// Where the approach begins that ends at a pose.
-  Pose BeginOf(const Pose& end) const;
+  /// Whether the approach to a pose begins within reach: the quickest way to tell that it can't be
+  /// followed.
+  bool Begins(const Pose& end) const { return Inverse(arm_, BeginOf(end), near_).has_value(); }
 
-  /// The joints along the approach, backwards: its parameter is 0 at the end.
+  /// How far the joints stay from their limits on all of an approach [rad].
   /// @param joints of the end
-  /// @return nothing where they can't be followed to the beginning
-  std::optional<JointPath> Follow(const Pose& end, const Joints& joints) const;
+  /// @return nothing where they can't be followed to the beginning within them
+  std::optional<double> MarginOf(const Pose& end, const Joints& joints) const;
+
+  /// The joints at `kReachLineParts` + 1 places of an approach that can be followed.
+  std::vector<Joints> PlacesOf(const Pose& end, const Joints& joints) const;
 
  private:
-  Approaches(const Screws& screws, const ReachStudy& study);
+  Approaches(const Arm& arm, const Screws& screws, const ReachStudy& study, const Joints& near);
+  Pose BeginOf(const Pose& end) const;
+  // Backwards: the path's parameter is 0 at the end.
+  std::optional<JointPath> Follow(const Pose& end, const Joints& joints) const;
 
+  Arm arm_;
   Screws screws_;
   double length_m_;
   std::optional<Vector3> direction_;  // of length 1; none: the tool's z axis
+  Joints near_;
 };
 
 }  // namespace qal

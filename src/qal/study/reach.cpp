@@ -5,8 +5,6 @@
 #include <mutex>
 #include <optional>
 
-#include "../plan/joint_limits.h"
-#include "../plan/path_failure.h"
 #include "../solve/batch_run.h"
 #include "approaches.h"
 #include "tried_poses.h"
@@ -30,7 +28,7 @@ enum class Told { kBest, kWorst };
 
 // Adds a part's counts, and keeps of two solutions the one that is told. Of two orientations' it is
 // the same one in whatever order they come, so that it doesn't matter which thread is first.
-void Take(ReachCell& cell, const ReachCell& part, Told told) {
+void Take(ReachCell& cell, const ReachCell& part, Told rule) {
   cell.directions += part.directions;
   cell.solutions += part.solutions;
   if (part.orientation < 0) return;
@@ -41,21 +39,12 @@ void Take(ReachCell& cell, const ReachCell& part, Told told) {
   const bool further = part.margin_rad > cell.margin_rad;
   const bool tie = part.margin_rad == cell.margin_rad;
   if (cell.orientation >= 0 &&
-      (tie ? part.orientation >= cell.orientation : further != (told == Told::kBest))) {
+      (tie ? part.orientation >= cell.orientation : further != (rule == Told::kBest))) {
     return;
   }
   cell.orientation = part.orientation;
   cell.joints = part.joints;
   cell.margin_rad = part.margin_rad;
-}
-
-// Joints at places of an approach, its ends among them.
-std::vector<Joints> PlacesOf(const JointPath& approach) {
-  std::vector<Joints> places;
-  for (int i = 0; i <= kReachLineParts; ++i) {
-    places.push_back(approach.At(static_cast<double>(i) / kReachLineParts).value);
-  }
-  return places;
 }
 
 // The work on some cells. An element of it is one direction of one cell, with all its spins: the
@@ -71,7 +60,11 @@ class ReachRun {
         spins_(tried_.spins()),
         first_(first),
         middle_(MiddleOf(arm)),
-        cells_(last - first) {}
+        cells_(last - first) {
+    for (size_t j = 0; j < ranges_.size(); ++j) {
+      ranges_[j] = {arm.joints()[j].lower_rad.value, arm.joints()[j].upper_rad.value};
+    }
+  }
 
   Result<std::vector<ReachCell>> operator()(const BatchOptions& options) {
     const size_t count = cells_.size() * directions_;
@@ -98,40 +91,60 @@ class ReachRun {
   void Work(size_t begin, size_t end) {
     std::vector<Pose> poses;
     poses.reserve((end - begin) * spins_);
-    for (size_t i = begin; i < end; ++i) {
-      for (size_t s = 0; s < spins_; ++s) {
-        poses.push_back(tried_.At(first_ + i / directions_, i % directions_ * spins_ + s));
-      }
-    }
+    ForEachCell(begin, end, [&](size_t cell, size_t first, size_t last) {
+      const Vec3 centre = tried_.Centre(first_ + cell);
+      for (size_t i = first * spins_; i < last * spins_; ++i) poses.push_back(tried_.At(centre, i));
+    });
     BatchOptions here;
     here.threads = 1;
     const BatchSolutions solved = Inverse(arm_, poses, {&middle_, 1}, {}, here);
-    for (size_t i = begin; i < end;) {
-      const size_t cell = i / directions_;
-      const size_t cell_end = std::min(end, (cell + 1) * directions_);
+    size_t pose = 0;
+    ForEachCell(begin, end, [&](size_t cell, size_t first, size_t last) {
       ReachCell sum;
-      for (; i < cell_end; ++i) AddDirection(sum, poses, solved, i, (i - begin) * spins_);
+      for (size_t i = first; i < last; ++i, pose += spins_) {
+        AddDirection(sum, poses, solved, i, pose);
+      }
       const std::lock_guard<std::mutex> lock(mutex_);
-      Take(cells_[cell], sum, told());
-    }
+      Take(cells_[cell], sum, rule());
+    });
     ExpectSound(poses, solved.reasons);
   }
 
-  Told told() const { return tried_.placement() ? Told::kWorst : Told::kBest; }
+  // Calls visit(cell, first, last) with the directions that elements are of each cell.
+  template <class Visit>
+  void ForEachCell(size_t begin, size_t end, Visit visit) const {
+    while (begin < end) {
+      const size_t cell = begin / directions_;
+      const size_t next = std::min(end, (cell + 1) * directions_);
+      visit(cell, begin - cell * directions_, next - cell * directions_);
+      begin = next;
+    }
+  }
+
+  Told rule() const { return tried_.placement() ? Told::kWorst : Told::kBest; }
 
   // @param first_pose of the direction
   void AddDirection(ReachCell& sum, const std::vector<Pose>& poses, const BatchSolutions& solved,
-                    size_t element, size_t first_pose) {
+                    size_t direction, size_t first_pose) {
     ReachCell best;
     for (size_t s = 0; s < spins_; ++s) {
       const size_t pose = first_pose + s;
-      if (solved.first[pose] == solved.first[pose + 1] || !Begins(poses[pose])) continue;
-      const auto orientation = static_cast<int32_t>(element % directions_ * spins_ + s);
+      if (solved.first[pose] == solved.first[pose + 1]) continue;
+      if (approaches_ && !approaches_->Begins(poses[pose])) continue;
+      const auto orientation = static_cast<int32_t>(direction * spins_ + s);
       for (size_t k = solved.first[pose]; k < solved.first[pose + 1]; ++k) {
         if (solved.refusals[k] != Reason::kNone) continue;
-        const auto margin_rad = MarginOf(poses[pose], solved.joints[k]);
-        if (!margin_rad) continue;
-        Take(best, {0, 1, orientation, solved.joints[k], *margin_rad}, Told::kBest);
+        double margin_rad = MarginOf(solved.joints[k]);
+        if (approaches_) {
+          const auto smallest = approaches_->MarginOf(poses[pose], solved.joints[k]);
+          if (!smallest) continue;
+          margin_rad = *smallest;
+        }
+        ++best.solutions;
+        if (best.orientation >= 0 && !(margin_rad > best.margin_rad)) continue;
+        best.orientation = orientation;
+        best.joints = solved.joints[k];
+        best.margin_rad = margin_rad;
       }
     }
     if (best.orientation < 0) return;
@@ -139,24 +152,17 @@ class ReachRun {
     if (tried_.placement()) {
       Measure(poses[first_pose + static_cast<size_t>(best.orientation) % spins_], best);
     }
-    Take(sum, best, told());
+    Take(sum, best, rule());
   }
 
-  // Whether the approach to a pose begins within reach: the quickest way to tell that it can't be
-  // followed.
-  bool Begins(const Pose& pose) const {
-    return !approaches_ || Inverse(arm_, approaches_->BeginOf(pose), middle_);
-  }
-
-  // Of joints that are within their limits; with an approach the smallest margin on its way.
-  // Nothing where it can't be followed within them.
-  std::optional<double> MarginOf(const Pose& pose, const Joints& joints) const {
-    if (!approaches_) return SmallestMargin(arm_, joints);
-    const auto way = approaches_->Follow(pose, joints);
-    if (!way) return std::nullopt;
-    const double margin_rad = SmallestMargin(arm_, *way);
-    if (margin_rad < -kRangeRoundingRad) return std::nullopt;
-    return margin_rad;
+  // Of joints that are within their limits. The smallest of six numbers in as few steps one after
+  // the other as there are: each of a study's solutions waits for them.
+  double MarginOf(const Joints& joints) const {
+    const auto of = [&](size_t j) {
+      return std::min(joints[j] - ranges_[j].first, ranges_[j].second - joints[j]);
+    };
+    return std::min(std::min(std::min(of(0), of(1)), std::min(of(2), of(3))),
+                    std::min(of(4), of(5)));
   }
 
   // A solver that fails says nothing of the reach.
@@ -175,7 +181,7 @@ class ReachRun {
   // @param solution of the pose
   void Measure(const Pose& pose, ReachCell& solution) {
     std::vector<Joints> places = {solution.joints};
-    if (approaches_) places = PlacesOf(*approaches_->Follow(pose, solution.joints));
+    if (approaches_) places = approaches_->PlacesOf(pose, solution.joints);
     double smallest = std::numeric_limits<double>::infinity();
     for (const Joints& joints : places) {
       const auto distances = DistanceToSingularities(arm_, joints);
@@ -196,7 +202,7 @@ class ReachRun {
       for (size_t i = begin; i < end; ++i) {
         const int32_t orientation = cells_[i].orientation;
         if (orientation < 0) continue;
-        Measure(tried_.At(first_ + i, static_cast<size_t>(orientation)), cells_[i]);
+        Measure(tried_.At(tried_.Centre(first_ + i), static_cast<size_t>(orientation)), cells_[i]);
       }
     });
     if (failure_) return failure_;
@@ -211,6 +217,7 @@ class ReachRun {
   size_t spins_;
   size_t first_;
   Joints middle_;
+  std::array<std::pair<double, double>, 6> ranges_;  // close together, for what is asked most
   std::mutex mutex_;  // of what follows; a thread takes it for a chunk's sum, not for each pose
   std::vector<ReachCell> cells_;
   std::optional<Error> failure_;
@@ -234,9 +241,9 @@ Result<std::vector<ReachCell>> Reach(const Arm& arm, const ReachStudy& study, si
   if (!orientations) return orientations.error();
   std::optional<Approaches> approaches;
   if (study.line_m > 0) {
-    Result<Approaches> made = Approaches::Of(arm, study, MiddleOf(arm));
+    const Result<Approaches> made = Approaches::Of(arm, study, MiddleOf(arm));
     if (!made) return made.error();
-    approaches = *std::move(made);
+    approaches = *made;
   }
   return ReachRun(arm, TriedPoses(arm, study, *grid, std::move(*orientations)), approaches, first,
                   last)(options);

@@ -24,9 +24,11 @@ class TriedPoses {
   size_t directions() const { return orientations_.size() / spins_; }
   size_t spins() const { return spins_; }
 
+  Vec3 Centre(size_t cell) const { return grid_.Centre(cell); }
+
   /// The pose in the base frame.
-  Pose At(size_t cell, size_t orientation) const {
-    const Vec3 centre = grid_.Centre(cell);
+  /// @param centre of the cell
+  Pose At(const Vec3& centre, size_t orientation) const {
     if (!placement()) return {centre, orientations_[orientation]};
     const Vec3& p = placed_[orientation].position;
     return {{p.x - centre.x + base_.x, p.y - centre.y + base_.y, p.z - centre.z + base_.z},
