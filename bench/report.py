@@ -178,6 +178,7 @@ def main():
     parser.add_argument("--memory", required=True, help="qal_bench_memory")
     parser.add_argument("--solved", required=True, help="qal_bench_solved")
     parser.add_argument("--slowest", required=True, help="qal_bench_slowest")
+    parser.add_argument("--reach", required=True, help="qal_bench_reach")
     parser.add_argument("--library", action="append", required=True)
     parser.add_argument("--compiler", required=True, help="its name, version and options")
     parser.add_argument("--out", required=True, type=pathlib.Path)
@@ -190,6 +191,7 @@ def main():
     memory = measure_memory(arguments.memory)
     solved = table_of(arguments.solved)
     slowest = table_of(arguments.slowest)
+    reach = table_of(arguments.reach)
     gains = thread_gains(threads)
     ratios = compare(times)
     report = {"machine": machine(arguments.compiler), "ratios": ratios, "thread_gains": gains,
@@ -199,10 +201,11 @@ def main():
     text = "\n\n".join([
         "\n".join(f"- {key}: {value}" for key, value in report["machine"].items()),
         ratio_table(ratios),
-        "\n".join(f"Two threads on two cores, {what}: {gain:.2f} times the rate of one, at least "
+        "\n\n".join(f"Two threads on two cores, {what}: {gain:.2f} times the rate of one, at least "
                   f"{THREAD_RATE} ({'met' if gain >= THREAD_RATE else 'NOT MET'})."
                   for what, gain in gains.items()),
-        solved, slowest, scaling_table(scaling, memory), allocation_table(memory),
+        solved, slowest, reach.replace("\n", "\n\n"),
+        scaling_table(scaling, memory), allocation_table(memory),
         table(["library", "bytes, stripped", "relocations", "run at load"],
               [library.values() for library in report["libraries"]])])
     arguments.out.mkdir(parents=True, exist_ok=True)
