@@ -16,11 +16,12 @@ class NumberBytes {
   void Add(double value);
   void Add(float value);
   void Add(uint32_t value) { AddBytes(value, sizeof(value)); }
+  /// A whole number in the lowest `count` of its bytes.
+  void AddBytes(uint64_t value, size_t count);
   const std::string& bytes() const { return bytes_; }
   std::string Text() const { return Base64(bytes_); }
 
  private:
-  void AddBytes(uint64_t value, size_t count);
   std::string bytes_;
 };
 

@@ -7,6 +7,7 @@
 #include "error.h"
 #include "error_text.h"
 #include "json_text.h"
+#include "report_arm.h"
 
 namespace qal::io {
 
@@ -81,11 +82,13 @@ Json ReachStudyJson(const LoadedArm& loaded, const ReachStudy& study) {
   for (const JointModel& joint : loaded.arm.joints()) {
     ranges.push_back({joint.lower_rad.value, joint.upper_rad.value});
   }
+  const Result<ArmAtZero> at_zero = AtZero(loaded.arm);
   Json json = {
       {"arm", arm},
       {"joint_ranges_rad", ranges},
       {"base", FrameJson(loaded.arm.base())},
       {"tool", FrameJson(loaded.arm.tool())},
+      {"at_zero", at_zero ? AtZeroJson(*at_zero) : Json()},
       {"box_min_m", NumbersOf(study.box_min)},
       {"box_max_m", NumbersOf(study.box_max)},
       {"step_m", study.step_m},

@@ -11,8 +11,9 @@
 namespace qal::io {
 
 /// A reach study's own description: its kind, "reach" or "placement"; the arm with its limits and
-/// tool, the box, what is tried in each cell. Of a placement's poses it has their number and a
-/// hash. Two studies of the same description have the same cells.
+/// tool, and its axes, by which it can be drawn; the box, what is tried in each cell. Of a
+/// placement's poses it has their number and a hash. Two studies of the same description have the
+/// same cells.
 Json ReachStudyJson(const LoadedArm& loaded, const ReachStudy& study);
 
 /// Gives a placement's poses, so many of them.

@@ -42,38 +42,48 @@ Json JointJson(const Arm& arm, size_t j) {
   return json;
 }
 
-template <typename Answer>
-Answer AtZero(const LoadedArm& loaded, Result<Answer> answer) {
-  if (answer) return *std::move(answer);
-  throw Failure(fmt::format("{}: no pose with all joints at zero, by which the arm is drawn: {}",
-                            loaded.file, ErrorText(answer.error())));
+}  // namespace
+
+Result<ArmAtZero> AtZero(const Arm& arm) {
+  const Result<Pose> tool = Forward(arm, {});
+  if (!tool) return tool.error();
+  const Result<JacobianMatrix> jacobian = Jacobian(arm, {});
+  if (!jacobian) return jacobian.error();
+  ArmAtZero at_zero = {{}, *tool};
+  for (size_t j = 0; j < at_zero.axes.size(); ++j) {
+    const Line axis = AxisOf(*jacobian, j, ToVector(tool->position));
+    at_zero.axes[j] = {FromVector(axis.point), FromVector(axis.direction)};
+  }
+  return at_zero;
 }
 
-}  // namespace
+Json AtZeroJson(const ArmAtZero& arm) {
+  Json axes = Json::array();
+  for (const AxisLine& axis : arm.axes) {
+    axes.push_back(
+        {{"point_m", VectorJson(axis.point)}, {"direction", VectorJson(axis.direction)}});
+  }
+  const Quat& q = arm.tool.orientation;
+  return {
+      {"axes", std::move(axes)},
+      {"tool", {{"position_m", VectorJson(arm.tool.position)}, {"wxyz", {q.w, q.x, q.y, q.z}}}}};
+}
 
 Json ReportArmJson(const LoadedArm& loaded) {
   const Arm& arm = loaded.arm;
-  const Pose tool = AtZero(loaded, Forward(arm, {}));
-  const JacobianMatrix jacobian = AtZero(loaded, Jacobian(arm, {}));
-  Json joints = Json::array();
-  Json axes_json = Json::array();
-  std::array<AxisLine, 6> axes;
-  for (size_t j = 0; j < arm.joints().size(); ++j) {
-    joints.push_back(JointJson(arm, j));
-    const Line axis = AxisOf(jacobian, j, ToVector(tool.position));
-    axes[j] = {FromVector(axis.point), FromVector(axis.direction)};
-    axes_json.push_back(
-        {{"point_m", VectorJson(axes[j].point)}, {"direction", VectorJson(axes[j].direction)}});
+  const Result<ArmAtZero> at_zero = AtZero(arm);
+  if (!at_zero) {
+    throw Failure(fmt::format("{}: no pose with all joints at zero, by which the arm is drawn: {}",
+                              loaded.file, ErrorText(at_zero.error())));
   }
-  auto [bodies, notes] = ReportBodiesOf(loaded, axes);
-  const Quat& q = tool.orientation;
-  return {{"name", arm.name()},
-          {"about", ArmHeading(loaded)},
-          {"joints", std::move(joints)},
-          {"axes", std::move(axes_json)},
-          {"tool", {{"position_m", VectorJson(tool.position)}, {"wxyz", {q.w, q.x, q.y, q.z}}}},
-          {"bodies", std::move(bodies)},
-          {"notes", std::move(notes)}};
+  Json joints = Json::array();
+  for (size_t j = 0; j < arm.joints().size(); ++j) joints.push_back(JointJson(arm, j));
+  auto [bodies, notes] = ReportBodiesOf(loaded, at_zero->axes);
+  Json json = {{"name", arm.name()}, {"about", ArmHeading(loaded)}, {"joints", std::move(joints)}};
+  json.update(AtZeroJson(*at_zero));
+  json["bodies"] = std::move(bodies);
+  json["notes"] = std::move(notes);
+  return json;
 }
 
 }  // namespace qal::io

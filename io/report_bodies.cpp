@@ -111,13 +111,14 @@ bool AreOf(const UrdfSource& urdf, const Transform& base, const std::array<AxisL
 
 }  // namespace
 
-ReportBodies ReportBodiesOf(const LoadedArm& loaded, const std::array<AxisLine, 6>& axes) {
+ReportBodies ReportBodiesOf(const LoadedArm& loaded, const std::array<AxisLine, 6>& axes,
+                            const char* whose) {
   ReportBodies made;
   if (!loaded.urdf) return made;
   if (!AreOf(*loaded.urdf, loaded.arm.base(), axes)) {
     made.notes.push_back(fmt::format(
-        "{}: the axes are not those of the solver, and so what the links look like is not drawn",
-        loaded.urdf->path));
+        "{}: the axes are not those of {}, and so what the links look like is not drawn",
+        loaded.urdf->path, whose));
     return made;
   }
   const UrdfVisuals read = ReadVisuals(*loaded.urdf);

@@ -22,7 +22,9 @@ struct ReportBodies {
 /// disk. package:// and relative paths are looked for in the URDF's folder and those above. None of
 /// an arm without a URDF. Whatever is wrong with them is a note.
 /// @param axes of the arm with all joints at zero: those of the URDF, or its looks are not drawn
-ReportBodies ReportBodiesOf(const LoadedArm& loaded, const std::array<AxisLine, 6>& axes);
+/// @param whose axes these are, for a note
+ReportBodies ReportBodiesOf(const LoadedArm& loaded, const std::array<AxisLine, 6>& axes,
+                            const char* whose = "the solver");
 
 }  // namespace qal::io
 

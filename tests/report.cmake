@@ -25,7 +25,7 @@ if(problem)
   return()
 endif()
 # Beside their packages, where node looks for these.
-foreach(file page_test.mjs support.mjs)
+foreach(file page_test.mjs reach_page.mjs support.mjs)
   configure_file(report/${file} ${stage}/${file} COPYONLY)
 endforeach()
 add_test(NAME Report.Page COMMAND ${QAL_NODE} ${stage}/page_test.mjs)

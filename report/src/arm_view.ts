@@ -1,6 +1,6 @@
 // One arm in the scene: seven links, each moved by its own matrix.
 
-import { Group, Material, Matrix4, Mesh, MeshStandardMaterial, Vector3 } from 'three';
+import { GreaterDepth, Group, Material, Matrix4, Mesh, MeshStandardMaterial, Vector3 } from 'three';
 import type { BufferGeometry } from 'three';
 import type { Arm } from './data';
 import { newPlacements, placeLinks, toolAtZero } from './kinematics';
@@ -13,6 +13,12 @@ export function solidMaterial(): Material {
 export function ghostMaterial(color: string): MeshStandardMaterial {
   return new MeshStandardMaterial({ color, transparent: true, opacity: 0.32, depthWrite: false, roughness: 0.9,
                                     polygonOffset: true, polygonOffsetFactor: 2, polygonOffsetUnits: 2 });
+}
+
+/** For what is hidden by something else: seen through it, faintly. */
+export function behindMaterial(): Material {
+  return new MeshStandardMaterial({ color: '#ffffff', transparent: true, opacity: 0.42, depthFunc: GreaterDepth,
+                                    depthWrite: false, roughness: 0.9 });
 }
 
 export class ArmView {
@@ -37,9 +43,10 @@ export class ArmView {
     for (const mesh of this.group.children) mesh.matrixWorldNeedsUpdate = true;
   }
 
-  /** Where the description's tool is, by the joints. */
+  /** Where the description's tool is, by the joints and where the arm stands. */
   toolPlacement(): Matrix4 {
-    return new Matrix4().multiplyMatrices(this.placements[6] as Matrix4, this.tool);
+    const { x, y, z } = this.group.position;
+    return new Matrix4().makeTranslation(x, y, z).multiply(this.placements[6] as Matrix4).multiply(this.tool);
   }
 
   toolPosition(): Vector3 {

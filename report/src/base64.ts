@@ -28,3 +28,9 @@ export function float64(text: string, what: string): Float64Array {
 export function uint32(text: string, what: string): Uint32Array {
   return new Uint32Array(bufferOf(text, 4, what));
 }
+
+/** Whole numbers of 1, 2 or 4 bytes each. */
+export function whole(text: string, bytes: number, what: string): Uint8Array | Uint16Array | Uint32Array {
+  const buffer = bufferOf(text, bytes, what);
+  return bytes === 1 ? new Uint8Array(buffer) : bytes === 2 ? new Uint16Array(buffer) : new Uint32Array(buffer);
+}

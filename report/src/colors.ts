@@ -33,21 +33,21 @@ export const kPalettes: Readonly<Record<Theme, Palette>> = {
 };
 
 // Dark blue over grey to yellow: even in lightness, so that it reads the same without colours.
-const kSpeedStops: readonly (readonly [number, number, number])[] = [
+const kScale: readonly (readonly [number, number, number])[] = [
   [0.20, 0.40, 0.86], [0.33, 0.49, 0.78], [0.50, 0.57, 0.64], [0.64, 0.62, 0.48], [0.84, 0.75, 0.32], [0.98, 0.85, 0.16],
 ];
 
-/** The colour of a share, 0 to 1, of the highest speed; each channel 0 to 1. */
-export function speedColor(share: number): [number, number, number] {
-  const x = Math.min(Math.max(Number.isFinite(share) ? share : 0, 0), 1) * (kSpeedStops.length - 1);
-  const i = Math.min(Math.floor(x), kSpeedStops.length - 2);
-  const a = kSpeedStops[i] as readonly [number, number, number];
-  const b = kSpeedStops[i + 1] as readonly [number, number, number];
+/** The colour of a share, 0 to 1, of the highest value; each channel 0 to 1. */
+export function scaleColor(share: number): [number, number, number] {
+  const x = Math.min(Math.max(Number.isFinite(share) ? share : 0, 0), 1) * (kScale.length - 1);
+  const i = Math.min(Math.floor(x), kScale.length - 2);
+  const a = kScale[i] as readonly [number, number, number];
+  const b = kScale[i + 1] as readonly [number, number, number];
   const mix = (k: 0 | 1 | 2): number => a[k] + (x - i) * (b[k] - a[k]);
   return [mix(0), mix(1), mix(2)];
 }
 
-export function speedGradient(): string {
-  const stops = kSpeedStops.map(([r, g, b]) => `rgb(${[r, g, b].map((c) => Math.round(255 * c)).join(' ')})`);
+export function scaleGradient(): string {
+  const stops = kScale.map(([r, g, b]) => `rgb(${[r, g, b].map((c) => Math.round(255 * c)).join(' ')})`);
   return `linear-gradient(to right, ${stops.join(', ')})`;
 }

@@ -1,6 +1,8 @@
 // What the page shows: the data as the tool writes it, and as the page works with it.
 
 import { float32, float64, uint32 } from './base64';
+import { reachOf } from './reach_data';
+import type { Reach } from './reach_data';
 
 export const kFormat = 'qal-report-1';
 
@@ -153,10 +155,12 @@ export interface Report {
   readonly arm: Arm;
   readonly motions: readonly Motion[];
   readonly explanation: Explanation | null;
+  /** Of a reach study, which has no motions. */
+  readonly reach: Reach | null;
 }
 
-// What JSON holds before its arrays are read; a field that isn't known here is passed over.
-type Raw = Record<string, unknown>;
+/** What JSON holds before its arrays are read; a field that isn't known here is passed over. */
+export type Raw = Record<string, unknown>;
 
 function asRaw(value: unknown, what: string): Raw {
   if (typeof value !== 'object' || value === null) throw new Error(`${what} is missing`);
@@ -219,5 +223,6 @@ export function readReport(text: string): Report {
     arm: { ...(arm as unknown as Arm), bodies },
     motions,
     explanation: (raw['explanation'] ?? null) as Explanation | null,
+    reach: raw['reach'] ? reachOf(asRaw(raw['reach'], 'the reach study')) : null,
   };
 }

@@ -19,8 +19,8 @@ const kColumns = [
   { title: 'Accel.', unit: 'rad/s^2', field: 'accelerations_rad_s2' },
 ] as const;
 
-// Where in its range the joint is.
-function rangeOf(joint: Joint, angle: number): number | null {
+/** Where in its range the joint is. */
+export function rangeOf(joint: Joint, angle: number): number | null {
   if (joint.lower_rad === null || joint.upper_rad === null || joint.upper_rad <= joint.lower_rad) return null;
   return Math.min(Math.max((angle - joint.lower_rad) / (joint.upper_rad - joint.lower_rad), 0), 1);
 }

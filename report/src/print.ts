@@ -1,15 +1,15 @@
 // On paper: light, the scene and the plots as pictures, every check unfolded.
 
+import type { ArmScene } from './arm_scene';
 import { byId, el } from './dom';
 import type { Plots } from './plots';
-import type { RobotScene } from './robot_scene';
 import type { Themes } from './theme';
 
 function picture(source: string, text: string): HTMLImageElement {
   return el('img', { class: 'printed', src: source, alt: text });
 }
 
-export function printing(themes: Themes, plots: Plots | null, scene: RobotScene | null): void {
+export function printing(themes: Themes, plots: Plots | null, scene: ArmScene | null): void {
   let folded: { details: HTMLDetailsElement; place: Comment; open: boolean }[] = [];
   let under_way = false;
   const before = (): void => {

@@ -2,7 +2,7 @@
 
 import { Box3, Color, DirectionalLight, HemisphereLight, MOUSE, PCFShadowMap, PerspectiveCamera, Raycaster, Scene,
          Sphere, TOUCH, Vector2, Vector3, WebGLRenderer } from 'three';
-import type { Object3D } from 'three';
+import type { Object3D, Ray } from 'three';
 import { OrbitControls } from 'three/examples/jsm/controls/OrbitControls.js';
 
 export type View = 'free' | 'front' | 'side' | 'top';
@@ -111,14 +111,37 @@ export class Stage {
     this.request();
   }
 
+  get height(): number {
+    return this.host.clientHeight;
+  }
+
+  /** Calls `act` when the pointer is pressed and let go in one place. */
+  onClick(act: (event: PointerEvent) => void): void {
+    const canvas = this.renderer.domElement;
+    let pressed = [0, 0];
+    canvas.addEventListener('pointerdown', (event) => { pressed = [event.clientX, event.clientY]; });
+    canvas.addEventListener('pointerup', (event) => {
+      if (Math.hypot(event.clientX - (pressed[0] ?? 0), event.clientY - (pressed[1] ?? 0)) <= 4) act(event);
+    });
+  }
+
   /** What of `objects` is under the pointer. */
   pick(event: PointerEvent, objects: Object3D[]): Object3D | null {
+    return this.raycaster(event).intersectObjects(objects, false)[0]?.object ?? null;
+  }
+
+  /** From the eye through the pointer. */
+  ray(event: PointerEvent): Ray {
+    return this.raycaster(event).ray;
+  }
+
+  private raycaster(event: PointerEvent): Raycaster {
     const box = this.renderer.domElement.getBoundingClientRect();
     const at = new Vector2((2 * (event.clientX - box.left)) / box.width - 1,
                            1 - (2 * (event.clientY - box.top)) / box.height);
     const ray = new Raycaster();
     ray.setFromCamera(at, this.camera);
-    return ray.intersectObjects(objects, false)[0]?.object ?? null;
+    return ray;
   }
 
   /** Called before each frame of the screen; draws where something has changed. */

@@ -6,7 +6,7 @@ import { Line2 } from 'three/examples/jsm/lines/Line2.js';
 import { LineGeometry } from 'three/examples/jsm/lines/LineGeometry.js';
 import { LineMaterial } from 'three/examples/jsm/lines/LineMaterial.js';
 import type { Motion, Triple } from './data';
-import { speedColor } from './colors';
+import { scaleColor } from './colors';
 
 /** Points beyond which a line would cost more than it shows. */
 const kMaxPoints = 4000;
@@ -47,7 +47,7 @@ export class PathLine {
     const color = new Color();
     for (const i of drawn) {
       positions.push(...motion.positions_m.subarray(3 * i, 3 * i + 3));
-      const [r, g, b] = speedColor((motion.tool_speed_m_s[i] as number) / highest);
+      const [r, g, b] = scaleColor((motion.tool_speed_m_s[i] as number) / highest);
       colors.push(...color.setRGB(r, g, b, SRGBColorSpace).toArray());
     }
     const wide = new LineGeometry().setPositions(positions);

@@ -13,6 +13,8 @@ const kMmPerM = 1000;
 
 /** How a quantity given in `unit` of the data, as "rad/s", is shown. */
 export function shown(unit: string, system: UnitSystem): Unit {
+  if (unit === 'share') return { factor: 100, label: '%' };
+  if (unit === 'count') return { factor: 1, label: '' };
   if (system === 'si') return { factor: 1, label: pretty(unit) };
   if (/^rad\b/.test(unit)) return { factor: kDegPerRad, label: pretty(unit.replace(/^rad/, '°')) };
   if (/^m\b/.test(unit)) return { factor: kMmPerM, label: pretty(unit.replace(/^m/, 'mm')) };
@@ -33,6 +35,11 @@ export function number(value: number | null, digits = 4): string {
   return value.toFixed(Math.min(places, 6)).replace('-', '−');
 }
 
+/** A number as short as it is at `digits` significant places. */
+export function plain(value: number, digits = 4): string {
+  return String(Number(value.toPrecision(digits))).replace('-', '−');
+}
+
 /** A number of fixed places, for columns whose digits must not jump about. */
 export function fixed(value: number, places: number): string {
   if (!Number.isFinite(value)) return '–';
@@ -43,7 +50,8 @@ export function fixed(value: number, places: number): string {
 export function quantity(value: number | null, unit: string, system: UnitSystem): string {
   const u = shown(unit, system);
   if (value === null) return '–';
-  const text = number(value * u.factor);
+  // A share of all is 100 %, not 100.0 %.
+  const text = unit === 'share' ? plain(value * u.factor, 3) : number(value * u.factor);
   if (u.label === '°') return text + '°';
   return u.label ? `${text} ${u.label}` : text;
 }

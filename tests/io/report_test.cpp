@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <random>
 
 #include "../../io/finite_differences.h"
@@ -14,6 +13,7 @@
 #include "../../io/number_bytes.h"
 #include "../../io/report_arm.h"
 #include "../../io/report_html.h"
+#include "../support/decoded.h"
 #include "../support/refusal.h"
 #include "../support/tool_run.h"
 
@@ -32,23 +32,6 @@ TEST(Base64, IsThatOfTheStandardWithTheLowestByteFirst) {
   NumberBytes bytes;
   bytes.Add(-2.0F);
   EXPECT_EQ(bytes.Text(), Base64(std::string("\0\0\0\xc0", 4)));
-}
-
-// The numbers of type Number in a base64 text.
-template <typename Number>
-std::vector<Number> Decoded(const std::string& text) {
-  const std::string digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-  std::string bytes;
-  for (size_t i = 0; i + 4 <= text.size(); i += 4) {
-    size_t group = 0;
-    for (size_t j = 0; j < 4; ++j) group = group << 6 | (digits.find(text[i + j]) & 63U);
-    for (const int shift : {16, 8, 0}) bytes += static_cast<char>(group >> shift & 255U);
-  }
-  std::vector<Number> numbers(
-      (bytes.size() - static_cast<size_t>(std::count(text.begin(), text.end(), '='))) /
-      sizeof(Number));
-  std::memcpy(numbers.data(), bytes.data(), numbers.size() * sizeof(Number));
-  return numbers;
 }
 
 Vec3 VectorOf(const Json& json) { return {json[0], json[1], json[2]}; }

@@ -5,6 +5,7 @@ import { statSync, readFileSync, writeFileSync } from 'node:fs';
 import { after, before, test } from 'node:test';
 import { changed, clock, drawn, fine, pixels, planned, projected, qal, rows, screenshot, scrubTo, source, start, stop,
          withPage, work } from './support.mjs';
+import './reach_page.mjs';
 
 const kToolColor = [0, 184, 165];
 const kViolationColor = [198, 47, 32];

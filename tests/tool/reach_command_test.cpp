@@ -175,4 +175,41 @@ TEST_F(ReachCommand, GoesOnFromWhereItWasStopped) {
   EXPECT_TRUE(FileContent("a.h5") == FileContent("b.h5"));
 }
 
+TEST_F(ReachCommand, ReportsWholeStudiesAlone) {
+  ASSERT_EQ(0, Qal(kBox + "-o whole.h5").status);
+  ASSERT_EQ(0, Qal(kBox + "--shard 2/2 -o 2.h5").status);
+  const ToolRun page = Qal("report whole.h5 -o - --arm " QAL_ARMS_DIR "/ceiling_spherical.urdf");
+  if (page.err.find("no report page") != std::string::npos) GTEST_SKIP() << page.err;
+  ASSERT_EQ(0, page.status) << page.err;
+  EXPECT_NE(std::string::npos, page.err.find("the axes are not those of the study's arm"));
+  EXPECT_NE(std::string::npos, page.out.find("\"title\":\"whole.h5\""));
+
+  std::string other = FileContent("whole.h5");
+  std::ofstream("cut.h5") << other.substr(0, 6000);
+  std::ofstream("begun.h5.part") << FileContent("2.h5");
+  std::ofstream("text.h5") << "time_s,q1_rad\n";
+  other.replace(other.find("qal reach study"), 3, "any");
+  std::ofstream("other") << other;
+  const struct {
+    const char* arguments;
+    const char* said;
+  } kCases[] = {
+      {"2.h5", "2.h5: it has 24 of the study's 48 cells; a report is of all"},
+      {"begun.h5.part", "begun.h5.part: it has 24 of the study's 48 cells"},
+      {"cut.h5", "cut.h5: no file of a reach study: it is no HDF5 file, or not a whole one"},
+      {"text.h5", "text.h5: no file of a reach study: it is no HDF5 file"},
+      {"other", "other: no file of a reach study: its format is 'any reach study, version 1'"},
+      {"gone.h5", "cannot read gone.h5"},
+      {"whole.h5 2.h5", "OTHER is of trajectories, and whole.h5 is a reach study"},
+      {"whole.h5 --strict", "--strict is of trajectories, and whole.h5 is a reach study"},
+  };
+  for (const auto& [arguments, said] : kCases) {
+    const ToolRun run = Qal(std::string("report ") + arguments + " -o a.html");
+    EXPECT_EQ(2, run.status) << arguments;
+    EXPECT_NE(std::string::npos, run.err.find(said)) << run.err;
+    EXPECT_EQ(run.err.size() - 1, run.err.find('\n')) << run.err;
+    EXPECT_EQ("(none)", FileContent("a.html"));
+  }
+}
+
 }  // namespace

@@ -85,7 +85,8 @@ void ExpectMemory(size_t cells) {
 void WriteOthers(const ReachArguments& a, const ReachFile& file, const PlacementPoses& poses) {
   if (!a.vti.empty()) WriteFile(a.vti, ReachVti(file));
   if (file.study.poses.empty()) {
-    WriteStandardOutput(a.json ? ReachSummaryJson(file) : ReachSummaryTable(file, a.units));
+    WriteStandardOutput(a.json ? ReachSummaryJson(file).dump(2) + '\n'
+                               : ReachSummaryTable(file, a.units));
   } else {
     WriteStandardOutput(a.json ? PlacementJson(file, poses) : PlacementTable(file, poses, a.units));
   }

@@ -64,7 +64,7 @@ std::string ReachSummaryTable(const ReachFile& file, const Units& units) {
          Row("  smallest singular value", {best.smallest_singular_value}, 4);
 }
 
-std::string ReachSummaryJson(const ReachFile& file) {
+Json ReachSummaryJson(const ReachFile& file) {
   const ReachSummary summary = SummaryOf(file);
   Json json = {{"study", Json::parse(file.description)},
                {"first_cell", file.first},
@@ -84,7 +84,7 @@ std::string ReachSummaryJson(const ReachFile& file) {
                          {"smallest_singular_value", best.smallest_singular_value},
                          {"joints_rad", best.joints}};
   }
-  return json.dump(2) + '\n';
+  return json;
 }
 
 }  // namespace qal::tools

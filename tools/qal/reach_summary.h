@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "../../io/json.h"
 #include "../../io/reach_file.h"
 #include "units.h"
 
@@ -11,7 +12,7 @@ namespace qal::tools {
 /// What a reach study comes to, as rows of a table: how many cells are reached, and the best one.
 std::string ReachSummaryTable(const io::ReachFile& file, const Units& units);
 /// The same as JSON, always in rad and m.
-std::string ReachSummaryJson(const io::ReachFile& file);
+io::Json ReachSummaryJson(const io::ReachFile& file);
 
 }  // namespace qal::tools
 

@@ -68,7 +68,11 @@ void ReportOption::Write(const LoadedArm& loaded, Report report) const {
       progress.Show(fmt::format("report: {} of {} samples", done, samples));
     });
   }
-  for (const Json& note : data["arm"]["notes"]) Note(note.get<std::string>());
+  Write(data);
+}
+
+void ReportOption::Write(const Json& data) const {
+  for (const Json& note : data.at("arm").at("notes")) Note(note.get<std::string>());
   const std::string html = ReportHtml(data);
   if (path_ == "-") return WriteStandardOutput(html);
   WriteFile(path_, html);

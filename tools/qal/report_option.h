@@ -35,6 +35,8 @@ class ReportOption {
   /// terminal it says how far it is when it takes long.
   /// @throw as `io::ReportJson`, and when the file can't be written
   void Write(const io::LoadedArm& loaded, io::Report report) const;
+  /// The same of a page's data.
+  void Write(const io::Json& data) const;
 
  private:
   std::string path_;

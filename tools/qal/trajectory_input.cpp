@@ -8,16 +8,15 @@
 
 #include "../../io/error.h"
 #include "../../io/messages.h"
-#include "../common/values.h"
 #include "number_option.h"
 
 namespace qal::tools {
 
 using namespace io;
 
-void TrajectoryInput::AddTo(CLI::App& command, const std::string& name) {
-  TakesFile(command.add_option(name, path_, "trajectory to read; -: standard input"),
-            kTrajectoryFiles)
+void TrajectoryInput::AddTo(CLI::App& command, const std::string& name, const std::string& what,
+                            const std::string& endings) {
+  TakesFile(command.add_option(name, path_, what + " to read; -: standard input"), endings)
       ->required();
   TakesOneOf(
       command.add_option("--from", format_, "format of " + name + " (default: by its content)"),

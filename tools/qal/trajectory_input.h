@@ -6,6 +6,7 @@
 
 #include "../../io/files.h"
 #include "../../io/trajectory_file.h"
+#include "../common/values.h"
 
 namespace qal::tools {
 
@@ -13,7 +14,10 @@ namespace qal::tools {
 class TrajectoryInput {
  public:
   /// Adds the positional argument `name`, --from and --joint-names.
-  void AddTo(CLI::App& command, const std::string& name);
+  /// @param what   may be given, for the help
+  /// @param endings of such files
+  void AddTo(CLI::App& command, const std::string& name, const std::string& what = "trajectory",
+             const std::string& endings = kTrajectoryFiles);
 
   /// What messages call the file.
   std::string name() const { return io::NameOf(path_); }
