@@ -34,14 +34,14 @@ ArmDescription DescriptionIn(std::string text, const std::string& path, const Re
 
 // The description that an arm file names or has within.
 ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
-                             const ReadOptions& options, ArmFile& file) {
+                             const ReadOptions& options, const ReadText& read, ArmFile& file) {
   if (fields.at("description").is_string()) {
     const std::string named = InFolderOf(path, fields.Text("description", ""));
     ReadOptions with_links = options;
     if (options.base.empty()) with_links.base = fields.Text("base_link", "");
     if (options.tip.empty()) with_links.tip = fields.Text("tip_link", "");
     try {
-      return DescriptionIn(ReadFile(named, kLargestDescription), named, with_links, file);
+      return DescriptionIn(read(named), named, with_links, file);
     } catch (const UsageError& error) {
       fields.Refuse("description", error.what());
     }
@@ -55,8 +55,8 @@ ArmDescription DescriptionOf(const Fields& fields, const std::string& path,
   return arm;
 }
 
-ArmFile FromDocument(const Document& document, const std::string& path,
-                     const ReadOptions& options) {
+ArmFile FromDocument(const Document& document, const std::string& path, const ReadOptions& options,
+                     const ReadText& read) {
   const Fields fields(document);
   ArmFile file = {document.path, "arm file", std::nullopt, {}, ""};
   if (fields.Has("convention")) {
@@ -74,7 +74,8 @@ ArmFile FromDocument(const Document& document, const std::string& path,
                   "path or a table, or 'solver', a path");
   }
   file.settings = ReadArmSettings(fields);
-  if (fields.Has("description")) file.description = DescriptionOf(fields, path, options, file);
+  if (fields.Has("description"))
+    file.description = DescriptionOf(fields, path, options, read, file);
   if (fields.Has("description") && fields.at("description").is_string()) {
     file.sources.push_back(InFolderOf(path, fields.Text("description", "")));
   }
@@ -82,9 +83,9 @@ ArmFile FromDocument(const Document& document, const std::string& path,
   return file;
 }
 
-ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options) {
+ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options, const ReadText& read) {
   const std::string name = NameOf(path);
-  const std::string text = ReadFile(path, kLargestDescription);
+  const std::string text = read(path);
   switch (ContentOf(text)) {
     case Content::kLibrary:
       if (path == "-") throw UsageError(name + ": a library; its path is expected");
@@ -95,17 +96,21 @@ ArmFile ReadAnyFile(const std::string& path, const ReadOptions& options) {
       return file;
     }
     case Content::kJson:
-      return FromDocument(ParseJson(text, name), path, options);
+      return FromDocument(ParseJson(text, name), path, options, read);
     case Content::kToml:
       break;
   }
-  return FromDocument(ParseToml(text, name), path, options);
+  return FromDocument(ParseToml(text, name), path, options, read);
 }
 
 }  // namespace
 
-ArmFile ReadArmFile(const std::string& path, const ReadOptions& options) {
-  ArmFile file = ReadAnyFile(path, options);
+std::string ReadDescriptionText(const std::string& path) {
+  return ReadFile(path, kLargestDescription);
+}
+
+ArmFile ReadArmFile(const std::string& path, const ReadOptions& options, const ReadText& read) {
+  ArmFile file = ReadAnyFile(path, options, read);
   file.sources.push_back(path);
   return file;
 }

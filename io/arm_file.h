@@ -1,6 +1,7 @@
 #ifndef QAL_IO_ARM_FILE_H_
 #define QAL_IO_ARM_FILE_H_
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -24,11 +25,19 @@ struct ArmFile {
   std::shared_ptr<const UrdfSource> urdf = {};
 };
 
+/// What gives a file's content.
+using ReadText = std::function<std::string(const std::string& path)>;
+
+/// The content of a description's file, as `ReadFile`.
+std::string ReadDescriptionText(const std::string& path);
+
 /// Reads a file of an arm, whatever its name: what it is shows in its content.
 /// @param path -: standard input, but not for a library; what an arm file names is looked for in
 ///             its folder, standard input's in the current one
+/// @param read is asked for the file's content first, then for that of a description that it names
 /// @throw UsageError "FILE: ..." or "FILE, line N: ..." with the key and what was expected
-ArmFile ReadArmFile(const std::string& path, const ReadOptions& options);
+ArmFile ReadArmFile(const std::string& path, const ReadOptions& options,
+                    const ReadText& read = ReadDescriptionText);
 
 /// The description in a URDF, a table or an arm file; an arm file's name and limits go before its
 /// description's.

@@ -10,12 +10,36 @@ namespace qal::python {
 
 namespace {
 
-PyArm FromFile(const std::filesystem::path& path, const std::optional<std::string>& base,
-               const std::optional<std::string>& tip) {
+io::ReadOptions LinksOf(const std::optional<std::string>& base,
+                        const std::optional<std::string>& tip) {
   io::ReadOptions options;
   if (base) options.base = *base;
   if (tip) options.tip = *tip;
-  return {io::ReadArm(path, options), py::make_tuple("from_file", Absolute(path), base, tip)};
+  return options;
+}
+
+PyArm FromFile(const std::filesystem::path& path, const std::optional<std::string>& base,
+               const std::optional<std::string>& tip) {
+  py::list texts;  // that another process may lack
+  const io::ArmFile file = io::ReadArmFile(path, LinksOf(base, tip), [&](const std::string& named) {
+    std::string text = io::ReadDescriptionText(named);
+    texts.append(py::bytes(text));
+    return text;
+  });
+  if (file.kind == "solver library") texts = py::list();  // is loaded from where it lies
+  return {io::MakeArm(file), py::make_tuple("from_file", Absolute(path), base, tip, texts)};
+}
+
+// An arm of a file's text, wherever the file is.
+PyArm FromTexts(const py::tuple& source) {
+  const auto path = source[1].cast<std::string>();
+  const auto base = source[2].cast<std::optional<std::string>>();
+  const auto tip = source[3].cast<std::optional<std::string>>();
+  const auto texts = source[4].cast<std::vector<std::string>>();
+  if (texts.empty()) return FromFile(path, base, tip);
+  size_t next = 0;
+  const auto read = [&](const std::string&) { return texts.at(next++); };
+  return {io::MakeArm(io::ReadArmFile(path, LinksOf(base, tip), read)), source};
 }
 
 PyArm FromSolver(const std::filesystem::path& path) {
@@ -40,8 +64,7 @@ PyArm Made(const py::tuple& source) {
   if (how == "reference") return OfReference();
   if (how == "from_solver") return FromSolver(source[1].cast<std::string>());
   if (how == "with_tool") return WithTool(Made(source[1].cast<py::tuple>()), source[2]);
-  return FromFile(source[1].cast<std::string>(), source[2].cast<std::optional<std::string>>(),
-                  source[3].cast<std::optional<std::string>>());
+  return FromTexts(source);
 }
 
 // A setting of all joints.

@@ -4,6 +4,7 @@ import copy
 import io
 import multiprocessing
 import pickle
+import shutil
 import signal
 import subprocess
 import sys
@@ -64,6 +65,20 @@ def test_everything_can_be_copied_and_pickled(reference, tmp_path, monkeypatch, 
     monkeypatch.chdir(tmp_path)  # files are found from any folder
     for other in (pickle.loads(text), copy.copy(value), copy.deepcopy(value)):
         assert type(other) is type(value) and outcome(other) == outcome(value)
+
+
+# Where the files aren't any more, as on other machines.
+def test_an_arm_goes_by_value(tmp_path):
+    shutil.copy(ARMS / "laboratory_offset.urdf", tmp_path / "described.urdf")
+    (tmp_path / "arm.toml").write_text('name = "copy"\ndescription = "described.urdf"\ncycle_s = 0.004\n')
+    arm = Arm.from_file(tmp_path / "arm.toml").with_tool(np.diag([1.0, -1, -1, 1]))
+    text = pickle.dumps(arm)
+    for path in tmp_path.iterdir():
+        path.unlink()
+    other = pickle.loads(pickle.dumps(pickle.loads(text)))
+    assert (other.name, other.cycle) == ("copy", 0.004) and outcome(other) == outcome(arm)
+    poses = arm.forward(TWO)
+    assert np.array_equal(other.inverse(poses, START).joints, arm.inverse(poses, START).joints)
 
 
 def test_a_worker_process_gives_the_same_bits(joints):
