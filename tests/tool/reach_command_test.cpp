@@ -212,4 +212,18 @@ TEST_F(ReachCommand, ReportsWholeStudiesAlone) {
   }
 }
 
+// Nothing is left to do: cells are those of the file, here with another margin in one.
+TEST_F(ReachCommand, DoesNothingOfAStudyThatIsDone) {
+  const auto margin = QalJson(kBox + "-o a.h5")["best_cell"]["margin_rad"].get<double>();
+  std::string changed = FileContent("a.h5");
+  const double other = margin + 1;
+  const size_t place = changed.find({reinterpret_cast<const char*>(&margin), sizeof margin});
+  ASSERT_NE(std::string::npos, place);
+  std::memcpy(&changed[place], &other, sizeof other);
+  std::ofstream("a.h5") << changed;
+  EXPECT_EQ(other, QalJson(kBox + "--resume -o a.h5")["best_cell"]["margin_rad"].get<double>());
+  EXPECT_TRUE(FileContent("a.h5") == changed);
+  EXPECT_EQ(margin, QalJson(kBox + "-o a.h5")["best_cell"]["margin_rad"].get<double>());
+}
+
 }  // namespace

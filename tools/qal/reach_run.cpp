@@ -107,6 +107,10 @@ class ReachRun {
  private:
   void Begin() {
     std::error_code none;
+    if (request_.resume && std::filesystem::exists(request_.out, none)) {
+      file_ = ReadReachFile(request_.out);
+      if (file_.first == request_.first && file_.end() == request_.last) return;  // nothing is left
+    }
     const bool begun = std::filesystem::exists(part_, none);
     if (begun) ExpectOwnOutput(part_, request_.description);
     if (begun && !request_.resume) {
