@@ -19,6 +19,13 @@ add_test(NAME Tool.ExplainDocument
 add_test(NAME Tool.ReachDocument
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/reach.md
                  ${PROJECT_SOURCE_DIR}/arms/reference.urdf $<TARGET_FILE_DIR:qal> 8)
+find_program(QAL_PARALLEL parallel)
+if(NOT QAL_PARALLEL)
+  message(FATAL_ERROR "parallel is missing. Debian: sudo apt-get install parallel")
+endif()
+add_test(NAME Tool.ClusterDocument
+         COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/cluster.md
+                 ${PROJECT_SOURCE_DIR}/arms/reference.urdf $<TARGET_FILE_DIR:qal> 6 reach.sbatch)
 # What ROS 2 reads, by its own parser; and what docs/ros2.md says is what happens. Debian's Python has
 # the parser.
 add_test(NAME Ros.FilesFitTheInterfaces
@@ -28,8 +35,11 @@ add_test(NAME Ros.DocumentShowsWhatHappens
          COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/mkik/run_document.sh ${PROJECT_SOURCE_DIR}/docs/ros2.md
                  ${PROJECT_SOURCE_DIR}/arms/reference.urdf ${CMAKE_RUNTIME_OUTPUT_DIRECTORY} 7)
 
-# Sanitizers need more memory than the limits here leave.
+# Sanitizers need more memory than the limits of the one leave, and much time for the other.
 if(NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
+  add_test(NAME Tool.ClusterScriptGoesOn
+           COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tool/cluster.sh ${PROJECT_SOURCE_DIR}/docs/cluster.md
+                   ${PROJECT_SOURCE_DIR}/arms/reference.urdf $<TARGET_FILE_DIR:qal>)
   add_test(NAME Tool.Faults COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/tool/faults.sh $<TARGET_FILE:qal>
                                     $<TARGET_FILE:mkik>
                                     ${PROJECT_SOURCE_DIR}/arms/bench_parallel.urdf)

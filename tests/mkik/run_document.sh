@@ -1,10 +1,10 @@
 #!/bin/sh
 # Runs the commands of a document's console blocks, in order and in a folder of their own, and
 # compares what they print with what the document shows; "..." stands for any text.
-# usage: run_document.sh DOCUMENT ARM TOOLS COUNT [TOML]
-# ARM is what the document calls arm.urdf, its toml block is TOML, my_arm.toml unless said; TOOLS is
-# the folder of the tools; COUNT is the least number of commands. A command that is to fail ends in
-# "# exit status N".
+# usage: run_document.sh DOCUMENT ARM TOOLS COUNT [FILE]
+# ARM is what the document calls arm.urdf; FILE is its toml block, my_arm.toml unless said, or its bash
+# block where the name doesn't end in .toml; TOOLS is the folder of the tools; COUNT is the least number
+# of commands. A command that is to fail ends in "# exit status N".
 set -eu
 document=$1
 folder=$(mktemp -d)
@@ -17,7 +17,9 @@ cd "$folder"
 awk '/^```/ { inside = ($0 == "```console"); next }
      inside && /^\$ / { ++n; print substr($0, 3) > (n ".command"); printf "" > (n ".shown"); next }
      inside { print > (n ".shown") }' "$document"
-awk '/^```/ { inside = ($0 == "```toml"); next } inside' "$document" > "${5:-my_arm.toml}"
+file=${5:-my_arm.toml}
+case $file in *.toml) kind=toml ;; *) kind=bash ;; esac
+awk -v fence="\`\`\`$kind" '/^```/ { inside = ($0 == fence); next } inside' "$document" > "$file"
 
 n=1
 while [ -e "$n.command" ]; do
