@@ -10,7 +10,7 @@ DOCS_DEPS := doxygen furo python3-breathe python3-myst-parser python3-sphinx
 # With what Debian packages are made.
 PACKAGE_DEPS = debhelper dh-python dpkg-dev lintian python3-setuptools $(DOCS_DEPS)
 TEST_DEPS := libgtest-dev pkg-config chromium clang clang-tidy cppcheck fish g++-aarch64-linux-gnu man-db qemu-user \
-             mypy parallel python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
+             mypy parallel python3-distributed python3-matplotlib python3-pip python3-pytest python3-setuptools python3-tqdm \
              python3-venv python3-wheel python3-yaml zsh $(PACKAGE_DEPS) mmdebstrap uidmap $(BENCH_DEPS)
 
 # How long `fuzz` takes with each harness, and `tsan`.

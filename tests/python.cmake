@@ -1,5 +1,5 @@
 # Python's package, from the build tree and installed by pip.
-foreach(module pytest numpy scipy tqdm)
+foreach(module pytest numpy scipy tqdm distributed)
   execute_process(COMMAND ${Python_EXECUTABLE} -c "import ${module}" RESULT_VARIABLE failed ERROR_QUIET)
   if(failed)
     message(FATAL_ERROR "${module} is missing. Debian: sudo apt-get install python3-${module}")

@@ -8,7 +8,19 @@ Lengths are in m, angles in rad, times in s. Poses are those of the tool in the 
 """
 
 from . import _plot
-from ._core import REASONS, Arm, Motion, Nearest, Playback, Pose, Solutions, Trajectory, __version__
+from ._core import (
+    REASONS,
+    Arm,
+    Motion,
+    Nearest,
+    Playback,
+    Pose,
+    ReachStudy,
+    Solutions,
+    Trajectory,
+    __version__,
+)
+from ._reach import ReachResult, reach
 from .errors import (
     ArmError,
     FileError,
@@ -38,6 +50,8 @@ __all__ = [
     "Playback",
     "Pose",
     "QalError",
+    "ReachResult",
+    "ReachStudy",
     "RequestError",
     "SingularityError",
     "Solutions",
@@ -45,4 +59,5 @@ __all__ = [
     "StepBoundError",
     "Trajectory",
     "__version__",
+    "reach",
 ]

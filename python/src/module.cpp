@@ -2,6 +2,7 @@
 #include "errors.h"
 #include "motion.h"
 #include "poses.h"
+#include "reach.h"
 #include "trajectory.h"
 
 // The compiled part of the package: all of it but the exceptions and the pictures.
@@ -15,4 +16,5 @@ PYBIND11_MODULE(_core, module) {
   AddExplaining(arm);
   AddTrajectory(module);
   AddMotion(module, arm);
+  AddReach(module);
 }

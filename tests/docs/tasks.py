@@ -33,18 +33,23 @@ def of_command(code):
 
 @lru_cache
 def members():
-    """The parameters of each member of Python's classes."""
+    """The parameters of each member of Python's classes, and of its functions, those of no class."""
+    made = [made for file in ("_core.pyi", "_reach.py", "errors.py")
+            for made in ast.parse((PACKAGE / file).read_text()).body]
+    items = [("", item) for item in made] + [
+        (one.name, item) for one in made if isinstance(one, ast.ClassDef)
+        for item in [*one.body, ast.parse("def __init__(self): 0").body[0]]
+    ]
     return {
-        (made.name, item.name): {parameter.arg for parameter in item.args.args + item.args.kwonlyargs}
-        for file in ("_core.pyi", "errors.py")
-        for made in ast.parse((PACKAGE / file).read_text()).body if isinstance(made, ast.ClassDef)
-        for item in [*made.body, ast.parse("def __init__(self): 0").body[0]] if isinstance(item, ast.FunctionDef)
+        (name, item.name): {parameter.arg for parameter in item.args.args + item.args.kwonlyargs}
+        for name, item in items if isinstance(item, ast.FunctionDef)
     }
 
 
 def of_python(code):
     name, *rest = re.fullmatch(r"([A-Za-z]+)(?:\.(\w+))?(?:\((.*)\))?", code).groups(default="")
-    found = members().get((name[0].upper() + name[1:], rest[0] or "__init__"))
+    member = (name[0].upper() + name[1:], rest[0] or "__init__")
+    found = members().get(member if member in members() else (rest[0], name))
     return found is not None and set(re.findall(r"\w+(?==)", rest[1])) <= found
 
 

@@ -28,7 +28,7 @@ def run(*command, **kwargs):
 
 @pytest.mark.parametrize("name, arguments, told", [
     ("point_cloud.py", [], r"of 20000 points are reached\n(  \d+: \w+\n)+largest error \d\.\de-1[0-9] m"),
-    ("reach_of_a_box.py", [], r"(?m)^ +0\.00( +\d+\.\d%){2}$"),
+    ("reach_of_a_box.py", [], r"(?m)^ +0\.025( +\d+\.\d%){2}$"),
     ("compare_arms.py", [ARMS / "foundry_spherical.urdf", ARMS / "bench_spherical.urdf"], r"(?s)foundry.*bench"),
     ("feed_controller.py", [PROGRAM], r"stopped within 0\.\d+ s, .*\nwent on to the end at half the speed: \d{4} cycles"),
     ("tour.py", [PROGRAM, "."], r"within every limit"),

@@ -203,3 +203,20 @@ def stops_within_a_second(code):
 @pytest.mark.parametrize("name, times", [("reference.urdf", 500), ("painting_oblique.toml", 1)])
 def test_ctrl_c_stops_a_long_batch_within_a_second(name, times):
     stops_within_a_second(LONG.format(arm=str(ARMS / name), times=times))
+
+
+STUDY = """
+from qal_kinematics import Arm, ReachStudy, reach
+arm = Arm.from_file({arm!r})
+print("begun", flush=True)
+try:
+    reach(ReachStudy([-1, -1, -1], [1, 1, 1], 0.02), arm)
+except KeyboardInterrupt:
+    print("stopped", flush=True)
+"""
+
+
+# 100 million poses.
+@pytest.mark.parametrize("name", ["reference.urdf", "painting_oblique.toml"])
+def test_ctrl_c_stops_a_reach_study_within_a_second(name):
+    stops_within_a_second(STUDY.format(arm=str(ARMS / name)))
