@@ -56,10 +56,12 @@ BatchCount AnswerAll(size_t count, Span<T> answers, const T& none, Span<Reason> 
   std::atomic<size_t> refused{0};
   BatchCount told;
   told.done = RunBatch(count, options, [&](size_t begin, size_t end) {
+    size_t without = 0;
     for (size_t i = begin; i < end; i += kBlock) {
       const size_t size = std::min<size_t>(kBlock, end - i);
-      refused += AnswerBlock(i, size, answers, none, reasons, answer, block);
+      without += AnswerBlock(i, size, answers, none, reasons, answer, block);
     }
+    refused += without;  // at once: threads wait for each other's writes
   });
   told.refused = refused;
   return told;

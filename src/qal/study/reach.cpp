@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "../solve/batch_run.h"
+#include "../solve/chunk_solver.h"
 #include "approaches.h"
 #include "tried_poses.h"
 
@@ -95,19 +96,21 @@ class ReachRun {
       const Vec3 centre = tried_.Centre(first_ + cell);
       for (size_t i = first * spins_; i < last * spins_; ++i) poses.push_back(tried_.At(centre, i));
     });
-    BatchOptions here;
-    here.threads = 1;
-    const BatchSolutions solved = Inverse(arm_, poses, {&middle_, 1}, {}, here);
+    const BatchRequests requests = {poses, {&middle_, 1}};
+    ChunkSolutions solved;
+    std::vector<Reason> reasons(poses.size());
+    ChunkSolver(arm_, requests, {})(0, poses.size(), reasons, solved);
     size_t pose = 0;
+    size_t solution = 0;
     ForEachCell(begin, end, [&](size_t cell, size_t first, size_t last) {
       ReachCell sum;
       for (size_t i = first; i < last; ++i, pose += spins_) {
-        AddDirection(sum, poses, solved, i, pose);
+        AddDirection(sum, poses, solved, i, pose, solution);
       }
       const std::lock_guard<std::mutex> lock(mutex_);
       Take(cells_[cell], sum, rule());
     });
-    ExpectSound(poses, solved.reasons);
+    ExpectSound(poses, reasons);
   }
 
   // Calls visit(cell, first, last) with the directions that elements are of each cell.
@@ -124,15 +127,18 @@ class ReachRun {
   Told rule() const { return tried_.placement() ? Told::kWorst : Told::kBest; }
 
   // @param first_pose of the direction
-  void AddDirection(ReachCell& sum, const std::vector<Pose>& poses, const BatchSolutions& solved,
-                    size_t direction, size_t first_pose) {
+  // @param solution   its first one; becomes that of the next direction
+  void AddDirection(ReachCell& sum, const std::vector<Pose>& poses, const ChunkSolutions& solved,
+                    size_t direction, size_t first_pose, size_t& solution) {
     ReachCell best;
     for (size_t s = 0; s < spins_; ++s) {
       const size_t pose = first_pose + s;
-      if (solved.first[pose] == solved.first[pose + 1]) continue;
+      const size_t first = solution;
+      solution += solved.counts[pose];
+      if (first == solution) continue;
       if (approaches_ && !approaches_->Begins(poses[pose])) continue;
       const auto orientation = static_cast<int32_t>(direction * spins_ + s);
-      for (size_t k = solved.first[pose]; k < solved.first[pose + 1]; ++k) {
+      for (size_t k = first; k < solution; ++k) {
         if (solved.refusals[k] != Reason::kNone) continue;
         double margin_rad = MarginOf(solved.joints[k]);
         if (approaches_) {
