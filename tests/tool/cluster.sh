@@ -7,7 +7,7 @@ trap 'rm -rf "$folder"' EXIT
 cp "$2" "$folder/arm.urdf"
 PATH=$3:$PATH
 # Smaller cells, so that a task takes long enough to be stopped.
-awk '/^```/ { inside = ($0 == "```bash"); next } inside' "$1" | sed 's/--step 0.1/--step 0.025/' >"$folder/reach.sbatch"
+awk '/^```/ { inside = ($0 == "```bash"); next } inside' "$1" | sed 's/--step 0.1/--step 0.016/' >"$folder/reach.sbatch"
 cd "$folder"
 export SLURM_CPUS_PER_TASK=1
 
@@ -17,7 +17,7 @@ stopped() {
   SLURM_ARRAY_TASK_ID=$1 bash reach.sbatch >>log 2>&1 &
   local job=$! status=0
   until [ -e "reach-$1.h5.part" ]; do sleep 0.01; done
-  sleep 0.05
+  sleep 0.03
   kill "-$2" $job
   wait $job 2>/dev/null || status=$?
   [ ! -e "reach-$1.h5" ] || { echo "task $1 was done before SIG$2 came"; exit 1; }

@@ -159,7 +159,7 @@ TEST_F(ReachCommand, WritesTheCellsForParaView) {
 
 // Stopped as soon as it has begun, and gone on from there, it has the bytes of one run.
 TEST_F(ReachCommand, GoesOnFromWhereItWasStopped) {
-  const std::string study = "reach --box -0.8 -0.8 0 0.8 0.8 0.8 --step 0.1 --directions 150 ";
+  const std::string study = "reach --box -0.8 -0.8 0 0.8 0.8 0.8 --step 0.1 --directions 1000 ";
   const ToolRun stopped = Shell(QAL_BINARY " " + study +
                                 "--threads 1 -o a.h5 &\n"
                                 "until [ -e a.h5.part ]; do sleep 0.02; done\n"

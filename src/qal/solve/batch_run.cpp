@@ -5,6 +5,8 @@
 #include <exception>
 #include <system_error>
 #include <thread>
+#include <tuple>
+#include <utility>
 
 namespace qal {
 
@@ -12,20 +14,21 @@ namespace {
 
 class BatchRun {
  public:
-  BatchRun(size_t count, const std::function<void(size_t, size_t)>& work)
-      : count_(count), work_(work) {}
+  BatchRun(size_t count, size_t threads, const std::function<void(size_t, size_t)>& work)
+      : count_(count), threads_(threads), work_(work) {}
 
-  // Takes one chunk after the other. Throws nothing: what is thrown in a helper's thread would end
-  // the process.
+  // Takes chunk after chunk. Throws nothing: what is thrown in a helper's thread would end the
+  // process.
   // @param progress of the calling thread
   void Work(const std::function<bool(size_t)>& progress) {
     try {
-      while (!stopped_.load(std::memory_order_relaxed)) {
-        const size_t begin = next_.fetch_add(kBatchChunk, std::memory_order_relaxed);
-        if (begin >= count_) return;
-        const size_t end = std::min(count_, begin + kBatchChunk);
-        work_(begin, end);
-        const size_t done = done_.fetch_add(end - begin, std::memory_order_relaxed) + end - begin;
+      for (size_t begin = 0, end = 0; !stopped_.load(std::memory_order_relaxed);) {
+        if (begin == end) std::tie(begin, end) = TakeChunks();
+        if (begin == end) return;
+        const size_t next = std::min(end, begin + kBatchChunk);
+        work_(begin, next);
+        const size_t done = done_.fetch_add(next - begin, std::memory_order_relaxed) + next - begin;
+        begin = next;
         if (progress && !progress(done)) stopped_.store(true, std::memory_order_relaxed);
       }
     } catch (...) {
@@ -41,7 +44,22 @@ class BatchRun {
   }
 
  private:
+  // Chunks one after the other: where threads take turns, each waits for memory that the processor
+  // has given the other beforehand. Towards the end they are fewer, so that all threads end
+  // together.
+  std::pair<size_t, size_t> TakeChunks() {
+    constexpr size_t kMostChunks = 64;
+    constexpr size_t kTurns = 4;  // of each thread, for what is left
+    for (size_t begin = next_.load(std::memory_order_relaxed);;) {
+      const size_t chunks = (count_ - begin) / kBatchChunk / (kTurns * threads_);
+      const size_t end =
+          std::min(count_, begin + std::clamp<size_t>(chunks, 1, kMostChunks) * kBatchChunk);
+      if (next_.compare_exchange_weak(begin, end, std::memory_order_relaxed)) return {begin, end};
+    }
+  }
+
   size_t count_;
+  size_t threads_;
   const std::function<void(size_t, size_t)>& work_;
   std::atomic<size_t> next_{0};
   std::atomic<size_t> done_{0};
@@ -79,8 +97,9 @@ class Helpers {
 
 size_t RunBatch(size_t count, const BatchOptions& options,
                 const std::function<void(size_t begin, size_t end)>& work) {
-  BatchRun run(count, work);
-  if (const size_t threads = ThreadsFor(count, options.threads); threads > 1) {
+  const size_t threads = std::max<size_t>(1, ThreadsFor(count, options.threads));
+  BatchRun run(count, threads, work);
+  if (threads > 1) {
     const Helpers helpers(run, threads - 1);
     run.Work(options.progress);
   } else {
