@@ -6,8 +6,10 @@ target_include_directories(qal_foreign_test PRIVATE support)
 target_link_libraries(qal_foreign_test PRIVATE qal_build_options QAL_kinematics GTest::gtest_main)
 
 set(foreign ${CMAKE_CURRENT_BINARY_DIR}/foreign)
-set(interface ${PROJECT_SOURCE_DIR}/src/kinematics/ikfast.h)
-configure_file(${interface} ${foreign}/kinematics/ikfast.h COPYONLY)
+foreach(interface ikfast.h array_solver.h)
+  configure_file(${PROJECT_SOURCE_DIR}/src/kinematics/${interface} ${foreign}/kinematics/${interface}
+                 COPYONLY)
+endforeach()
 
 # Builds foreign/NAME/libik.so of a source with these commands' words.
 function(qal_foreign_solver name source)

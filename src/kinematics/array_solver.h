@@ -7,12 +7,10 @@
 
 namespace qal {
 
-/// A solver library's solutions without a list, which takes as long to fill as they to be found.
-/// Whoever uses it makes sure that the ComputeIk that he would call is this library's: a program
-/// may have brought another one.
+/// A solver library's solutions without a list, which takes about as long to fill as to be solved.
 struct ArraySolver {
   /// As many solutions as six joints may have of a pose.
-  static constexpr int kMost = 16;
+  static constexpr size_t kMost = 16;
 
   decltype(&ikfast::ComputeIk) compute_ik;  ///< the library's own
   /// The solutions of that function, in its order.
@@ -20,6 +18,17 @@ struct ArraySolver {
   /// @return how many there are
   int (*inverse)(const double* eetrans, const double* eerot, double (*joints)[6]);
 };
+
+/// What a library's `qal_array_solver_1` says.
+/// @param library    that function; null: there is none
+/// @param compute_ik what would be called otherwise: a program may have brought another one, or a
+///                   library another library
+/// @return null where there is none, or another one's
+inline const ArraySolver* ArraySolverOf(const ArraySolver* (*library)(),
+                                        decltype(&ikfast::ComputeIk) compute_ik) {
+  const ArraySolver* const solver = library != nullptr ? library() : nullptr;
+  return solver != nullptr && solver->compute_ik == compute_ik ? solver : nullptr;
+}
 
 }  // namespace qal
 

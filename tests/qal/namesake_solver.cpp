@@ -1,7 +1,8 @@
-#include "kinematics/ikfast.h"
+#include "kinematics/array_solver.h"
 
 // A solver whose own class is exported, with the name of a class that the test program has as well.
-// Its poses show which of the two answers.
+// Its poses show which of the two answers. It has another solver's array as well, as a library
+// has that needs this other one.
 
 struct SolverOfJoint1 {
   static double Offset();
@@ -29,3 +30,12 @@ void ComputeFk(const IkReal* joints, IkReal* eetrans, IkReal* eerot) {
 }
 
 }  // namespace ikfast
+
+const qal::ArraySolver* qal_array_solver_1() {
+  static const qal::ArraySolver kOther = {
+      [](const double*, const double*, const double*, ikfast::IkSolutionListBase<double>&) {
+        return false;
+      },
+      [](const double*, const double*, double(*)[6]) { return 0; }};
+  return &kOther;
+}

@@ -15,21 +15,15 @@ namespace qal {
 
 namespace {
 
-// Null unless it belongs to the ComputeIk that the loader has found.
-const ArraySolver* LoadedArraySolver() {
-  const ArraySolver* const arrays = qal_array_solver_1 != nullptr ? qal_array_solver_1() : nullptr;
-  return arrays != nullptr && arrays->compute_ik == &ikfast::ComputeIk ? arrays : nullptr;
-}
-
 class LoadedSolver final : public SolverFunctions {
  public:
   constexpr LoadedSolver() = default;
 
   bool Inverse(const double* eetrans, const double* eerot, SolutionList& solutions) const override {
-    static const ArraySolver* const arrays = LoadedArraySolver();
-    if (arrays == nullptr) return ikfast::ComputeIk(eetrans, eerot, nullptr, solutions);
+    static const ArraySolver* const array = ArraySolverOf(&qal_array_solver_1, &ikfast::ComputeIk);
+    if (array == nullptr) return ikfast::ComputeIk(eetrans, eerot, nullptr, solutions);
     return solutions.TakeArray(
-        [&](double(*joints)[6]) { return arrays->inverse(eetrans, eerot, joints); });
+        [&](double(*joints)[6]) { return array->inverse(eetrans, eerot, joints); });
   }
   void Forward(const double* joints, double* eetrans, double* eerot) const override {
     ikfast::ComputeFk(joints, eetrans, eerot);

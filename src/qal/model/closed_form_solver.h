@@ -15,6 +15,7 @@ class GeometrySolver : public SolverFunctions {
   explicit GeometrySolver(const Geometry& geometry) : geometry_(geometry) {}
 
   bool Inverse(const double* eetrans, const double* eerot, SolutionList& solutions) const override {
+    static_assert(closed_form::Solutions::kMost <= ArraySolver::kMost);
     return solutions.TakeArray([&](double(*joints)[6]) {
       return WriteSolutions(SolveTarget(&geometry_, eetrans, eerot), joints);
     });

@@ -81,9 +81,7 @@ SolverLibrary::SolverLibrary(const std::string& path) : library_(Open(path)) {
   }
   compute_ik_ = Find<ComputeIk>(library_, kComputeIk);
   compute_fk_ = Find<ComputeFk>(library_, kComputeFk);
-  const auto arrays = Find<decltype(&qal_array_solver_1)>(library_, kArraySolver);
-  // Another one's if the library has it from a library that it needs.
-  if (arrays != nullptr && arrays()->compute_ik == compute_ik_) array_inverse_ = arrays()->inverse;
+  array_ = ArraySolverOf(Find<decltype(&qal_array_solver_1)>(library_, kArraySolver), compute_ik_);
 }
 
 SolverLibrary::~SolverLibrary() {
@@ -127,9 +125,9 @@ std::string SolverLibrary::GeometryHash() const {
 
 bool SolverLibrary::Inverse(const double* eetrans, const double* eerot,
                             SolutionList& solutions) const {
-  if (array_inverse_ == nullptr) return compute_ik_(eetrans, eerot, nullptr, solutions);
+  if (array_ == nullptr) return compute_ik_(eetrans, eerot, nullptr, solutions);
   return solutions.TakeArray(
-      [&](double(*joints)[6]) { return array_inverse_(eetrans, eerot, joints); });
+      [&](double(*joints)[6]) { return array_->inverse(eetrans, eerot, joints); });
 }
 
 void SolverLibrary::Forward(const double* joints, double* eetrans, double* eerot) const {

@@ -41,7 +41,7 @@ class SolverLibrary final : public SolverFunctions {
   std::string load_error_;
   ComputeIk compute_ik_ = nullptr;
   ComputeFk compute_fk_ = nullptr;
-  decltype(ArraySolver::inverse) array_inverse_ = nullptr;  // where there is one
+  const ArraySolver* array_ = nullptr;  // where there is one
 };
 
 }  // namespace qal
