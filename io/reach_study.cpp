@@ -2,8 +2,7 @@
 
 #include <fmt/format.h>
 
-#include <cstring>
-
+#include "../src/qal/model/number_hash.h"
 #include "error.h"
 #include "error_text.h"
 #include "json_text.h"
@@ -24,18 +23,13 @@ std::vector<double> NumbersOf(const Pose& pose) {
   return {p.x, p.y, p.z, q.w, q.x, q.y, q.z};
 }
 
-// FNV-1a over the bits of the poses, the lowest byte of each number first: two studies of other
-// poses have another description.
+// Two studies of other poses have another description.
 std::string HashOf(const std::vector<Pose>& poses) {
-  uint64_t hash = 0xcbf29ce484222325u;
+  NumberHash hash;
   for (const Pose& pose : poses) {
-    for (const double number : NumbersOf(pose)) {
-      uint64_t bits = 0;
-      std::memcpy(&bits, &number, sizeof bits);
-      for (int i = 0; i < 64; i += 8) hash = (hash ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
-    }
+    for (const double number : NumbersOf(pose)) hash.Add(number);
   }
-  return fmt::format("{:016x}", hash);
+  return hash.Text();
 }
 
 // What is tried in each cell.

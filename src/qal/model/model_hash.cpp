@@ -1,8 +1,5 @@
-#include <cstdint>
-#include <cstdio>
-#include <cstring>
-
 #include "closed_form_model.h"
+#include "number_hash.h"
 
 namespace qal {
 
@@ -10,15 +7,10 @@ namespace {
 
 using namespace closed_form;
 
-// FNV-1a over the bits of numbers, so that the same geometry has the same text on every machine.
+// What a geometry is made of.
 class Hash {
  public:
-  void Add(double value) {
-    value += 0.0;  // -0 is 0
-    std::uint64_t bits = 0;
-    std::memcpy(&bits, &value, sizeof(bits));
-    for (int i = 0; i < 64; i += 8) hash_ = (hash_ ^ ((bits >> i) & 0xffu)) * 0x100000001b3u;
-  }
+  void Add(double value) { hash_.Add(value); }
   void Add(const Vector<double>& v) {
     for (const double element : v.element) Add(element);
   }
@@ -79,14 +71,10 @@ class Hash {
     Add(arm.apart_m);
     Add(arm.apart);
   }
-  std::string Text() const {
-    char text[24];
-    (void)std::snprintf(text, sizeof(text), "qal-%016llx", static_cast<unsigned long long>(hash_));
-    return text;
-  }
+  std::string Text() const { return "qal-" + hash_.Text(); }
 
  private:
-  std::uint64_t hash_ = 0xcbf29ce484222325u;
+  NumberHash hash_;
 };
 
 }  // namespace
