@@ -51,8 +51,7 @@ constexpr CellTexts kOfPlacement = {
     "how many poses are reached",
     "admissible solutions of all poses together",
     "the margin of the reached pose that has the least: how far its best solution's joints stay "
-    "from "
-    "their limits, with a line on all of it; NaN: no pose is reached",
+    "from their limits, with a line on all of it; NaN: no pose is reached",
     "of the Jacobian in metres and radians, the smallest of the reached poses' best solutions",
     "the pose with the least margin, as a row of poses from 0; -1: none",
     "the best solution of the pose with the least margin, joint 1 first; NaN: none"};

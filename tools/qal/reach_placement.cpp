@@ -7,6 +7,7 @@
 
 #include "../../io/error.h"
 #include "../../io/error_text.h"
+#include "../common/progress.h"
 #include "tables.h"
 
 namespace qal::tools {
@@ -75,8 +76,7 @@ std::string MissedText(const ReachFile& file, size_t best, const PlacementPoses&
   if (!poses.missed) {
     return fmt::format(
         "for the poses missed at the best position: qal reach --poses FILE --box {0:.9g} {1:.9g} "
-        "{2:.9g} {0:.9g} "
-        "{1:.9g} {2:.9g} --step {3:.9g} -o best.h5",
+        "{2:.9g} {0:.9g} {1:.9g} {2:.9g} --step {3:.9g} -o best.h5",
         at.x, at.y, at.z, file.study.step_m);
   }
   constexpr size_t kTold = 20;
@@ -97,7 +97,10 @@ std::vector<size_t> MissedPoses(const Arm& arm, const ReachFile& file) {
   if (best.empty() || file.cells[best[0]].directions == file.study.poses.size()) return missed;
   const size_t cell = file.first + best[0];
   ReachStudy single = file.study;
-  for (size_t i = 0; i < file.study.poses.size(); ++i) {
+  const size_t count = file.study.poses.size();
+  const LateProgress progress;
+  for (size_t i = 0; i < count; ++i) {
+    if (i % 1000 == 0) progress.Show(fmt::format("missed poses: {} of {} looked at", i, count));
     single.poses = {file.study.poses[i]};
     const auto reached = Reach(arm, single, cell, cell + 1);
     if (!reached) throw Failure(ErrorText(reached.error()));
